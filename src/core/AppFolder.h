@@ -1,0 +1,16 @@
+#pragma once
+// Where the program keeps its state files and working folders.
+
+#include <QString>
+#include <QStringList>
+
+namespace AppFolder {
+
+// The executable's folder when it is writable and not a system folder, else ~/.local/share/QorloMANAGER.
+QString Resolve(const QString &executablePath);
+// The working folders below the application folder, in the order they are made.
+QStringList WorkingFolderNames();
+// Makes each missing working folder; the command folders are made readable by the owner only.
+void MakeWorkingFolders(const QString &appPath);
+
+} // namespace AppFolder

@@ -1,0 +1,20 @@
+#pragma once
+// Pure helpers that take file paths apart; "/" is the separator.
+
+#include <QString>
+
+namespace CommonFile {
+
+// What follows the last "." anywhere in the path; empty without one.
+QString FileExtension(const QString &path);
+QString ChangeExtension(const QString &path, const QString &extension);
+// The part behind the last "/" without its extension.
+QString FileBaseName(const QString &path);
+// The part behind the last "/"; the whole path without one.
+QString FileNameOnly(const QString &path);
+// The part before the last "/"; the path itself without one.
+QString FolderOf(const QString &path);
+// The machine's name.
+QString ComputerName();
+
+} // namespace CommonFile

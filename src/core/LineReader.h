@@ -1,0 +1,25 @@
+#pragma once
+// Reads a state file line by line as Windows-1252 text; CR LF, CR and LF all end a line.
+
+#include <QString>
+#include <QStringList>
+
+class LineReader
+{
+public:
+    // Reads the whole file; a missing or unreadable file gives no lines.
+    explicit LineReader(const QString &path);
+    static LineReader FromText(const QString &text);
+
+    bool isOpen() const { return m_open; }
+    bool atEnd() const { return m_next >= m_lines.size(); }
+    QString readLine();
+
+private:
+    LineReader() = default;
+    void split(const QString &text);
+
+    QStringList m_lines;
+    qsizetype m_next = 0;
+    bool m_open = false;
+};

@@ -1,0 +1,57 @@
+#pragma once
+// Real peers on loopback for tests: free ports, helper programs that announce READY, and the rule
+// that under CI a missing peer fails the test instead of skipping it.
+
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <memory>
+
+namespace TestSupport {
+
+bool UnderCI();
+// A TCP port on 127.0.0.1 that was free a moment ago.
+quint16 FreePort();
+// A UDP port on 127.0.0.1 that was free a moment ago.
+quint16 FreeUdpPort();
+// The Python that has Debian's modules (aiosmtpd, xlrd).
+QString DebianPython();
+// A script below tests/peers.
+QString PeerScript(const QString &name);
+// The program's path when it is installed, else empty.
+QString FindProgram(const QString &name, const QStringList &extraFolders = {});
+
+// A peer program started for one test and stopped at the end of its scope.
+class PeerProcess
+{
+public:
+    PeerProcess() = default;
+    ~PeerProcess();
+    PeerProcess(const PeerProcess &) = delete;
+    PeerProcess &operator=(const PeerProcess &) = delete;
+
+    // Starts the program and waits until `readyLine` appears on its standard output (empty: only
+    // until it has started). False, with `error()` saying why, when it fails or stays silent.
+    bool start(const QString &program, const QStringList &arguments, const QString &readyLine,
+               int timeoutMs = 15000, const QProcessEnvironment &environment = {});
+    void stop();
+    QString error() const { return m_error; }
+    QByteArray output() const;
+    QProcess *process() { return m_process.get(); }
+
+private:
+    std::unique_ptr<QProcess> m_process;
+    QString m_error;
+};
+
+} // namespace TestSupport
+
+// Skips the test when a peer is missing, except under CI, where that is a failure.
+#define QORLO_REQUIRE_PEER(condition, what)                                                              \
+    do {                                                                                                 \
+        if (!(condition)) {                                                                              \
+            if (TestSupport::UnderCI())                                                                  \
+                QFAIL(qPrintable(QStringLiteral("peer missing under CI: ") + (what)));                   \
+            QSKIP(qPrintable(QStringLiteral("peer missing: ") + (what)));                                \
+        }                                                                                                \
+    } while (false)
