@@ -42,3 +42,17 @@ function(qorlo_test name)
     set_tests_properties(${name} PROPERTIES RESOURCE_LOCK "${ARG_RESOURCE_LOCK}")
   endif()
 endfunction()
+
+# qorlo_tests_in_folder(LIBS ...): one test per tst_*.cpp of the calling folder. A file tst_NAME.cmake
+# beside a test, if present, is included after it is defined (extra libraries, labels, locks).
+function(qorlo_tests_in_folder)
+  cmake_parse_arguments(ARG "" "" "LIBS" ${ARGN})
+  file(GLOB tests CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/tst_*.cpp)
+  foreach(source ${tests})
+    get_filename_component(name ${source} NAME_WE)
+    qorlo_test(${name} SOURCES ${source} LIBS ${ARG_LIBS})
+    if(EXISTS ${CMAKE_CURRENT_SOURCE_DIR}/${name}.cmake)
+      include(${CMAKE_CURRENT_SOURCE_DIR}/${name}.cmake)
+    endif()
+  endforeach()
+endfunction()

@@ -1,0 +1,28 @@
+#!/usr/bin/env bash
+# Installs from Debian's archive everything the build, the tests and the demo need.
+set -euo pipefail
+SUDO=""
+[ "$(id -u)" -eq 0 ] || SUDO="sudo"
+APT_OPTS=(-y --no-install-recommends --no-upgrade -o DPkg::Lock::Timeout=300)
+
+build=(g++ cmake ninja-build ccache clang-format pkg-config
+       qt6-base-dev libqt6sql6-sqlite libqt6sql6-psql libqt6sql6-odbc
+       unixodbc unixodbc-dev libcups2-dev fonts-dejavu-core fonts-liberation2)
+peers=(python3 python3-aiosmtpd dovecot-pop3d dnsmasq-base bind9-dnsutils openssl
+       cups cups-client cups-filters cups-daemon
+       libsqliteodbc odbc-postgresql postgresql sqlite3
+       libreoffice-calc-nogui libreoffice-writer-nogui poppler-utils python3-xlrd unrtf)
+
+case "${1:-all}" in
+  build) wanted=("${build[@]}") ;;
+  *) wanted=("${build[@]}" "${peers[@]}") ;;
+esac
+
+missing=()
+for pkg in "${wanted[@]}"; do
+  dpkg-query -W -f='${Status}' "$pkg" 2>/dev/null | grep -q "install ok installed" || missing+=("$pkg")
+done
+if [ ${#missing[@]} -gt 0 ]; then
+  $SUDO apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive $SUDO apt-get install "${APT_OPTS[@]}" "${missing[@]}"
+fi
