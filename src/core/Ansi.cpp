@@ -1,5 +1,7 @@
 #include "Ansi.h"
 
+#include <array>
+
 namespace {
 
 // Unicode of the codes 0x80 to 0x9F; the five codes Windows-1252 leaves undefined map to themselves.
@@ -46,10 +48,17 @@ QByteArray Encode(const QString &text, char replacement)
 
 QString Decode(const QByteArray &bytes)
 {
-    QString text;
-    text.reserve(bytes.size());
+    // State files of several megabytes pass through here: one table lookup a byte.
+    static const auto table = [] {
+        std::array<char16_t, 256> codes{};
+        for (int code = 0; code < 256; ++code)
+            codes[code] = Char(code).unicode();
+        return codes;
+    }();
+    QString text(bytes.size(), Qt::Uninitialized);
+    char16_t *out = reinterpret_cast<char16_t *>(text.data());
     for (const char b : bytes)
-        text.append(Char(static_cast<unsigned char>(b)));
+        *out++ = table[static_cast<unsigned char>(b)];
     return text;
 }
 

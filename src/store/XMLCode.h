@@ -32,6 +32,9 @@ QString WriteCloseTag(const QString &tag);
 QString XMLEscape(const QString &value);
 QString XMLCData(const QString &value);
 
+// The tag of a state-file line: the text up to and including the first ">", so attributes count
+// and case matters; empty for a line without ">", which readers ignore.
+QString LineTag(const QString &line);
 // Decodes the line in place and returns the value of its element.
 QString TagValue(QString &line);
 // The value of a long element whose first (already decoded) line is `line`, reading further lines.

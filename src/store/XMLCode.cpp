@@ -1,0 +1,401 @@
+#include "XMLCode.h"
+
+#include "core/Ansi.h"
+#include "core/Clock.h"
+#include "core/DayDate.h"
+#include "core/Numbers.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QRandomGenerator>
+#include <QSaveFile>
+#include <algorithm>
+#include <memory>
+
+namespace XMLCode {
+
+namespace {
+
+const QString kCrLf = QStringLiteral("\r\n");
+const QString kMaker = QStringLiteral("Tessaly Works");
+const QString kMakerWebAddress = QStringLiteral("https://www.tessalyworks.example");
+
+// The one open-file state of the writer.
+struct OpenFile
+{
+    std::unique_ptr<QSaveFile> file;
+    QByteArray pending; // lines not yet handed to the file, written in large blocks
+    QString rootName;
+};
+
+OpenFile &State()
+{
+    static OpenFile state;
+    return state;
+}
+
+// The 8-bit code of a character, or its Unicode value when Windows-1252 cannot hold it.
+int CodeOf(QChar c)
+{
+    const int code = Ansi::Code(c);
+    return code >= 0 ? code : c.unicode();
+}
+
+// The character of an 8-bit code (128 to 159 through Windows-1252), or of a Unicode value above 255.
+QString CharOf(qint64 code)
+{
+    if (code >= 0 && code <= 255)
+        return QString(Ansi::Char(int(code)));
+    if (code > 255 && code <= 0xFFFF)
+        return QString(QChar(char16_t(code)));
+    if (code > 0xFFFF && code <= 0x10FFFF) {
+        const char32_t point = char32_t(code);
+        return QString::fromUcs4(&point, 1);
+    }
+    return QString(QChar(QChar::ReplacementCharacter));
+}
+
+// Length (1 or 2) and code of the character at `pos`; a surrogate pair counts as one character.
+int CharacterAt(const QString &text, qsizetype pos, char32_t &code)
+{
+    const QChar c = text.at(pos);
+    if (c.isHighSurrogate() && pos + 1 < text.size() && text.at(pos + 1).isLowSurrogate()) {
+        code = QChar::surrogateToUcs4(c, text.at(pos + 1));
+        return 2;
+    }
+    code = char32_t(CodeOf(c));
+    return 1;
+}
+
+QString NumericReference(char32_t code)
+{
+    return QStringLiteral("&#") + Numbers::FormatZeros(code, 4) + QLatin1Char(';');
+}
+
+// Characters the code page cannot hold go to the file as numeric references, which the reader decodes.
+void AppendFileBytes(QByteArray &bytes, const QString &line)
+{
+    // Bytes go straight into room made ahead; a reference takes the slower road.
+    qsizetype out = bytes.size();
+    bytes.resize(out + line.size() + 2);
+    for (qsizetype i = 0; i < line.size();) {
+        const QChar c = line.at(i);
+        const int code = c.unicode() < 0x80 ? c.unicode() : Ansi::Code(c);
+        if (code >= 0) {
+            bytes[out++] = char(code);
+            ++i;
+            continue;
+        }
+        char32_t point;
+        i += CharacterAt(line, i, point);
+        const QByteArray reference = NumericReference(point).toLatin1();
+        bytes.resize(bytes.size() + reference.size());
+        std::copy(reference.cbegin(), reference.cend(), bytes.begin() + out);
+        out += reference.size();
+    }
+    bytes[out++] = '\r';
+    bytes[out++] = '\n';
+    bytes.resize(out);
+}
+
+void Flush(OpenFile &state)
+{
+    state.file->write(state.pending);
+    state.pending.resize(0);
+}
+
+// Puts the open file in place; the old file stays when the new one could not be written whole.
+void Commit(OpenFile &state)
+{
+    Flush(state);
+    state.file->commit();
+    state.file.reset();
+}
+
+QString Print(const QString &line)
+{
+    OpenFile &state = State();
+    if (state.file) {
+        AppendFileBytes(state.pending, line);
+        if (state.pending.size() >= 256 * 1024)
+            Flush(state);
+    }
+    return line;
+}
+
+QString HeaderText(const QString &path)
+{
+    const double today = Today();
+    QString program = QCoreApplication::applicationName();
+    if (program.isEmpty())
+        program = QStringLiteral("QorloMANAGER");
+    const QString version =
+        QStringLiteral("%1.%2 (%3)").arg(QORLO_VERSION_MAJOR).arg(QORLO_VERSION_MINOR).arg(QORLO_REVISION);
+    const QStringList lines = {
+        QStringLiteral("<?xml version=\"1.0\" encoding=\"utf-8\"?>"),
+        QStringLiteral("<!-- XML File Created by ") + program + QStringLiteral(" -->"),
+        QStringLiteral("<!-- Written by the XML writer of ") + kMaker + QStringLiteral(" -->"),
+        QStringLiteral("<!-- Copyright ") + kMaker + QLatin1Char(' ') +
+            QString::number(DayDate::Year(today)) + QStringLiteral(" -->"),
+        QStringLiteral("<!-- QorloMANAGER version ") + version + QStringLiteral(" -->"),
+        QStringLiteral("<!-- ") + kMakerWebAddress + QStringLiteral(" -->"),
+        QStringLiteral("<!-- File ") + path + QStringLiteral(" Created ") + FormatDate(today) +
+            QStringLiteral("-->"),
+    };
+    return lines.join(kCrLf);
+}
+
+QString OpeningTag(const QString &tag, const QString &attributes)
+{
+    if (attributes.isEmpty())
+        return QLatin1Char('<') + tag + QLatin1Char('>');
+    return QLatin1Char('<') + tag + QLatin1Char(' ') + attributes + QLatin1Char('>');
+}
+
+// Replaces each "&#code;" by its character. A "&#" without a ";" after it ends the decoding of
+// references for the line, so a damaged line cannot stall the reader.
+void DecodeNumericReferences(QString &line)
+{
+    qsizetype from = 0;
+    while (true) {
+        const qsizetype start = line.indexOf(QLatin1String("&#"), from);
+        if (start < 0)
+            return;
+        const qsizetype end = line.indexOf(QLatin1Char(';'), start + 2);
+        if (end < 0)
+            return;
+        const double number = Numbers::NumericPrefix(line.mid(start + 2, end - start - 2));
+        const qint64 code = number >= 0 && number <= 0x10FFFF ? qint64(Numbers::RoundEven(number)) : -1;
+        line.replace(start, end - start + 1, CharOf(code));
+        // A decoded "&" or "#" can form a new "&#" with its neighbour; nothing before it can.
+        from = start > 0 ? start - 1 : 0;
+    }
+}
+
+} // namespace
+
+QString OpenXML(const QString &path, const QString &rootName, const QString &attributes, FileAccess access)
+{
+    OpenFile &state = State();
+    if (state.file) {
+        // A file left open loses its closing tag, as the one writer can hold only one file.
+        Commit(state);
+    }
+    state.rootName = rootName;
+
+    auto file = std::make_unique<QSaveFile>(path);
+    if (!file->open(QIODevice::WriteOnly))
+        return QStringLiteral("Error Creating File: ") + file->errorString();
+    if (access == FileAccess::OwnerOnly)
+        file->setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    state.file = std::move(file);
+
+    Print(HeaderText(path));
+    if (!rootName.isEmpty())
+        Print(OpeningTag(rootName, attributes));
+    return QString();
+}
+
+QString CloseXML()
+{
+    OpenFile &state = State();
+    if (!state.file)
+        return QStringLiteral("XML already closed");
+    if (!state.rootName.isEmpty())
+        WriteCloseTag(state.rootName);
+    // The old file is replaced only now, when the new one is complete.
+    Commit(state);
+    return QStringLiteral("XML File closed");
+}
+
+QString WriteElement(const QString &tag, const QString &value)
+{
+    return Print(QLatin1Char('<') + tag + QLatin1Char('>') + XMLEscape(value) + QStringLiteral("</") + tag +
+                 QLatin1Char('>'));
+}
+
+QString WriteLongElement(const QString &tag, const QString &value)
+{
+    return Print(QLatin1Char('<') + tag + QLatin1Char('>') + XMLEscape(value) + kCrLf + QStringLiteral("</") +
+                 tag + QLatin1Char('>'));
+}
+
+QString WriteCDataElement(const QString &tag, const QString &value)
+{
+    return Print(QLatin1Char('<') + tag + QLatin1Char('>') + XMLCData(value) + QStringLiteral("</") + tag +
+                 QLatin1Char('>'));
+}
+
+QString WriteOpenTag(const QString &tag, const QString &attributes)
+{
+    return Print(OpeningTag(tag, attributes));
+}
+
+QString WriteCloseTag(const QString &tag)
+{
+    return Print(QStringLiteral("</") + tag + QLatin1Char('>'));
+}
+
+namespace {
+
+// True when XMLEscape would change the value.
+bool NeedsEscape(const QString &value)
+{
+    for (const QChar c : value) {
+        switch (c.unicode()) {
+        case '&':
+        case '\r':
+        case '>':
+        case '<':
+        case '\'':
+        case '"': return true;
+        default:
+            if (c.unicode() > 126)
+                return true;
+        }
+    }
+    return false;
+}
+
+} // namespace
+
+QString XMLEscape(const QString &value)
+{
+    if (!NeedsEscape(value))
+        return value;
+    QString text = value;
+    text.replace(QLatin1Char('&'), QLatin1String("&amp;"));
+    text.replace(kCrLf, QLatin1String("&#0013;&#0010;"));
+    text.replace(QLatin1Char('>'), QLatin1String("&gt;"));
+    text.replace(QLatin1Char('<'), QLatin1String("&lt;"));
+    text.replace(QLatin1Char('\''), QLatin1String("&apos;"));
+    text.replace(QLatin1Char('"'), QLatin1String("&quot;"));
+
+    QString escaped;
+    escaped.reserve(text.size() + 16);
+    qsizetype plainFrom = 0; // start of the run of characters copied as they are
+    for (qsizetype i = 0; i < text.size();) {
+        char32_t code;
+        const int length = CharacterAt(text, i, code);
+        const bool last = i + length >= text.size();
+        // The last character stays raw when the code page can hold it.
+        const bool holdable = length == 1 && Ansi::Code(text.at(i)) >= 0;
+        if (code > 126 && !(last && holdable)) {
+            escaped += QStringView(text).mid(plainFrom, i - plainFrom);
+            escaped += NumericReference(code);
+            plainFrom = i + length;
+        }
+        i += length;
+    }
+    escaped += QStringView(text).mid(plainFrom);
+    return escaped;
+}
+
+QString XMLCData(const QString &value)
+{
+    QString copy = value;
+    copy.replace(kCrLf, QLatin1String("&#0013;&#0010;"));
+    if (copy.contains(QLatin1Char('<')))
+        return QStringLiteral("<![CDATA[") + copy + QStringLiteral("]]>");
+    if (value.contains(QLatin1Char('~')))
+        return QStringLiteral("<![CDATA[") + value + QStringLiteral("]]>");
+    return value;
+}
+
+QString LineTag(const QString &line)
+{
+    const qsizetype end = line.indexOf(QLatin1Char('>'));
+    return end < 0 ? QString() : line.left(end + 1);
+}
+
+QString TagValue(QString &line)
+{
+    // Most lines hold no mark at all; the checks spare them the replacement passes.
+    if (line.contains(QLatin1Char('[')))
+        line.replace(QLatin1String("[[--CRLF--]]"), kCrLf);
+    if (line.contains(QLatin1Char('&'))) {
+        line.replace(QLatin1String("&#0013;&#0010;"), kCrLf);
+        DecodeNumericReferences(line);
+        line.replace(QLatin1String("&gt;"), QLatin1String(">"));
+        line.replace(QLatin1String("&lt;"), QLatin1String("<"));
+        line.replace(QLatin1String("&apos;"), QLatin1String("'"));
+        line.replace(QLatin1String("&quot;"), QLatin1String("\""));
+        line.replace(QLatin1String("&amp;"), QLatin1String("&"));
+    }
+
+    const qsizetype open = line.indexOf(QLatin1Char('>'));
+    if (open < 0)
+        return QString();
+    const qsizetype close = line.indexOf(QLatin1String("</"), open);
+    if (close < 0)
+        return line.mid(open + 1);
+
+    const QString value = line.mid(open + 1, close - open - 1);
+    const qsizetype cdataStart = value.indexOf(QLatin1String("<![CDATA["));
+    const qsizetype cdataEnd = value.indexOf(QLatin1String("]]>"));
+    if (cdataStart < 0 || cdataEnd < 0)
+        return value;
+    // Counted from the value's 10th character: a CDATA block is meant to stand at the start.
+    return value.mid(9, qMax<qsizetype>(0, cdataEnd - cdataStart - 9));
+}
+
+QString ReadLongElement(LineReader &file, const QString &line, const QString &endTag)
+{
+    QString value = line.mid(line.indexOf(QLatin1Char('>')) + 1);
+    qsizetype end = value.indexOf(endTag);
+    if (end >= 0)
+        return value.left(end);
+    while (!file.atEnd()) {
+        const QString next = file.readLine();
+        end = next.indexOf(endTag);
+        if (end >= 0)
+            return value + next.left(end);
+        value += kCrLf + next;
+    }
+    return value;
+}
+
+QString EncodeText(const QString &clear)
+{
+    QRandomGenerator *random = QRandomGenerator::global();
+    const int k = int(Numbers::RoundEven(12 * random->generateDouble()));
+    QString coded = CharOf(k + 64);
+    for (qsizetype i = 0; i < clear.size(); ++i) {
+        const QChar scrambled = CharOf(CodeOf(clear.at(i)) + k).at(0);
+        const QChar following = i + 1 < clear.size() ? CharOf(CodeOf(clear.at(i + 1)) + k).at(0) : QChar();
+        coded += scrambled;
+        // The reader cuts a value at "</", so the noise never forms one with its neighbours.
+        QChar noise;
+        do {
+            noise = CharOf(qint64(Numbers::RoundEven(random->generateDouble() * 64 + 32))).at(0);
+        } while ((scrambled == QLatin1Char('<') && noise == QLatin1Char('/')) ||
+                 (noise == QLatin1Char('<') && following == QLatin1Char('/')));
+        coded += noise;
+    }
+    return coded;
+}
+
+QString DecodeText(const QString &coded)
+{
+    if (coded.isEmpty())
+        return QString();
+    const int k = CodeOf(coded.at(0)) - 64;
+    QString clear;
+    // 1-based positions 2, 4, 6, ... below the length are 0-based 1, 3, 5, ...
+    for (qsizetype i = 1; i + 1 < coded.size(); i += 2) {
+        const int c = CodeOf(coded.at(i));
+        if (c > k)
+            clear += CharOf(c - k);
+    }
+    return clear;
+}
+
+void CreateLockFile(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return;
+    file.write(Ansi::Encode(QStringLiteral("Lock File Created : ") + FormatDate(Today()) + kCrLf));
+}
+
+} // namespace XMLCode

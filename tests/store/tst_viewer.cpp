@@ -1,0 +1,131 @@
+#include "store/clsViewer.h"
+#include "TestMain.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+class TestViewer : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void defaults();
+    void roundTrip();
+    void damagedFile();
+};
+
+namespace {
+
+QByteArray ReadAll(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+void WriteFile(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write(bytes);
+}
+
+} // namespace
+
+void TestViewer::defaults()
+{
+    QTemporaryDir app;
+    clsViewer viewer(app.path());
+    QCOMPARE(viewer.Viewer_Top, 840);
+    QCOMPARE(viewer.Viewer_Left, 3210);
+    QCOMPARE(viewer.Viewer_Width, 5370);
+    QCOMPARE(viewer.Viewer_Height, 2520);
+    QCOMPARE(viewer.Viewer_Col, 3000);
+    QCOMPARE(viewer.Viewer_ColDate, 0);
+    QCOMPARE(viewer.Viewer_State, QStringLiteral("Normal"));
+    QCOMPARE(viewer.Viewer_Option, QStringLiteral("Folder"));
+    QCOMPARE(viewer.InstanceFolder, app.filePath(QStringLiteral("Instance")));
+    QCOMPARE(viewer.SortCol, QString());
+
+    viewer.Viewer_Top = 1;
+    viewer.Viewer_State = QStringLiteral("Max");
+    viewer.ApplyStartDefaults();
+    QCOMPARE(viewer.Viewer_Top, 840);
+    QCOMPARE(viewer.Viewer_State, QStringLiteral("Normal"));
+    QCOMPARE(viewer.Viewer_ColDate, 1980);
+    QCOMPARE(viewer.Viewer_ColDesc, 3000);
+    QCOMPARE(viewer.Viewer_ColFile, 3000);
+    QCOMPARE(viewer.Viewer_ColDest, 3000);
+    QCOMPARE(viewer.Viewer_ColRun, 1980);
+
+    // A missing file leaves every value.
+    viewer.Load(app.filePath(QStringLiteral("Form.XML")));
+    QCOMPARE(viewer.Viewer_ColRun, 1980);
+}
+
+void TestViewer::roundTrip()
+{
+    QTemporaryDir app;
+    clsViewer viewer(app.path());
+    viewer.ApplyStartDefaults();
+    viewer.Viewer_Top = -120;
+    viewer.Viewer_Col3 = 45;
+    viewer.Viewer_State = QStringLiteral("Max");
+    viewer.SortCol = QStringLiteral("2");
+    viewer.InstanceFolder = QStringLiteral("/srv/qorlo/inst \u00e9");
+    viewer.Connection_File = app.filePath(QStringLiteral("Connect.XML"));
+    viewer.Save();
+    const QString path = app.filePath(QStringLiteral("Form.XML"));
+    const QByteArray first = ReadAll(path);
+    QVERIFY(first.contains(
+        "<ViewerSettings>\r\n<Viewer-State>Max</Viewer-State>\r\n<Viewer-Option>Folder</Viewer-Option>\r\n"
+        "<Viewer-Top>-120</Viewer-Top>\r\n<Viewer-Left>3210</Viewer-Left>\r\n"));
+    QVERIFY(first.contains("<Viewer-ColRun>1980</Viewer-ColRun>\r\n<Connection_File>"));
+    QVERIFY(first.contains("<SortCol>2</SortCol>\r\n</ViewerSettings>\r\n</ViewerSettingsDoc>\r\n"));
+
+    clsViewer fresh(app.path());
+    fresh.Load(path);
+    QCOMPARE(fresh.Viewer_Top, -120);
+    QCOMPARE(fresh.Viewer_Col3, 45);
+    QCOMPARE(fresh.Viewer_ColDate, 1980);
+    QCOMPARE(fresh.Viewer_State, QStringLiteral("Max"));
+    QCOMPARE(fresh.InstanceFolder, QStringLiteral("/srv/qorlo/inst \u00e9"));
+    QCOMPARE(fresh.Connection_File, QString()); // written for other programs only
+    fresh.Connection_File = viewer.Connection_File;
+    fresh.Save();
+    QCOMPARE(ReadAll(path), first);
+
+    fresh.Connection_File.clear();
+    fresh.Save();
+    QVERIFY(!ReadAll(path).contains("Connection_File"));
+}
+
+void TestViewer::damagedFile()
+{
+    QTemporaryDir app;
+    const QString path = app.filePath(QStringLiteral("Form.XML"));
+    WriteFile(path, "<!-- <Viewer-Top>1</Viewer-Top> -->\r\n"
+                    "  <Viewer-Left>7</Viewer-Left>\r\n" // leading blanks: not matched
+                    "<viewer-width>9</viewer-width>\r\n" // case matters
+                    "<Viewer-Height>tall</Viewer-Height>\r\n"
+                    "<Viewer-Col>99999999999</Viewer-Col>\r\n"
+                    "<Viewer-Col1>12.5</Viewer-Col1>\r\n"
+                    "<Viewer-Col2>  33 </Viewer-Col2>\r\n"
+                    "Viewer-Col4 77\r\n"
+                    "<SortCol>3\r\n"
+                    "\x01\x02\xff<\x80>\r\n"
+                    "<Viewer-State>Fu");
+    clsViewer viewer(app.path());
+    viewer.Load(path);
+    QCOMPARE(viewer.Viewer_Top, 840);
+    QCOMPARE(viewer.Viewer_Left, 3210);
+    QCOMPARE(viewer.Viewer_Width, 5370);
+    QCOMPARE(viewer.Viewer_Height, 2520);
+    QCOMPARE(viewer.Viewer_Col, 3000);
+    QCOMPARE(viewer.Viewer_Col1, 12); // halves go to the even neighbour
+    QCOMPARE(viewer.Viewer_Col2, 33);
+    QCOMPARE(viewer.Viewer_Col4, 0);
+    QCOMPARE(viewer.SortCol, QStringLiteral("3"));
+    QCOMPARE(viewer.Viewer_State, QStringLiteral("Fu"));
+}
+
+QORLO_TEST_MAIN(TestViewer)
+#include "tst_viewer.moc"
