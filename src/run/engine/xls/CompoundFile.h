@@ -1,0 +1,33 @@
+#pragma once
+// Writes a compound file (version 3, 512-byte sectors) that holds one stream under a root storage.
+
+#include <QByteArrayView>
+#include <QList>
+#include <QString>
+
+class QIODevice;
+
+namespace Engine {
+
+class CompoundFile
+{
+public:
+    // Streams shorter than this would belong in the mini stream, which this writer does not make.
+    static constexpr qint64 MiniStreamCutoff = 4096;
+
+    // Writes the file: header, the stream's sectors, the directory, the allocation table and, for
+    // large streams, the extra allocation-table index sectors. `parts` are the stream's bytes in order;
+    // together they must be at least MiniStreamCutoff bytes. False when the stream is longer than
+    // 4 GiB or the device refuses a write.
+    static bool Write(QIODevice &out, const QString &streamName, const QList<QByteArrayView> &parts);
+
+private:
+    struct Layout;
+    static Layout Plan(qint64 streamSize);
+    static QByteArray Header(const Layout &layout);
+    static QByteArray Directory(const QString &streamName, qint64 streamSize);
+    static QByteArray AllocationTable(const Layout &layout);
+    static QByteArray TableIndexSectors(const Layout &layout);
+};
+
+} // namespace Engine
