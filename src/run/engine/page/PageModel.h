@@ -18,6 +18,8 @@ struct PageFont
     double pointSize = 9;
     bool bold = false;
     bool italic = false;
+
+    bool operator==(const PageFont &) const = default;
 };
 
 struct PageText
@@ -56,6 +58,14 @@ struct PageSetup
     bool landscape = false;
     QMarginsF margins{36, 36, 36, 36};
     QString title;
+
+    // The page as the reader sees it: `size` is the paper, and landscape puts its long side across.
+    QSizeF orientedSize() const
+    {
+        const double shortSide = qMin(size.width(), size.height());
+        const double longSide = qMax(size.width(), size.height());
+        return landscape ? QSizeF(longSide, shortSide) : QSizeF(shortSide, longSide);
+    }
 };
 
 class PageSink
@@ -65,6 +75,22 @@ public:
     virtual void begin(const PageSetup &setup, int pageCount) = 0;
     virtual void addPage(const Page &page) = 0;
     virtual void end() = 0;
+
+    // Empty while all went well, else why the output is missing or incomplete. A sink that failed
+    // ignores the pages that follow; the caller checks this after end().
+    QString errorString() const { return m_error; }
+    bool failed() const { return !m_error.isEmpty(); }
+
+protected:
+    // Keeps the first failure: later ones are its consequences.
+    void setError(const QString &error)
+    {
+        if (m_error.isEmpty())
+            m_error = error;
+    }
+
+private:
+    QString m_error;
 };
 
 } // namespace Engine
