@@ -1,0 +1,32 @@
+#include "MailWait.h"
+
+#include "core/Clock.h"
+
+#include <QCoreApplication>
+#include <QThread>
+
+namespace {
+
+constexpr float kSecondsPerDay = 86400.0f;
+constexpr int kTurnMs = 10;
+
+} // namespace
+
+MailDeadline::MailDeadline(qint32 seconds) : m_start(float(SecondsSinceMidnight()))
+{
+    m_end = m_start + float(seconds);
+    if (m_end >= kSecondsPerDay)
+        m_end -= kSecondsPerDay;
+    m_timer.start();
+}
+
+bool MailDeadline::Passed() const
+{
+    return m_start + float(m_timer.elapsed()) / 1000.0f >= m_end;
+}
+
+void PumpAndSleep()
+{
+    QCoreApplication::processEvents();
+    QThread::msleep(kTurnMs);
+}

@@ -1,0 +1,1 @@
+set_tests_properties(tst_mxquery PROPERTIES TIMEOUT 90 LABELS "mail;peers")

@@ -1,0 +1,294 @@
+#include "MailTestPeers.h"
+#include "TestMain.h"
+
+#include "core/QorloError.h"
+#include "mail/modMXQuery.h"
+
+#include <QElapsedTimer>
+#include <QNetworkDatagram>
+#include <QUdpSocket>
+
+#include <functional>
+#include <thread>
+
+using namespace TestSupport;
+
+namespace {
+
+// A name server of the test's own: answers one query with bytes made from it, or stays silent.
+class CraftedDns
+{
+public:
+    using Answer = std::function<QByteArray(const QByteArray &query)>;
+
+    explicit CraftedDns(Answer answer) : m_port(FreeUdpPort())
+    {
+        m_thread = std::thread([this, answer] {
+            QUdpSocket socket;
+            if (!socket.bind(QHostAddress::LocalHost, m_port))
+                return;
+            m_bound = true;
+            for (int turn = 0; turn < 800 && !socket.hasPendingDatagrams(); ++turn)
+                socket.waitForReadyRead(10);
+            if (!socket.hasPendingDatagrams())
+                return;
+            const QNetworkDatagram datagram = socket.receiveDatagram();
+            m_query = datagram.data();
+            if (answer) {
+                socket.writeDatagram(answer(m_query), datagram.senderAddress(),
+                                     quint16(datagram.senderPort()));
+                socket.waitForBytesWritten(1000);
+            }
+        });
+        for (int i = 0; i < 100 && !m_bound; ++i)
+            QThread::msleep(10);
+    }
+    ~CraftedDns() { m_thread.join(); }
+    quint16 port() const { return m_port; }
+    QByteArray query() const { return m_query; }
+
+private:
+    quint16 m_port;
+    std::atomic<bool> m_bound = false;
+    QByteArray m_query;
+    std::thread m_thread;
+};
+
+QByteArray Word(int value)
+{
+    QByteArray bytes;
+    bytes.append(char(value >> 8));
+    bytes.append(char(value & 0xFF));
+    return bytes;
+}
+
+QByteArray Labels(const QString &name)
+{
+    QByteArray bytes;
+    for (const QString &label : name.split(QLatin1Char('.')))
+        bytes += char(label.size()) + label.toLatin1();
+    return bytes;
+}
+
+// The reply header and the question copied from the query.
+QByteArray Reply(const QByteArray &query, int answers)
+{
+    return query.left(2) + QByteArray::fromHex("8180") + Word(1) + Word(answers) + Word(0) + Word(0) +
+           query.mid(12);
+}
+
+// One answer record: owner, type, class IN, TTL 300, then the data with its length.
+QByteArray Record(const QByteArray &owner, int type, const QByteArray &data)
+{
+    return owner + Word(type) + Word(1) + QByteArray::fromHex("0000012c") + Word(int(data.size())) + data;
+}
+
+const QByteArray kQuestionPointer = QByteArray::fromHex("c00c");
+
+QByteArray Mx(int preference, const QByteArray &exchange)
+{
+    return Word(preference) + exchange;
+}
+
+} // namespace
+
+class TestMXQuery : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void craftedAnswers();
+    void answersThatStopTheWalk();
+    void silentServerAndRefusals();
+    void dnsmasqRecords();
+    void sendThroughMXHost();
+
+private:
+    void
+    useServer(quint16 port,
+              const QString &resolver = QStringLiteral("nameserver 127.0.0.1\ndomain office.example.com\n"));
+    QTemporaryDir m_folder;
+};
+
+void TestMXQuery::init()
+{
+    modMXQuery::SetDnsPort(53);
+}
+
+void TestMXQuery::useServer(quint16 port, const QString &resolver)
+{
+    const QString path = m_folder.filePath(QStringLiteral("resolv.conf"));
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
+    file.write(resolver.toLatin1());
+    file.close();
+    modMXQuery::SetResolverFile(path);
+    modMXQuery::SetDnsPort(port);
+}
+
+void TestMXQuery::craftedAnswers()
+{
+    // Two records of equal preference: the first in the answer is the best, and the sort keeps the order.
+    CraftedDns dns([](const QByteArray &query) -> QByteArray {
+        return Reply(query, 3) +
+               Record(kQuestionPointer, 15, Mx(10, Labels(QStringLiteral("first")) + kQuestionPointer)) +
+               Record(kQuestionPointer, 15, Mx(20, Labels(QStringLiteral("backup")) + kQuestionPointer)) +
+               Record(kQuestionPointer, 15, Mx(10, Labels(QStringLiteral("second")) + kQuestionPointer));
+    });
+    useServer(dns.port());
+    QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("example.com")), QStringLiteral("first.example.com"));
+    QCOMPARE(dns.query(), QByteArray::fromHex("11df01000001000000000000076578616d706c6503636f6d00000f0001"));
+    const QList<modMXQuery::MXRecord> records = modMXQuery::MXRecords();
+    QCOMPARE(records.size(), 3);
+    QCOMPARE(records.at(0).host, QStringLiteral("first.example.com"));
+    QCOMPARE(records.at(1).host, QStringLiteral("second.example.com"));
+    QCOMPARE(records.at(2).host, QStringLiteral("backup.example.com"));
+    QCOMPARE(records.at(2).preference, qint16(20));
+    QCOMPARE(modMXQuery::LocalDomain(), QStringLiteral("office.example.com"));
+    QCOMPARE(modMXQuery::ParentDomain(), QStringLiteral("example.com"));
+}
+
+void TestMXQuery::answersThatStopTheWalk()
+{
+    {
+        CraftedDns dns([](const QByteArray &query) -> QByteArray {
+            return Reply(query, 2) +
+                   Record(kQuestionPointer, 5, Labels(QStringLiteral("alias.example.com")) + '\0') +
+                   Record(kQuestionPointer, 15, Mx(10, Labels(QStringLiteral("mx.example.com")) + '\0'));
+        });
+        useServer(dns.port());
+        QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("example.com")), QString());
+        QVERIFY(modMXQuery::MXRecords().isEmpty());
+    }
+    {
+        // An owner name spelled out instead of a pointer puts the walk off its track.
+        CraftedDns dns([](const QByteArray &query) -> QByteArray {
+            const QByteArray owner = Labels(QStringLiteral("example.com")) + '\0';
+            return Reply(query, 1) +
+                   Record(owner, 15, Mx(10, Labels(QStringLiteral("mx")) + kQuestionPointer));
+        });
+        useServer(dns.port());
+        QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("example.com")), QString());
+    }
+    {
+        // A host name ending in a zero byte leaves the position one short: only the first record counts.
+        CraftedDns dns([](const QByteArray &query) -> QByteArray {
+            return Reply(query, 2) +
+                   Record(kQuestionPointer, 15, Mx(20, Labels(QStringLiteral("mx2.example.com")) + '\0')) +
+                   Record(kQuestionPointer, 15, Mx(10, Labels(QStringLiteral("mx1")) + kQuestionPointer));
+        });
+        useServer(dns.port());
+        QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("example.com")), QStringLiteral("mx2.example.com"));
+        QCOMPARE(modMXQuery::MXRecords().size(), 1);
+    }
+    // A pointer to itself and a name running past the packet end the reading without harm.
+    QString text;
+    int position = 0;
+    modMXQuery::ReadDomainName(QByteArray::fromHex("c000"), position, text);
+    QCOMPARE(position, 2);
+    position = 0;
+    text.clear();
+    modMXQuery::ReadDomainName(QByteArray::fromHex("05616263"), position, text);
+    QCOMPARE(text, QStringLiteral("abc\u0000\u0000"));
+    // Only 192 is a pointer: 193 is taken as a label length.
+    position = 0;
+    text.clear();
+    modMXQuery::ReadDomainName(QByteArray::fromHex("c100"), position, text);
+    QCOMPARE(text.size(), 193);
+}
+
+void TestMXQuery::silentServerAndRefusals()
+{
+    CraftedDns dns(nullptr);
+    useServer(dns.port());
+    clsSendMail mail;
+    MailEvents events(mail);
+    QElapsedTimer watch;
+    watch.start();
+    QCOMPARE(mail.MXQuery(QStringLiteral("example.com")), QString());
+    QVERIFY(watch.elapsed() >= 4900);
+    QCOMPARE(events.statuses, QStringList({QStringLiteral("Performing MX Query, Domain: example.com"),
+                                           QStringLiteral("Problem receiving MX query")}));
+    try {
+        modMXQuery::ResolveMX(QStringLiteral("a.io"));
+        QFAIL("a domain of four characters is refused");
+    } catch (const QorloError &error) {
+        QCOMPARE(error.number(), 20000);
+        QCOMPARE(error.description(), QStringLiteral("No Valid Domain Specified"));
+    }
+    useServer(dns.port(), QStringLiteral("# no name servers\nsearch corp.example.com other.example.com\n"));
+    events.statuses.clear();
+    QCOMPARE(mail.MXQuery(QString()), QString());
+    QCOMPARE(events.statuses,
+             QStringList({QStringLiteral("Performing MX Query"),
+                          QStringLiteral("No DNS entries found, MX Query cannot contine.")}));
+    useServer(
+        dns.port(),
+        QStringLiteral("nameserver 10.0.0.1 10.0.0.2\nsearch corp.example.com x.org\nnameserver ::1\n"));
+    modMXQuery::GetDNSInfo();
+    QCOMPARE(modMXQuery::DnsServers(), QStringList({QStringLiteral("10.0.0.1"), QStringLiteral("::1")}));
+    QCOMPARE(modMXQuery::LocalDomain(), QStringLiteral("corp.example.com"));
+}
+
+void TestMXQuery::dnsmasqRecords()
+{
+    const QString dnsmasq = FindProgram(QStringLiteral("dnsmasq"));
+    QORLO_REQUIRE_PEER(!dnsmasq.isEmpty(), QStringLiteral("dnsmasq"));
+    const quint16 port = FreeUdpPort();
+    PeerProcess peer;
+    const QStringList arguments{QStringLiteral("--no-daemon"),
+                                QStringLiteral("--conf-file=/dev/null"),
+                                QStringLiteral("--port=%1").arg(port),
+                                QStringLiteral("--listen-address=127.0.0.1"),
+                                QStringLiteral("--bind-interfaces"),
+                                QStringLiteral("--no-resolv"),
+                                QStringLiteral("--no-hosts"),
+                                QStringLiteral("--pid-file="),
+                                QStringLiteral("--local=/example.com/"),
+                                QStringLiteral("--mx-host=example.com,mx1.example.com,10"),
+                                QStringLiteral("--mx-host=example.com,mx2.example.com,20")};
+    // dnsmasq logs to standard error; the shell hands that to the ready check.
+    QORLO_REQUIRE_PEER(
+        peer.start(QStringLiteral("/bin/sh"),
+                   QStringList{QStringLiteral("-c"), QStringLiteral("exec \"$0\" \"$@\" 2>&1"), dnsmasq} +
+                       arguments,
+                   QStringLiteral("started")),
+        peer.error());
+    useServer(port);
+    // dnsmasq lists the preference-20 record first and spells the exchange names out without a pointer:
+    // the walk, built for compressed names, stops after that first record.
+    QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("example.com")), QStringLiteral("mx2.example.com"));
+    QCOMPARE(modMXQuery::MXRecords().size(), 1);
+    QCOMPARE(modMXQuery::MXRecords().first().preference, qint16(20));
+    // A sub-domain without records falls back step by step to the parent of the local domain.
+    QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("a.sales.example.com")), QStringLiteral("mx2.example.com"));
+    QCOMPARE(modMXQuery::ResolveMX(QString()), QStringLiteral("mx2.example.com"));
+    useServer(port, QStringLiteral("nameserver 127.0.0.1\ndomain office.example.org\n"));
+    QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("sales.example.com")), QString());
+}
+
+void TestMXQuery::sendThroughMXHost()
+{
+    SmtpPeer smtp;
+    QORLO_REQUIRE_PEER(smtp.start(), smtp.error());
+    CraftedDns dns([](const QByteArray &query) -> QByteArray {
+        return Reply(query, 1) +
+               Record(kQuestionPointer, 15, Mx(5, Labels(QStringLiteral("127.0.0.1")) + '\0'));
+    });
+    useServer(dns.port());
+    clsSendMail mail;
+    MailEvents events(mail);
+    mail.SetSMTPPort(smtp.port());
+    mail.SetConnectTimeout(5);
+    mail.SetMessageTimeout(5);
+    mail.SetFrom(QStringLiteral("reports@example.com"));
+    mail.SetRecipient(QStringLiteral("boss@example.com"));
+    mail.Send();
+    QVERIFY2(events.succeeded(), qPrintable(events.failures.join(QString())));
+    QCOMPARE(events.statuses.first(), QStringLiteral("Performing MX Query"));
+    QCOMPARE(events.statuses.at(1), QStringLiteral("Connecting to SMTP Server (127.0.0.1)..."));
+    QCOMPARE(smtp.messages().size(), 1);
+}
+
+QORLO_TEST_MAIN(TestMXQuery)
+#include "tst_mxquery.moc"
