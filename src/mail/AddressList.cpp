@@ -1,0 +1,92 @@
+#include "AddressList.h"
+
+#include "core/Clock.h"
+#include "core/LineReader.h"
+#include "log/clsLog.h"
+#include "store/clsSchedule.h"
+
+#include <QFileInfo>
+#include <QStringList>
+
+namespace AddressList {
+
+namespace {
+
+QString ListFilePath(const QString &name, const QString &appPath)
+{
+    return name.contains(QLatin1Char('/')) ? name : appPath + QLatin1Char('/') + name;
+}
+
+QString Unquoted(const QString &line)
+{
+    const QLatin1Char quote('"');
+    if (line.size() >= 2 && line.startsWith(quote) && line.endsWith(quote))
+        return line.mid(1, line.size() - 2);
+    return line;
+}
+
+// The file's lines joined by ";", without blank lines and without lines that already occur (as text,
+// not as whole entries) in `text` or among the lines taken before.
+QString CollectLines(const QString &path, const QString &text)
+{
+    QString collected;
+    LineReader reader(path);
+    while (!reader.atEnd()) {
+        const QString line = Unquoted(reader.readLine());
+        if (line.trimmed().isEmpty() || text.contains(line) || collected.contains(line))
+            continue;
+        collected += QLatin1Char(';') + line;
+    }
+    return collected.mid(1);
+}
+
+} // namespace
+
+QString ExpandAddressList(const QString &text, const clsSchedule &schedule, clsLog &log)
+{
+    return ExpandDomainShortcuts(ExpandListFiles(text, schedule, log), schedule);
+}
+
+QString ExpandListFiles(const QString &text, const clsSchedule &schedule, clsLog &log)
+{
+    QString result = text;
+    QStringList used;
+    QStringList missing;
+    // Everything before `from` is final: expanded lines, or references to files that are missing.
+    qsizetype from = 0;
+    for (;;) {
+        const qsizetype open = result.indexOf(QLatin1Char('<'), from);
+        const qsizetype close = open < 0 ? -1 : result.indexOf(QLatin1Char('>'), open + 1);
+        if (close < 0)
+            return result;
+        const QString path = ListFilePath(result.mid(open + 1, close - open - 1), schedule.AppPath);
+        if (!QFileInfo(path).isFile()) {
+            // Logged once per expansion; going past the reference is what keeps this from looping.
+            if (!missing.contains(path)) {
+                missing.append(path);
+                WriteLogEntry(log, schedule.ProcessingID, Now(), Now(), QString(),
+                              QStringLiteral("Cannot find list file: ") + path, 0);
+            }
+            from = close + 1;
+            continue;
+        }
+        if (used.contains(path))
+            return result; // a list that names itself, directly or through others
+        used.append(path);
+        result = result.left(open) + CollectLines(path, result) + result.mid(close + 1);
+        from = open; // the lines just put in may name further lists
+    }
+}
+
+QString ExpandDomainShortcuts(const QString &text, const clsSchedule &schedule)
+{
+    QString result = text;
+    for (int index = 0; index < clsSchedule::DomainCount; ++index) {
+        const QString domain = schedule.Domain(index);
+        if (!domain.isEmpty())
+            result.replace(QLatin1Char('@') + QString::number(index), QLatin1Char('@') + domain);
+    }
+    return result;
+}
+
+} // namespace AddressList
