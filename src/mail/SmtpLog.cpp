@@ -1,0 +1,54 @@
+#include "SmtpLog.h"
+
+#include "core/Ansi.h"
+#include "core/Clock.h"
+
+#include <QSaveFile>
+
+namespace SmtpLog {
+
+namespace {
+
+const QString kCrLf = QStringLiteral("\r\n");
+
+QString &Buffer()
+{
+    static QString buffer;
+    return buffer;
+}
+
+QString TimePrefix()
+{
+    return Clock::current().now().toString(QStringLiteral("HH:mm")) + QStringLiteral("   ");
+}
+
+} // namespace
+
+const QString &SmtpLogBuffer()
+{
+    return Buffer();
+}
+
+void StartSmtpLog(const QString &text)
+{
+    if (text.isEmpty())
+        Buffer() = TimePrefix() + QStringLiteral("Starting new message");
+    else
+        Buffer() = TimePrefix() + text + kCrLf;
+}
+
+void AddSmtpLog(const QString &text)
+{
+    Buffer() += kCrLf + TimePrefix() + text;
+}
+
+void FlushSmtpLog(const QString &appPath)
+{
+    QSaveFile file(appPath + QStringLiteral("/SMTP.Log"));
+    if (!file.open(QIODevice::WriteOnly))
+        return;
+    file.write(Ansi::Encode(Buffer() + kCrLf));
+    file.commit();
+}
+
+} // namespace SmtpLog
