@@ -9,8 +9,9 @@ namespace AppFolder {
 QString Resolve(const QString &executablePath)
 {
     const QString folder = QFileInfo(executablePath).absolutePath();
-    const bool systemFolder = folder.startsWith(QStringLiteral("/usr/")) || folder == QStringLiteral("/usr") ||
-                              folder.startsWith(QStringLiteral("/bin")) || folder.startsWith(QStringLiteral("/sbin"));
+    const bool systemFolder = folder.startsWith(QStringLiteral("/usr/")) ||
+                              folder == QStringLiteral("/usr") || folder.startsWith(QStringLiteral("/bin")) ||
+                              folder.startsWith(QStringLiteral("/sbin"));
     if (!systemFolder && QFileInfo(folder).isWritable())
         return folder;
     const QString home = QDir::homePath() + QStringLiteral("/.local/share/QorloMANAGER");

@@ -16,11 +16,20 @@ const Clock &Clock::current()
     return g_clock ? *g_clock : system;
 }
 
-void Clock::setCurrent(const Clock *clock) { g_clock = clock; }
+void Clock::setCurrent(const Clock *clock)
+{
+    g_clock = clock;
+}
 
-double Now() { return DayDate::FromDateTime(Clock::current().now()); }
+double Now()
+{
+    return DayDate::FromDateTime(Clock::current().now());
+}
 
-double Today() { return std::floor(Now()); }
+double Today()
+{
+    return std::floor(Now());
+}
 
 double SecondsSinceMidnight()
 {

@@ -38,6 +38,9 @@ QString FolderOf(const QString &path)
     return slash < 0 ? path : path.left(slash);
 }
 
-QString ComputerName() { return QSysInfo::machineHostName(); }
+QString ComputerName()
+{
+    return QSysInfo::machineHostName();
+}
 
 } // namespace CommonFile

@@ -52,7 +52,10 @@ double FromParts(int year, int month, int day, int hour, int minute, int second)
     return Combine(Epoch().daysTo(date), (hour * 3600 + minute * 60 + second) / 86400.0);
 }
 
-double FromDate(const QDate &date) { return double(Epoch().daysTo(date)); }
+double FromDate(const QDate &date)
+{
+    return double(Epoch().daysTo(date));
+}
 
 double FromDateTime(const QDateTime &moment)
 {
@@ -61,9 +64,15 @@ double FromDateTime(const QDateTime &moment)
                    (t.hour() * 3600 + t.minute() * 60 + t.second() + t.msec() / 1000.0) / 86400.0);
 }
 
-double DayOf(double value) { return std::trunc(value); }
+double DayOf(double value)
+{
+    return std::trunc(value);
+}
 
-double TimeOf(double value) { return std::fabs(value - std::trunc(value)); }
+double TimeOf(double value)
+{
+    return std::fabs(value - std::trunc(value));
+}
 
 QDate ToDate(double value)
 {
@@ -78,12 +87,30 @@ QDateTime ToDateTime(double value)
     return QDateTime(ToDate(value), QTime(0, 0).addSecs(SecondsOfDay(value)));
 }
 
-int Year(double value) { return ToDate(value).year(); }
-int Month(double value) { return ToDate(value).month(); }
-int Day(double value) { return ToDate(value).day(); }
-int Hour(double value) { return SecondsOfDay(value) / 3600; }
-int Minute(double value) { return SecondsOfDay(value) / 60 % 60; }
-int Second(double value) { return SecondsOfDay(value) % 60; }
+int Year(double value)
+{
+    return ToDate(value).year();
+}
+int Month(double value)
+{
+    return ToDate(value).month();
+}
+int Day(double value)
+{
+    return ToDate(value).day();
+}
+int Hour(double value)
+{
+    return SecondsOfDay(value) / 3600;
+}
+int Minute(double value)
+{
+    return SecondsOfDay(value) / 60 % 60;
+}
+int Second(double value)
+{
+    return SecondsOfDay(value) % 60;
+}
 
 double AddMonths(double value, int months)
 {
@@ -125,11 +152,17 @@ std::optional<double> Parse(const QString &text)
     return Combine(Epoch().daysTo(date), *time);
 }
 
-bool IsDate(const QString &text) { return Parse(text).has_value(); }
+bool IsDate(const QString &text)
+{
+    return Parse(text).has_value();
+}
 
 } // namespace DayDate
 
-QString MonthAbbreviation(int month) { return kMonths.mid((month - 1) * 3, 3).toString(); }
+QString MonthAbbreviation(int month)
+{
+    return kMonths.mid((month - 1) * 3, 3).toString();
+}
 
 QString FormatDate(double value)
 {
@@ -152,4 +185,7 @@ QString FormatDateTime(double value)
                      .arg(DayDate::Minute(value), 2, 10, QLatin1Char('0'));
 }
 
-int Weekday(double value) { return DayDate::ToDate(value).dayOfWeek() % 7 + 1; }
+int Weekday(double value)
+{
+    return DayDate::ToDate(value).dayOfWeek() % 7 + 1;
+}

@@ -36,7 +36,10 @@ bool IsNumeric(const QString &text)
     return match.hasMatch() && match.capturedLength(0) == trimmed.size();
 }
 
-double RoundEven(double value) { return std::nearbyint(value); }
+double RoundEven(double value)
+{
+    return std::nearbyint(value);
+}
 
 qint16 ToInt16(double value)
 {
@@ -68,7 +71,10 @@ qint32 TextToInt32(const QString &text)
     return ToInt32(text.trimmed().toDouble());
 }
 
-QString FormatHash(qint64 value) { return value == 0 ? QString() : QString::number(value); }
+QString FormatHash(qint64 value)
+{
+    return value == 0 ? QString() : QString::number(value);
+}
 
 QString FormatZeros(qint64 value, int width)
 {

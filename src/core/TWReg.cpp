@@ -17,7 +17,10 @@ QString SettingsFile(const QString &program)
     return SettingsFolder() + QLatin1Char('/') + program + QStringLiteral(".ini");
 }
 
-QString Key(const QString &section, const QString &name) { return section + QLatin1Char('/') + name; }
+QString Key(const QString &section, const QString &name)
+{
+    return section + QLatin1Char('/') + name;
+}
 
 QString ReadRaw(const QString &program, const QString &key)
 {
@@ -40,7 +43,10 @@ QString SettingsFolder()
            QStringLiteral("/Tessaly Works");
 }
 
-QString ReadApplicationValue(const QString &name) { return ReadRaw(QStringLiteral("Applications"), name); }
+QString ReadApplicationValue(const QString &name)
+{
+    return ReadRaw(QStringLiteral("Applications"), name);
+}
 
 void SaveApplicationValue(const QString &name, const QString &value)
 {
@@ -59,8 +65,7 @@ void SaveSetting(const QString &section, const QString &name, const QString &val
     WriteRaw(program, Key(section, name), value.isEmpty() ? QStringLiteral(" ") : value);
 }
 
-qint32 ReadSettingNumber(const QString &section, const QString &name, qint32 fallback,
-                         const QString &program)
+qint32 ReadSettingNumber(const QString &section, const QString &name, qint32 fallback, const QString &program)
 {
     const QString value = ReadSetting(section, name, QString(), program);
     return value.isEmpty() ? fallback : Numbers::ToInt32(Numbers::NumericPrefix(value));

@@ -59,7 +59,8 @@ void TestCommonFile::settingsStore()
 
     TWReg::SaveSetting(QStringLiteral("Settings"), QStringLiteral("RemotePort"), QStringLiteral("2525"),
                        QStringLiteral("QorloSendMail"));
-    const QSettings sendMail(TWReg::SettingsFolder() + QStringLiteral("/QorloSendMail.ini"), QSettings::IniFormat);
+    const QSettings sendMail(TWReg::SettingsFolder() + QStringLiteral("/QorloSendMail.ini"),
+                             QSettings::IniFormat);
     QCOMPARE(sendMail.value(QStringLiteral("Settings/RemotePort")).toString(), QStringLiteral("2525"));
 
     TWReg::SaveApplicationValue(QStringLiteral("Scheduler"), QStringLiteral("QorloMANAGER"));

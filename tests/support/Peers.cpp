@@ -9,7 +9,10 @@
 
 namespace TestSupport {
 
-bool UnderCI() { return qgetenv("CI") == "true"; }
+bool UnderCI()
+{
+    return qgetenv("CI") == "true";
+}
 
 quint16 FreePort()
 {
@@ -25,20 +28,29 @@ quint16 FreeUdpPort()
     return socket.localPort();
 }
 
-QString DebianPython() { return QStringLiteral("/usr/bin/python3"); }
+QString DebianPython()
+{
+    return QStringLiteral("/usr/bin/python3");
+}
 
-QString PeerScript(const QString &name) { return QStringLiteral(QORLO_PEERS_DIR "/") + name; }
+QString PeerScript(const QString &name)
+{
+    return QStringLiteral(QORLO_PEERS_DIR "/") + name;
+}
 
 QString FindProgram(const QString &name, const QStringList &extraFolders)
 {
     QString path = QStandardPaths::findExecutable(name);
     if (path.isEmpty())
-        path = QStandardPaths::findExecutable(name, extraFolders + QStringList{QStringLiteral("/usr/sbin"),
-                                                                               QStringLiteral("/sbin")});
+        path = QStandardPaths::findExecutable(
+            name, extraFolders + QStringList{QStringLiteral("/usr/sbin"), QStringLiteral("/sbin")});
     return path;
 }
 
-PeerProcess::~PeerProcess() { stop(); }
+PeerProcess::~PeerProcess()
+{
+    stop();
+}
 
 bool PeerProcess::start(const QString &program, const QStringList &arguments, const QString &readyLine,
                         int timeoutMs, const QProcessEnvironment &environment)

@@ -47,11 +47,11 @@ private:
 } // namespace TestSupport
 
 // Skips the test when a peer is missing, except under CI, where that is a failure.
-#define QORLO_REQUIRE_PEER(condition, what)                                                              \
-    do {                                                                                                 \
-        if (!(condition)) {                                                                              \
-            if (TestSupport::UnderCI())                                                                  \
-                QFAIL(qPrintable(QStringLiteral("peer missing under CI: ") + (what)));                   \
-            QSKIP(qPrintable(QStringLiteral("peer missing: ") + (what)));                                \
-        }                                                                                                \
+#define QORLO_REQUIRE_PEER(condition, what)                                                                  \
+    do {                                                                                                     \
+        if (!(condition)) {                                                                                  \
+            if (TestSupport::UnderCI())                                                                      \
+                QFAIL(qPrintable(QStringLiteral("peer missing under CI: ") + (what)));                       \
+            QSKIP(qPrintable(QStringLiteral("peer missing: ") + (what)));                                    \
+        }                                                                                                    \
     } while (false)

@@ -15,11 +15,11 @@ QString DataFile(const QString &relative);
 
 } // namespace TestSupport
 
-#define QORLO_TEST_MAIN(TestClass)                                                                       \
-    int main(int argc, char **argv)                                                                      \
-    {                                                                                                    \
-        TestSupport::PrepareEnvironment();                                                               \
-        QGuiApplication app(argc, argv);                                                                 \
-        TestClass test;                                                                                  \
-        return QTest::qExec(&test, argc, argv);                                                          \
+#define QORLO_TEST_MAIN(TestClass)                                                                           \
+    int main(int argc, char **argv)                                                                          \
+    {                                                                                                        \
+        TestSupport::PrepareEnvironment();                                                                   \
+        QGuiApplication app(argc, argv);                                                                     \
+        TestClass test;                                                                                      \
+        return QTest::qExec(&test, argc, argv);                                                              \
     }

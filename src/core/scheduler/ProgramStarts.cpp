@@ -1,0 +1,46 @@
+#include "ProgramStarts.h"
+
+#include "QorloGlobals.h"
+
+#include "core/Clock.h"
+#include "core/DayDate.h"
+#include "core/QorloError.h"
+#include "core/TWReg.h"
+
+#include <QFileInfo>
+#include <QProcess>
+
+void StartProgram(const QString &program, const QStringList &arguments)
+{
+    if (!QProcess::startDetached(program, arguments))
+        throw QorloError(QorloError::InvalidCall);
+}
+
+void RunGlobalProcess(QorloGlobals &globals, const QString &file)
+{
+    clsSchedule &schedule = globals.Schedule;
+    const QString app = TWReg::ReadApplicationValue(QStringLiteral("QorloGLOBAL"));
+    const double now = Now();
+    if (app.isEmpty()) {
+        WriteLogEntry(globals.Log, schedule.ProcessingID, now, now, QString(),
+                      QStringLiteral("Error: Cannot run procedure until QorloGLOBAL application setting is entered"),
+                      0);
+        return;
+    }
+    if (!QFileInfo::exists(app)) {
+        WriteLogEntry(globals.Log, schedule.ProcessingID, now, now, QString(),
+                      QStringLiteral("Error: Cannot find QorloGLOBAL application=") + app, 0);
+        return;
+    }
+    WriteLogEntry(globals.Log, schedule.ProcessingID, now, now, schedule.NextRun(),
+                  QStringLiteral("QorloGLOBAL: ") + file, 0);
+    // The program's path is quoted when it holds a blank, the document's is not: a document path with
+    // blanks reaches the program as several arguments.
+    const QString program = app.contains(QLatin1Char(' ')) ? QLatin1Char('"') + app + QLatin1Char('"') : app;
+    const QString commandLine = program + QLatin1Char(' ') + file;
+    QStringList words = QProcess::splitCommand(commandLine);
+    const QString executable = words.takeFirst();
+    StartProgram(executable, words);
+    schedule.SetLastRun(FormatDateTime(Now()));
+    globals.SaveSchedule();
+}

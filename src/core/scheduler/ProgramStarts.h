@@ -1,0 +1,13 @@
+#pragma once
+// Starting other programs without waiting: application items and the global process QorloGLOBAL.
+
+#include <QString>
+#include <QStringList>
+
+class QorloGlobals;
+
+// Starts the program; a program that cannot be started raises QorloError 5.
+void StartProgram(const QString &program, const QStringList &arguments = {});
+// Hands the command document `file` to the program named by the QorloGLOBAL setting, with the log
+// entries of that hand-over; sets LastRun and saves the schedule when the program was started.
+void RunGlobalProcess(QorloGlobals &globals, const QString &file);

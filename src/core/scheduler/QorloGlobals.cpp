@@ -1,0 +1,71 @@
+#include "QorloGlobals.h"
+
+#include "Prompter.h"
+
+#include "calendar/NextRun.h"
+#include "core/Clock.h"
+#include "core/DayDate.h"
+#include "log/StatusPages.h"
+
+QorloGlobals::QorloGlobals(const QString &appPath, Prompter &prompter)
+    : AppPath(appPath),
+      Schedule(appPath),
+      Connections(appPath),
+      Log(appPath),
+      TableMap(appPath),
+      Viewer(appPath),
+      prompter(prompter),
+      NextWebRefresh(DayDate::FromParts(2000, 1, 1)),
+      m_listView(Schedule),
+      m_view(&m_listView)
+{
+    InstallLogWebPage(Log);
+}
+
+QString QorloGlobals::PathOf(const QString &name) const
+{
+    return AppPath + QLatin1Char('/') + name;
+}
+
+void QorloGlobals::SaveSchedule()
+{
+    Schedule.Save(PathOf(QStringLiteral("Qorlo.XML")));
+}
+
+void QorloGlobals::SaveWeb(bool shutdown)
+{
+    ::SaveWeb(Schedule, shutdown, NextReportRun(Schedule));
+}
+
+void QorloGlobals::ViewTable()
+{
+    m_view->ViewTable();
+    if (Schedule.Count() == 0) {
+        prompter.ShowMessage(QStringLiteral("QorloMANAGER"), QStringLiteral("No Data in Schedule"));
+        NextRunDate = Now();
+        return;
+    }
+    NextRunDate = NextReportRun(Schedule);
+}
+
+void QorloGlobals::RefreshRow(int row)
+{
+    m_view->RefreshRow(row);
+    NextRunDate = NextReportRun(Schedule);
+}
+
+void QorloGlobals::DisplayCaption()
+{
+    QString caption = QStringLiteral("QorloMANAGER - File and Report Manager ");
+    if (Schedule.Active) {
+        caption += QStringLiteral("(active: ") + QString::number(Schedule.ActiveCount()) + QLatin1Char(')');
+        if (!Schedule.StopTime.isEmpty())
+            caption += QStringLiteral(" (Will stop on timer at ") + Schedule.StopTime + QLatin1Char(')');
+    } else {
+        caption += QStringLiteral("(stopped)");
+        if (!Schedule.StartTime.isEmpty())
+            caption += QStringLiteral(" (Will start on timer at ") + Schedule.StartTime + QLatin1Char(')');
+    }
+    m_view->SetCaption(caption);
+    m_view->SetStartStopMenu(!Schedule.Active, Schedule.Active);
+}

@@ -1,0 +1,116 @@
+#include "StartUp.h"
+
+#include "Dispatcher.h"
+#include "Prompter.h"
+#include "QorloGlobals.h"
+#include "ScheduleView.h"
+#include "SingleInstance.h"
+
+#include "core/AppFolder.h"
+#include "core/Printers.h"
+#include "core/TWReg.h"
+
+namespace {
+
+const QString kProgram = QStringLiteral("QorloMANAGER");
+
+void LoadStateFiles(QorloGlobals &globals)
+{
+    globals.Schedule.Load(globals.PathOf(QStringLiteral("Qorlo.XML")));
+    globals.Connections.Load(globals.PathOf(QStringLiteral("Connect.XML")));
+    globals.TableMap.Load(globals.PathOf(QStringLiteral("TableMap.XML")));
+    globals.Log.Load(globals.PathOf(QStringLiteral("QorloLog.XML")));
+    globals.Viewer.Load(globals.PathOf(QStringLiteral("Form.XML")));
+    globals.Schedule.FileName = globals.PathOf(QStringLiteral("Qorlo.XML"));
+    globals.Schedule.AppPath = globals.AppPath;
+}
+
+// The values that stand at every start whatever the files said; Form.XML is read again so that its
+// values win over the defaults, and the connection list comes from the file it names.
+void ApplyStartDefaults(QorloGlobals &globals)
+{
+    globals.Log.ApplyStartDefaults();
+    globals.Viewer.ApplyStartDefaults();
+    globals.Viewer.Load(globals.PathOf(QStringLiteral("Form.XML")));
+    if (!globals.Connections.Connection_File.isEmpty())
+        globals.Connections.Load(globals.Connections.Connection_File);
+}
+
+void AskForMailServer(QorloGlobals &globals)
+{
+    if (!globals.Schedule.SMTP_Server.isEmpty())
+        return;
+    globals.prompter.ShowMessage(QStringLiteral("SMTP Server settings"),
+                                 QStringLiteral("Please enter your mail connection details"));
+    globals.View().OpenMailSettings();
+}
+
+} // namespace
+
+bool StartUp(QorloGlobals &globals, SingleInstance &instance, Dispatcher &dispatcher,
+             const QString &executablePath)
+{
+    globals.Schedule.AutoRun = false;
+    LoadStateFiles(globals);
+    RegisterApplication(globals.AppPath, executablePath);
+    if (!instance.Claim(globals.AppPath)) {
+        globals.prompter.ShowMessage(kProgram,
+                                     QStringLiteral("QorloMANAGER already running\r\n"
+                                                    "Resume previous instance or wait 5 minutes and try again"),
+                                     Prompter::Icon::Critical);
+        return false;
+    }
+    AppFolder::MakeWorkingFolders(globals.AppPath);
+    if (Printers::Installed().isEmpty())
+        globals.prompter.ShowMessage(QStringLiteral("Printer Setup"), QStringLiteral("Warning - No printers configured"),
+                                     Prompter::Icon::Warning);
+    ApplyStartDefaults(globals);
+    LoadMainWindow(globals);
+    dispatcher.Start();
+    AskForMailServer(globals);
+    return true;
+}
+
+void RegisterApplication(const QString &appPath, const QString &executablePath)
+{
+    TWReg::SaveApplicationValue(kProgram, executablePath);
+    const QString scheduler = TWReg::ReadApplicationValue(QStringLiteral("Scheduler"));
+    if (!scheduler.isEmpty() && scheduler != kProgram)
+        return;
+    TWReg::SaveApplicationValue(QStringLiteral("Scheduler"), kProgram);
+    TWReg::SaveApplicationValue(QStringLiteral("Mailbox"), appPath + QStringLiteral("/Mail"));
+    TWReg::SaveApplicationValue(QStringLiteral("RemoteFolder"), appPath + QStringLiteral("/Remote"));
+    // The family's log folder is the Remote folder, deliberately.
+    TWReg::SaveApplicationValue(QStringLiteral("LogFolder"), appPath + QStringLiteral("/Remote"));
+}
+
+void LoadMainWindow(QorloGlobals &globals)
+{
+    clsSchedule &schedule = globals.Schedule;
+    if (schedule.Active && !schedule.AutoRun &&
+        !globals.prompter.AskYesNo(QStringLiteral("Previously active"),
+                                   QStringLiteral("Schedule was active prior to shutdown\r\n"
+                                                  "Do you wish to activate Schedule?")))
+        schedule.Active = false;
+    globals.DisplayCaption();
+    globals.ViewTable();
+}
+
+bool ExitFromMenu(QorloGlobals &globals, bool otherWindowsOpen)
+{
+    if (otherWindowsOpen &&
+        !globals.prompter.AskOkCancel(QStringLiteral("Close Schedule"), QStringLiteral("Confirm Close QorloMANAGER")))
+        return false;
+    globals.Viewer.Save();
+    return true;
+}
+
+bool CloseMainWindow(QorloGlobals &globals, bool otherWindowsOpen)
+{
+    const bool close =
+        !otherWindowsOpen ||
+        globals.prompter.AskOkCancel(QStringLiteral("Close Schedule"),
+                                     QStringLiteral("Confirm you want to close QorloMANAGER Report Scheduler?"));
+    globals.SaveWeb(true);
+    return close;
+}
