@@ -1,0 +1,49 @@
+#pragma once
+// The exports that come straight from the records: saved report, record format, separated values, XML, Excel.
+
+#include <QList>
+#include <QSaveFile>
+#include <QString>
+
+namespace Engine {
+
+class Report;
+struct ExportOptions;
+
+// A column as the data exports see it: the layout's columns, or every field when the layout has none.
+struct ExportColumn
+{
+    QString caption;
+    int field = -1; // -1: the records lack it, the column stays empty
+    QString format;
+    int valueType = 12;
+    double width = 72;
+    bool alignRight = false;
+};
+QList<ExportColumn> ExportColumns(const Report &report);
+
+// A file written beside its target and renamed over it on commit; raises EngineError when it cannot.
+class ExportFile
+{
+public:
+    explicit ExportFile(const QString &fileName);
+    void write(const QByteArray &bytes);
+    void commit();
+
+private:
+    [[noreturn]] void fail();
+    QSaveFile m_file;
+};
+
+// Types 1 and 33: the report file again, with the records of this run as its saved data.
+void WriteSavedReport(const Report &report, const QString &fileName);
+// Type 3: fixed-width records, one line each, widths from the layout.
+void WriteRecordFormat(const Report &report, const QString &fileName);
+// Types 5, 6 and 9: a heading line of captions, then one line per record.
+void WriteSeparatedValues(const Report &report, const ExportOptions &options, const QString &fileName);
+// Type 37: the fields and records as XML.
+void WriteXmlRecords(const Report &report, const QString &fileName);
+// Types 27 to 30 with groups and totals, 38 with the records alone: an Excel 97-2003 workbook.
+void WriteExcelWorkbook(const Report &report, const ExportOptions &options, const QString &fileName);
+
+} // namespace Engine

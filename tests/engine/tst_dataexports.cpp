@@ -1,0 +1,186 @@
+#include "EngineFixtures.h"
+#include "TestMain.h"
+#include "run/engine/Application.h"
+#include "run/engine/EngineError.h"
+#include "run/engine/Report.h"
+
+#include <QTemporaryDir>
+
+using namespace Engine;
+using namespace EngineFixtures;
+
+class TestDataExports : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void init();
+    void goldenFiles_data();
+    void goldenFiles();
+    void targetByFormatType();
+    void failures();
+
+private:
+    std::unique_ptr<QTemporaryDir> m_dir;
+    Application m_application;
+    std::unique_ptr<Report> m_report;
+
+    QString exportTo(int formatType, const QString &name)
+    {
+        m_report->ExportOptions().FormatType = formatType;
+        m_report->ExportOptions().DiskFileName = m_dir->filePath(name);
+        m_report->Export(false);
+        return m_dir->filePath(name);
+    }
+    static QByteArray contents(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll()
+                                              : QByteArray("(missing file ") + path.toUtf8() + ')';
+    }
+};
+
+void TestDataExports::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>();
+    MakeSalesDatabase(m_dir->filePath(QStringLiteral("sales.db")));
+    const QString path = SalesReport(
+        QDir(m_dir->path()), QStringLiteral("exports.rpt"),
+        QStringLiteral("SELECT id, order_date, region, customer, amount, paid FROM {Sales} ORDER BY id"),
+        QStringLiteral(R"(<parameter name="Region" type="12"><default>North</default></parameter>
+<layout>
+  <column field="id" caption="No." width="30" align="right"/>
+  <column field="order_date" caption="Date" width="70" format="dd-MMM-yyyy"/>
+  <column field="customer" caption="Customer" width="120"/>
+  <column field="amount" caption="Amount, EUR" width="60" align="right" format="#,##0.00"/>
+  <column field="paid" caption="Paid" width="30"/>
+</layout>
+<groupSelection>id &lt;&gt; 2</groupSelection>)"));
+    m_report = m_application.OpenReport(path);
+}
+
+void TestDataExports::goldenFiles_data()
+{
+    QTest::addColumn<int>("formatType");
+    QTest::addColumn<QString>("golden");
+    QTest::addColumn<bool>("schedulerCsv");
+    QTest::newRow("record format") << 3 << QStringLiteral("records.txt") << false;
+    QTest::newRow("csv as the scheduler sets it") << 5 << QStringLiteral("scheduler.csv") << true;
+    QTest::newRow("csv engine defaults") << 5 << QStringLiteral("defaults.csv") << false;
+    QTest::newRow("tab separated values") << 6 << QStringLiteral("values.tsv") << false;
+    QTest::newRow("tab separated text") << 9 << QStringLiteral("text.tsv") << false;
+    QTest::newRow("xml") << 37 << QStringLiteral("records.xml") << false;
+    QTest::newRow("report with saved data") << 1 << QStringLiteral("saved.rpt") << false;
+    QTest::newRow("report 7.0 with saved data") << 33 << QStringLiteral("saved.rpt") << false;
+}
+
+void TestDataExports::goldenFiles()
+{
+    QFETCH(int, formatType);
+    QFETCH(QString, golden);
+    QFETCH(bool, schedulerCsv);
+    if (schedulerCsv) {
+        ExportOptions &options = m_report->ExportOptions();
+        options.UseReportDateFormat = true;
+        options.UseReportNumberFormat = true;
+        options.CharFieldDelimiter = QStringLiteral("|");
+        options.CharStringDelimiter = QStringLiteral("'");
+    }
+    const QByteArray actual = contents(exportTo(formatType, QStringLiteral("out")));
+    const QString goldenPath = TestSupport::DataFile(QStringLiteral("engine/exports/") + golden);
+    if (qEnvironmentVariableIsSet(
+            "QORLO_WRITE_GOLDEN")) { // refresh after a deliberate change, then review the diff
+        QFile file(goldenPath);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(actual);
+    }
+    QCOMPARE(actual, contents(goldenPath));
+}
+
+void TestDataExports::targetByFormatType()
+{
+    ExportOptions &options = m_report->ExportOptions();
+    options.DiskFileName = m_dir->filePath(QStringLiteral("disk.out"));
+    options.XMLFileName = m_dir->filePath(QStringLiteral("xml.out"));
+    options.FormatType = XmlFormat;
+    m_report->Export(false);
+    QVERIFY(QFile::exists(options.XMLFileName));
+    QVERIFY(!QFile::exists(options.DiskFileName));
+    options.XMLFileName.clear();
+    m_report->Export(false);
+    QVERIFY(contents(options.DiskFileName).startsWith("<?xml"));
+
+    // The page formats, each by the file its type names.
+    const struct
+    {
+        int type;
+        QByteArray start;
+    } paged[] = {{RichTextFormat, "{\\rtf1"},
+                 {WordFormat, "{\\rtf1"},
+                 {PdfFormat, "%PDF-"},
+                 {TextFormat, ""},
+                 {PaginatedTextFormat, ""}};
+    for (const auto &format : paged) {
+        const QByteArray file = contents(exportTo(format.type, QStringLiteral("paged.%1").arg(format.type)));
+        QVERIFY2(file.startsWith(format.start), qPrintable(QString::number(format.type)));
+        if (format.type != PdfFormat)
+            QVERIFY2(file.contains("Acme Ltd") && file.contains("Page 1 of 1"), file.constData());
+    }
+    options.FormatType = DhtmlFormat;
+    options.HTMLFileName = m_dir->filePath(QStringLiteral("page.html"));
+    options.HTMLEnableSeparatedPages = true;
+    options.HTMLHasPageNavigator = true;
+    m_report->Export(false);
+    QVERIFY(contents(options.HTMLFileName).contains("O&#39;Brien") ||
+            contents(options.HTMLFileName).contains("O'Brien"));
+
+    // The saved report reopens with the same records and the file's own definition.
+    auto again = m_application.OpenReport(exportTo(CrystalReportFormat, QStringLiteral("again.rpt")));
+    QVERIFY(again->HasSavedData());
+    QCOMPARE(again->ReportTitle(), QStringLiteral("Fixture Sales"));
+    again->ReadRecords();
+    QCOMPARE(again->PrintingStatus().NumberOfRecordSelected(), 5);
+
+    // A password never reaches a written report, whether the file or the log-on brought it.
+    const QString withPassword = WriteReport(QDir(m_dir->path()), QStringLiteral("pw.rpt"), QStringLiteral(R"(
+<table name="Sales" location="sales" dll="sqlite"><property name="Database">sales.db</property>
+<property name="Password">hunter2</property></table><query>SELECT 1 AS one</query>)"));
+    auto secret = m_application.OpenReport(withPassword);
+    secret->Database().Tables().Item(1).ConnectionProperties().Add(QStringLiteral("Password"),
+                                                                   QStringLiteral("s3cret"));
+    secret->ExportOptions().FormatType = Crystal7Format;
+    secret->ExportOptions().DiskFileName = m_dir->filePath(QStringLiteral("pw-out.rpt"));
+    secret->Export(false);
+    const QByteArray written = contents(secret->ExportOptions().DiskFileName);
+    QVERIFY(written.contains("<property name=\"Database\">sales.db</property>"));
+    QVERIFY(!written.contains("Password") && !written.contains("hunter2") && !written.contains("s3cret"));
+}
+
+void TestDataExports::failures()
+{
+    ExportOptions &options = m_report->ExportOptions();
+    auto failure = [this] {
+        try {
+            m_report->Export(false);
+        } catch (const EngineError &error) {
+            return error.description();
+        }
+        return QString();
+    };
+    options.FormatType = CharSeparatedFormat;
+    QCOMPARE(failure(), QStringLiteral("No file name given for export format 5"));
+    options.FormatType = HtmlFormat;
+    options.DiskFileName = m_dir->filePath(QStringLiteral("x.html"));
+    QCOMPARE(failure(),
+             QStringLiteral("No file name given for export format 24")); // HTML goes to HTMLFileName
+    options.FormatType = 99;
+    QCOMPARE(failure(), QStringLiteral("Export format 99 is unknown"));
+    options.FormatType = CharSeparatedFormat;
+    options.DiskFileName = m_dir->filePath(QStringLiteral("no/such/folder/x.csv"));
+    QVERIFY(failure().startsWith(QStringLiteral("Cannot write ") + options.DiskFileName));
+    options.DiskFileName = m_dir->filePath(QStringLiteral("x.csv"));
+    options.DestinationType = 2;
+    QCOMPARE(failure(), QStringLiteral("Export destination 2 is not a disk file (1)"));
+}
+
+QORLO_TEST_MAIN(TestDataExports)
+#include "tst_dataexports.moc"
