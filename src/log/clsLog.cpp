@@ -100,7 +100,12 @@ void clsLog::Remove(double cutoff)
 {
     int removed = 0;
     for (int row = 0; row < m_count; ++row) {
-        if (ParseDateCell(RowAt(row)[ColLogDate]) <= cutoff) {
+        // An entry logged without a start ("Cannot find file") ages by its finish; one with neither
+        // stays. Parsing the empty start would stop this and every later retention pass.
+        QString written = RowAt(row)[ColLogDate];
+        if (written.isEmpty())
+            written = RowAt(row)[ColFinish];
+        if (!written.isEmpty() && ParseDateCell(written) <= cutoff) {
             RowAt(row)[ColReportID] = kDeleted;
             ++removed;
         }

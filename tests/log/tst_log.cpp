@@ -115,25 +115,31 @@ void TestLog::retention()
     AddRow(log, QStringLiteral("1"), mar1 + 9.0 / 24, 0, QStringLiteral("after the cutoff"), 1);
     AddRow(log, QStringLiteral("2"), mar1, 0, QStringLiteral("on the cutoff"), 1);
     AddRow(log, QStringLiteral("3"), mar1 - 0.5, 0, QStringLiteral("before"), 1);
+    // Entries written without a start (a missing file) age by their finish.
+    AddRow(log, QStringLiteral("4"), 0, mar1 - 1, QStringLiteral("Cannot find file /x.rpt"), 0);
+    AddRow(log, QStringLiteral("5"), 0, mar1 + 1, QStringLiteral("Cannot find file /y.rpt"), 0);
     log.Save();
+    log.Locate(4);
+    QCOMPARE(log.ReportID(), QStringLiteral("5"));
+    log.Locate(5);
 
-    QCOMPARE(log.Count(), qint16(4));
-    QCOMPARE(RowsMarked(log, QStringLiteral("DEL")), 2);
+    QCOMPARE(log.Count(), qint16(6));
+    QCOMPARE(RowsMarked(log, QStringLiteral("DEL")), 3);
     QCOMPARE(log.ReportID(), QStringLiteral("LOG"));
-    QCOMPARE(log.LogText(), QStringLiteral("Automatic delete of 2 items from log file"));
+    QCOMPARE(log.LogText(), QStringLiteral("Automatic delete of 3 items from log file"));
     QCOMPARE(log.DeleteLogDate, DayDate::FromParts(2026, 4, 7));
     // Deleted rows stay in the file while the cursor is on another row.
-    QCOMPARE(ReadAll(log.FileName()).count("<LogReportID>DEL</LogReportID>"), 2);
+    QCOMPARE(ReadAll(log.FileName()).count("<LogReportID>DEL</LogReportID>"), 3);
 
     // Not due again: nothing changes. An unknown interval leaves the date, so every save checks,
     // and rows already marked count again.
     log.Save();
-    QCOMPARE(log.Count(), qint16(4));
+    QCOMPARE(log.Count(), qint16(6));
     log.CheckRetainLog = QStringLiteral("Q");
     log.DeleteLogDate = DayDate::FromParts(2026, 3, 30);
     log.Save();
-    QCOMPARE(log.Count(), qint16(5));
-    QCOMPARE(log.LogText(), QStringLiteral("Automatic delete of 2 items from log file"));
+    QCOMPARE(log.Count(), qint16(7));
+    QCOMPARE(log.LogText(), QStringLiteral("Automatic delete of 3 items from log file"));
     QCOMPARE(log.DeleteLogDate, DayDate::FromParts(2026, 3, 30));
 
     // With the cursor on a deleted row no row at all is written.
