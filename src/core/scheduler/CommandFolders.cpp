@@ -8,6 +8,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QScopeGuard>
 
 namespace {
 
@@ -29,7 +30,8 @@ QStringList CommandFiles(const QString &path)
 void LogCommandFile(QorloGlobals &globals, const QString &logTag, const QString &name)
 {
     const double now = Now();
-    WriteLogEntry(globals.Log, logTag, now, now, QString(), QStringLiteral("Process Remote command file: ") + name, 0);
+    WriteLogEntry(globals.Log, logTag, now, now, QString(),
+                  QStringLiteral("Process Remote command file: ") + name, 0);
 }
 
 void ShowChanges(QorloGlobals &globals)
@@ -63,9 +65,16 @@ void ProcessRemoteFolder(QorloGlobals &globals, const QString &path, const QStri
 
 void ProcessMailFolder(QorloGlobals &globals, const QString &path, const QString &logTag)
 {
+    // A send pumps events, so a tick can nest inside this pass. It leaves the folder alone: the
+    // document being sent is deleted only when its send ends and would otherwise go out twice.
+    static bool passRunning = false;
+    if (passRunning)
+        return;
     const QStringList files = CommandFiles(path);
     if (files.isEmpty())
         return;
+    passRunning = true;
+    const auto done = qScopeGuard([] { passRunning = false; });
     SmtpLog::StartSmtpLog(QStringLiteral("QorloMAIL processing inside QorloMANAGER"));
     for (const QString &name : files) {
         const QString file = path + QLatin1Char('/') + name;

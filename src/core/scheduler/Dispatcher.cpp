@@ -166,7 +166,8 @@ void Dispatcher::RunNow(int row)
         return;
     }
     const QString reportID = view.RowReportID(row);
-    if (!m_globals.prompter.AskYesNo(title, QStringLiteral("Confirm you want to run Schedule Item ") + reportID))
+    if (!m_globals.prompter.AskYesNo(title,
+                                     QStringLiteral("Confirm you want to run Schedule Item ") + reportID))
         return;
     m_globals.prompter.SetBusy(true);
     schedule.Find(reportID);
@@ -184,8 +185,9 @@ bool Dispatcher::StopForEditing(bool refuseWhileRunning)
 {
     clsSchedule &schedule = m_globals.Schedule;
     if (refuseWhileRunning && !schedule.ProcessingID.isEmpty()) {
-        m_globals.prompter.ShowMessage(QStringLiteral("Modify Schedule"),
-                                       QStringLiteral("Please wait until the current report processing has completed"));
+        m_globals.prompter.ShowMessage(
+            QStringLiteral("Modify Schedule"),
+            QStringLiteral("Please wait until the current report processing has completed"));
         return false;
     }
     if (schedule.Count() == 0)

@@ -22,9 +22,10 @@ void RunGlobalProcess(QorloGlobals &globals, const QString &file)
     const QString app = TWReg::ReadApplicationValue(QStringLiteral("QorloGLOBAL"));
     const double now = Now();
     if (app.isEmpty()) {
-        WriteLogEntry(globals.Log, schedule.ProcessingID, now, now, QString(),
-                      QStringLiteral("Error: Cannot run procedure until QorloGLOBAL application setting is entered"),
-                      0);
+        WriteLogEntry(
+            globals.Log, schedule.ProcessingID, now, now, QString(),
+            QStringLiteral("Error: Cannot run procedure until QorloGLOBAL application setting is entered"),
+            0);
         return;
     }
     if (!QFileInfo::exists(app)) {

@@ -8,16 +8,9 @@
 #include "log/StatusPages.h"
 
 QorloGlobals::QorloGlobals(const QString &appPath, Prompter &prompter)
-    : AppPath(appPath),
-      Schedule(appPath),
-      Connections(appPath),
-      Log(appPath),
-      TableMap(appPath),
-      Viewer(appPath),
-      prompter(prompter),
-      NextWebRefresh(DayDate::FromParts(2000, 1, 1)),
-      m_listView(Schedule),
-      m_view(&m_listView)
+    : AppPath(appPath), Schedule(appPath), Connections(appPath), Log(appPath), TableMap(appPath),
+      Viewer(appPath), prompter(prompter), NextWebRefresh(DayDate::FromParts(2000, 1, 1)),
+      m_listView(Schedule), m_view(&m_listView)
 {
     InstallLogWebPage(Log);
 }
@@ -40,6 +33,7 @@ void QorloGlobals::SaveWeb(bool shutdown)
 void QorloGlobals::ViewTable()
 {
     m_view->ViewTable();
+    CountActive();
     if (Schedule.Count() == 0) {
         prompter.ShowMessage(QStringLiteral("QorloMANAGER"), QStringLiteral("No Data in Schedule"));
         NextRunDate = Now();
@@ -51,14 +45,20 @@ void QorloGlobals::ViewTable()
 void QorloGlobals::RefreshRow(int row)
 {
     m_view->RefreshRow(row);
+    CountActive();
     NextRunDate = NextReportRun(Schedule);
+}
+
+void QorloGlobals::CountActive()
+{
+    m_activeCount = Schedule.ActiveCount();
 }
 
 void QorloGlobals::DisplayCaption()
 {
     QString caption = QStringLiteral("QorloMANAGER - File and Report Manager ");
     if (Schedule.Active) {
-        caption += QStringLiteral("(active: ") + QString::number(Schedule.ActiveCount()) + QLatin1Char(')');
+        caption += QStringLiteral("(active: ") + QString::number(m_activeCount) + QLatin1Char(')');
         if (!Schedule.StopTime.isEmpty())
             caption += QStringLiteral(" (Will stop on timer at ") + Schedule.StopTime + QLatin1Char(')');
     } else {

@@ -50,13 +50,19 @@ public:
     // Rewrites the status page of the schedule; `shutdown` adds the shutdown line.
     void SaveWeb(bool shutdown = false);
 
-    // Refills the grid and takes NextRunDate from the schedule; an empty schedule says so.
+    // Refills the grid and takes NextRunDate and the caption's count of dated items from the
+    // schedule; an empty schedule says so.
     void ViewTable();
     void RefreshRow(int row);
     // The caption and the start/stop menu state from Active, StartTime and StopTime.
     void DisplayCaption();
 
 private:
+    void CountActive();
+
     ListScheduleView m_listView;
     ScheduleView *m_view;
+    // ActiveCount parses every NextRun; like NextRunDate it follows the grid refreshes, so that the
+    // caption of an idle tick costs nothing.
+    qint32 m_activeCount = 0;
 };

@@ -13,7 +13,8 @@ QString SingleInstance::ServerName(const QString &appPath)
         canonical = QDir::cleanPath(QFileInfo(appPath).absoluteFilePath());
     // A hash keeps long folder names within the socket name's limit.
     const QByteArray folder = QCryptographicHash::hash(canonical.toUtf8(), QCryptographicHash::Sha1).toHex();
-    return QStringLiteral("QorloMANAGER-") + QString::number(getuid()) + QLatin1Char('-') + QLatin1String(folder);
+    return QStringLiteral("QorloMANAGER-") + QString::number(getuid()) + QLatin1Char('-') +
+           QLatin1String(folder);
 }
 
 bool SingleInstance::Claim(const QString &appPath)

@@ -54,15 +54,17 @@ bool StartUp(QorloGlobals &globals, SingleInstance &instance, Dispatcher &dispat
     LoadStateFiles(globals);
     RegisterApplication(globals.AppPath, executablePath);
     if (!instance.Claim(globals.AppPath)) {
-        globals.prompter.ShowMessage(kProgram,
-                                     QStringLiteral("QorloMANAGER already running\r\n"
-                                                    "Resume previous instance or wait 5 minutes and try again"),
-                                     Prompter::Icon::Critical);
+        globals.prompter.ShowMessage(
+            kProgram,
+            QStringLiteral("QorloMANAGER already running\r\n"
+                           "Resume previous instance or wait 5 minutes and try again"),
+            Prompter::Icon::Critical);
         return false;
     }
     AppFolder::MakeWorkingFolders(globals.AppPath);
     if (Printers::Installed().isEmpty())
-        globals.prompter.ShowMessage(QStringLiteral("Printer Setup"), QStringLiteral("Warning - No printers configured"),
+        globals.prompter.ShowMessage(QStringLiteral("Printer Setup"),
+                                     QStringLiteral("Warning - No printers configured"),
                                      Prompter::Icon::Warning);
     ApplyStartDefaults(globals);
     LoadMainWindow(globals);
@@ -98,8 +100,8 @@ void LoadMainWindow(QorloGlobals &globals)
 
 bool ExitFromMenu(QorloGlobals &globals, bool otherWindowsOpen)
 {
-    if (otherWindowsOpen &&
-        !globals.prompter.AskOkCancel(QStringLiteral("Close Schedule"), QStringLiteral("Confirm Close QorloMANAGER")))
+    if (otherWindowsOpen && !globals.prompter.AskOkCancel(QStringLiteral("Close Schedule"),
+                                                          QStringLiteral("Confirm Close QorloMANAGER")))
         return false;
     globals.Viewer.Save();
     return true;
@@ -108,9 +110,9 @@ bool ExitFromMenu(QorloGlobals &globals, bool otherWindowsOpen)
 bool CloseMainWindow(QorloGlobals &globals, bool otherWindowsOpen)
 {
     const bool close =
-        !otherWindowsOpen ||
-        globals.prompter.AskOkCancel(QStringLiteral("Close Schedule"),
-                                     QStringLiteral("Confirm you want to close QorloMANAGER Report Scheduler?"));
+        !otherWindowsOpen || globals.prompter.AskOkCancel(
+                                 QStringLiteral("Close Schedule"),
+                                 QStringLiteral("Confirm you want to close QorloMANAGER Report Scheduler?"));
     globals.SaveWeb(true);
     return close;
 }

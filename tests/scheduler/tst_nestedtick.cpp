@@ -1,0 +1,94 @@
+#include "SchedulerTestSupport.h"
+#include "Peers.h"
+#include "TestClocks.h"
+#include "TestMain.h"
+
+#include "core/AppFolder.h"
+#include "core/DayDate.h"
+#include "core/scheduler/Dispatcher.h"
+#include "core/scheduler/QorloGlobals.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+#include <QTimer>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace TestSupport;
+
+class TestNestedTick : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void tickInsideSlowMail();
+};
+
+// An item whose file is missing sends its error mail to a server that answers slowly. Ticks keep
+// coming during the send: one of them, nested in the first, applies a remote file dropped meanwhile
+// and, the run state being clear after the first log entry, runs the item that file added.
+void TestNestedTick::tickInsideSlowMail()
+{
+    QTemporaryDir mailFolder;
+    PeerProcess server;
+    const quint16 port = FreePort();
+    const bool started =
+        server.start(DebianPython(),
+                     {QStringLiteral(QORLO_TEST_DATA "/scheduler/slow_smtp.py"), u"--port"_s,
+                      QString::number(port), u"--folder"_s, mailFolder.path(), u"--delay"_s, u"3"_s},
+                     u"READY"_s);
+    QORLO_REQUIRE_PEER(started, server.error());
+
+    QTemporaryDir app;
+    AppFolder::MakeWorkingFolders(app.path());
+    const QString marker = app.filePath(u"added.txt"_s);
+    WriteScript(app.filePath(u"added.sh"_s), "date > '" + marker.toUtf8() + "'");
+    OffsetClock clock(QDateTime::currentDateTime());
+    ClockGuard guard(clock);
+    RecordingPrompter prompter;
+    QorloGlobals globals(app.path(), prompter);
+    clsSchedule &schedule = globals.Schedule;
+    globals.Log.ApplyStartDefaults();
+    schedule.SMTP_Server = u"127.0.0.1"_s;
+    schedule.SMTP_From = u"reports@example.com"_s;
+    schedule.SMTP_Port = port;
+    schedule.SMTPDelay = 0;
+    const QString overdue = FormatDateTime(Now() - 1);
+    AddItem(schedule, {u"1"_s, u"Missing"_s, app.filePath(u"missing.exe"_s), u"D"_s, u"1"_s, overdue});
+    schedule.SetErrorTo(u"on"_s);
+    schedule.SetNotifyTo(u"boss@example.com"_s);
+    schedule.Active = true;
+    globals.ViewTable();
+
+    Dispatcher dispatcher(globals, 700);
+    int deepest = 0;
+    connect(&dispatcher, &Dispatcher::TickEnded, this,
+            [&](int depth) { deepest = std::max(deepest, depth); });
+    // Fires only once the outer tick pumps events, that is inside the mail send.
+    QTimer::singleShot(300, this, [&] {
+        WriteFile(app.filePath(u"Remote/add.xml"_s),
+                  "<ReportID>7</ReportID>\r\n<ReportName>Added</ReportName>\r\n<ReportFile>" +
+                      app.filePath(u"added.sh"_s).toUtf8() +
+                      "</ReportFile>\r\n<ReportSchedule>Y</ReportSchedule>\r\n"
+                      "<ReportFrequency>D</ReportFrequency>\r\n<FreqTimes>1</FreqTimes>\r\n<NextRun>" +
+                      overdue.toUtf8() + "</NextRun>\r\n");
+    });
+    dispatcher.Start();
+    dispatcher.Tick();
+
+    QVERIFY(deepest >= 2);
+    QStringList lines;
+    for (int row = 0; row < globals.Log.Count(); ++row)
+        lines.append(globals.Log.CellAt(row, clsLog::ColReportID) + u" "_s +
+                     globals.Log.CellAt(row, clsLog::ColText));
+    QCOMPARE(lines, (QStringList{u"1 Missing: Cannot find file "_s + app.filePath(u"missing.exe"_s),
+                                 u"REMOTE Process Remote command file: add.xml"_s,
+                                 u"7 Added: Successful Execute of Application "_s}));
+    QVERIFY(!QFile::exists(app.filePath(u"Remote/add.xml"_s)));
+    const QStringList messages = QDir(mailFolder.path()).entryList({u"*.eml"_s}, QDir::Files);
+    QCOMPARE(messages.size(), 1);
+    QVERIFY(ReadFile(mailFolder.filePath(messages.first())).contains("Subject: Error Processing 1: Missing"));
+    QVERIFY(WaitUntil([&] { return QFile::exists(marker); }, 5000));
+    QVERIFY(prompter.fatal.isEmpty());
+}
+
+QORLO_TEST_MAIN(TestNestedTick)
+#include "tst_nestedtick.moc"

@@ -1,0 +1,158 @@
+#include "SchedulerTestSupport.h"
+#include "../mail/MailTestPeers.h"
+#include "TestMain.h"
+
+#include "core/Clock.h"
+#include "core/DayDate.h"
+#include "log/clsLog.h"
+
+#include <QDir>
+#include <QProcess>
+#include <QSettings>
+#include <QTemporaryDir>
+
+#include <csignal>
+
+using namespace Qt::Literals::StringLiterals;
+using namespace TestSupport;
+
+class TestQorloManagerd : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void runsAsAService();
+};
+
+namespace {
+
+// The program copied into a fresh application folder, with its own settings folder.
+struct Installation
+{
+    Installation(quint16 smtpPort)
+    {
+        QFile::copy(QStringLiteral(QORLO_DAEMON), program());
+        QFile::setPermissions(program(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QSettings mail(config.filePath(u"Tessaly Works/QorloSendMail.ini"_s), QSettings::IniFormat);
+        mail.beginGroup(u"Settings"_s);
+        mail.setValue(u"PersistentSettings"_s, u"1"_s);
+        mail.setValue(u"RemotePort"_s, QString::number(smtpPort));
+        mail.setValue(u"ConnectTimeout"_s, u"5"_s);
+        mail.setValue(u"MessageTimeout"_s, u"10"_s);
+        mail.setValue(u"ConnectRetry"_s, u"1"_s);
+    }
+    QString program() const { return app.filePath(u"qorlomanagerd"_s); }
+    QString path(const QString &name) const { return app.filePath(name); }
+    void start(QProcess &process) const
+    {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"XDG_CONFIG_HOME"_s, config.path());
+        // No print server: the start-up warns and goes on at once.
+        environment.insert(u"CUPS_SERVER"_s, u"127.0.0.1:"_s + QString::number(FreePort()));
+        process.setProcessEnvironment(environment);
+        process.setWorkingDirectory(app.path());
+        process.start(program(), {});
+    }
+    // A script that appends its name to order.txt.
+    QString script(const QString &name) const
+    {
+        WriteScript(path(name + u".sh"_s),
+                    "echo " + name.toUtf8() + " >> '" + path(u"order.txt"_s).toUtf8() + "'");
+        return path(name + u".sh"_s);
+    }
+    QStringList order() const
+    {
+        return QString::fromUtf8(ReadFile(path(u"order.txt"_s))).split(u'\n', Qt::SkipEmptyParts);
+    }
+
+    QTemporaryDir app;
+    QTemporaryDir config;
+};
+
+} // namespace
+
+void TestQorloManagerd::runsAsAService()
+{
+    SmtpPeer smtp;
+    QORLO_REQUIRE_PEER(smtp.start(), smtp.error());
+    Installation installed(smtp.port());
+    const double now = Now();
+    clsSchedule schedule(installed.app.path());
+    AddItem(schedule,
+            {u"1"_s, u"Second"_s, installed.script(u"Second"_s), u"D"_s, u"1"_s, FormatDateTime(now - 1)});
+    AddItem(schedule,
+            {u"2"_s, u"First"_s, installed.script(u"First"_s), u"D"_s, u"1"_s, FormatDateTime(now - 2)});
+    schedule.Active = true;
+    schedule.SMTP_Server = u"127.0.0.1"_s;
+    schedule.Save(installed.path(u"Qorlo.XML"_s));
+
+    QProcess daemon;
+    installed.start(daemon);
+    QVERIFY(daemon.waitForStarted(5000));
+    // Ticks come every 6 seconds: the older item at the first, the other at the second.
+    QVERIFY(WaitUntil([&] { return !installed.order().isEmpty(); }, 15000));
+    QProcess second;
+    installed.start(second);
+    QVERIFY(second.waitForFinished(10000));
+    QCOMPARE(second.exitCode(), 1);
+    QVERIFY(second.readAllStandardError().contains("QorloMANAGER: QorloMANAGER already running"));
+    QVERIFY(WaitUntil([&] { return installed.order().size() == 2; }, 15000));
+    QCOMPARE(installed.order(), (QStringList{u"First"_s, u"Second"_s}));
+
+    // A locked Remote folder waits; the Mail folder beside it does not.
+    WriteFile(installed.path(u"Remote/hold.lck"_s), "writing");
+    WriteFile(installed.path(u"Remote/add.xml"_s),
+              "<ReportID>9</ReportID>\r\n<ReportName>Third</ReportName>\r\n<ReportFile>" +
+                  installed.script(u"Third"_s).toUtf8() +
+                  "</ReportFile>\r\n<ReportFrequency>D</ReportFrequency>\r\n"
+                  "<FreqTimes>1</FreqTimes>\r\n<NextRun>" +
+                  FormatDateTime(now - 1).toUtf8() + "</NextRun>\r\n");
+    WriteFile(
+        installed.path(u"Mail/note.xml"_s),
+        "<QorloMAILDoc>\r\n<Server>127.0.0.1</Server>\r\n<From>desk@example.com</From>\r\n"
+        "<To>boss@example.com</To>\r\n<Subject>Stock note</Subject>\r\n<Body>Shelves are full</Body>\r\n"
+        "</QorloMAILDoc>\r\n");
+    QVERIFY(WaitUntil([&] { return smtp.messages().size() == 1; }, 15000));
+    QVERIFY(ReadAll(smtp.messages().first()).contains("Subject: Stock note"));
+    QVERIFY(WaitUntil([&] { return !QFile::exists(installed.path(u"Mail/note.xml"_s)); }, 5000));
+    QVERIFY(QFile::exists(installed.path(u"Remote/add.xml"_s)));
+    QFile::remove(installed.path(u"Remote/hold.lck"_s));
+    QVERIFY(WaitUntil([&] { return installed.order().size() == 3; }, 15000));
+    QCOMPARE(installed.order().last(), u"Third"_s);
+    QVERIFY(!QFile::exists(installed.path(u"Remote/add.xml"_s)));
+
+    clsLog log(installed.app.path());
+    log.Load(installed.path(u"QorloLog.XML"_s));
+    QStringList lines;
+    for (int row = 0; row < log.Count(); ++row)
+        lines.append(log.CellAt(row, clsLog::ColReportID) + u" "_s + log.CellAt(row, clsLog::ColText));
+    QCOMPARE(lines, (QStringList{u"2 First: Successful Execute of Application "_s,
+                                 u"1 Second: Successful Execute of Application "_s,
+                                 u"MAIL Process Remote command file: note.xml"_s,
+                                 u"REMOTE Process Remote command file: add.xml"_s,
+                                 u"9 Third: Successful Execute of Application "_s}));
+    QVERIFY(ReadFile(installed.path(u"SMTP.Log"_s)).contains("Stock note message sent to boss@example.com"));
+
+    // Each NextRun moved on by whole days past the moment it ran.
+    clsSchedule saved(installed.app.path());
+    saved.Load(installed.path(u"Qorlo.XML"_s));
+    const QString tomorrow = FormatDateTime(*DayDate::Parse(FormatDateTime(now)) + 1);
+    QCOMPARE(saved.Cell(0, clsSchedule::colNextRun), tomorrow);
+    QCOMPARE(saved.Cell(1, clsSchedule::colNextRun), tomorrow);
+    QCOMPARE(saved.Cell(2, clsSchedule::colNextRun), tomorrow);
+    const QString day = DayDate::ToDate(Now()).toString(u"yyyyMMdd"_s);
+    QVERIFY(QFile::exists(installed.path(u"Backup/Qorlo"_s + day + u".xml"_s)));
+    QVERIFY(ReadFile(installed.path(u"Web/livestat.htm"_s)).contains("The schedule is currently active"));
+
+    ::kill(daemon.processId(), SIGTERM);
+    QVERIFY(daemon.waitForFinished(10000));
+    QCOMPARE(daemon.exitCode(), 0);
+    QVERIFY(ReadFile(installed.path(u"Web/livestat.htm"_s)).contains("QorloMANAGER shutdown at "));
+    const QByteArray errors = daemon.readAllStandardError();
+    QVERIFY2(
+        errors.contains("Previously active: Schedule was active prior to shutdown Do you wish to activate "
+                        "Schedule? [Yes]"),
+        errors.constData());
+}
+
+QORLO_TEST_MAIN(TestQorloManagerd)
+#include "tst_qorlomanagerd.moc"

@@ -1,0 +1,104 @@
+#include "SchedulerTestSupport.h"
+#include "Peers.h"
+#include "TestMain.h"
+
+#include "core/AppFolder.h"
+#include "core/TWReg.h"
+#include "core/scheduler/Dispatcher.h"
+#include "core/scheduler/QorloGlobals.h"
+#include "core/scheduler/SingleInstance.h"
+#include "core/scheduler/StartUp.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+using namespace Qt::Literals::StringLiterals;
+
+class TestStartUp : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase();
+    void firstStartAndSecondInstance();
+    void savedStateAndElection();
+};
+
+void TestStartUp::initTestCase()
+{
+    // No print server answers here, so the printer warning is certain and quick.
+    qputenv("CUPS_SERVER", "127.0.0.1:" + QByteArray::number(TestSupport::FreePort()));
+}
+
+// An empty folder: the folders appear, the boxes come in order, the family settings are written, and
+// a second start on the same folder is refused.
+void TestStartUp::firstStartAndSecondInstance()
+{
+    QTemporaryDir app;
+    RecordingPrompter prompter;
+    QorloGlobals globals(app.path(), prompter);
+    SingleInstance instance;
+    Dispatcher dispatcher(globals);
+    QVERIFY(StartUp(globals, instance, dispatcher, app.filePath(u"qorlomanagerd"_s)));
+    QCOMPARE(prompter.messages,
+             (QStringList{u"Printer Setup: Warning - No printers configured"_s,
+                          u"QorloMANAGER: No Data in Schedule"_s,
+                          u"SMTP Server settings: Please enter your mail connection details"_s}));
+    QVERIFY(prompter.questions.isEmpty());
+    for (const QString &name : AppFolder::WorkingFolderNames())
+        QVERIFY2(QFileInfo(app.filePath(name)).isDir(), qPrintable(name));
+    QVERIFY(!QFile::exists(app.filePath(u"Qorlo.XML"_s)));
+    QCOMPARE(TWReg::ReadApplicationValue(u"QorloMANAGER"_s), app.filePath(u"qorlomanagerd"_s));
+    QCOMPARE(TWReg::ReadApplicationValue(u"Scheduler"_s), u"QorloMANAGER"_s);
+    QCOMPARE(TWReg::ReadApplicationValue(u"Mailbox"_s), app.filePath(u"Mail"_s));
+    QCOMPARE(TWReg::ReadApplicationValue(u"RemoteFolder"_s), app.filePath(u"Remote"_s));
+    QCOMPARE(TWReg::ReadApplicationValue(u"LogFolder"_s), app.filePath(u"Remote"_s));
+
+    RecordingPrompter secondPrompter;
+    QorloGlobals second(app.path() + u"/Web/.."_s, secondPrompter);
+    SingleInstance secondInstance;
+    Dispatcher secondDispatcher(second);
+    QVERIFY(!StartUp(second, secondInstance, secondDispatcher, app.filePath(u"qorlomanagerd"_s)));
+    QCOMPARE(secondPrompter.messages,
+             QStringList{u"QorloMANAGER: QorloMANAGER already running\r\n"
+                         u"Resume previous instance or wait 5 minutes and try again"_s});
+}
+
+// A schedule saved active asks the question, and No stops it; the log's retention values are reset;
+// another program's election is left alone.
+void TestStartUp::savedStateAndElection()
+{
+    QTemporaryDir app;
+    TWReg::SaveApplicationValue(u"Scheduler"_s, u"OtherScheduler"_s);
+    TWReg::SaveApplicationValue(u"Mailbox"_s, u"/elsewhere/Mail"_s);
+    {
+        clsSchedule saved(app.path());
+        AddItem(saved, {u"1"_s, u"Item"_s, u"/bin/true"_s, u"D"_s, u"1"_s, u"01-Jan-2030 09:00"_s});
+        saved.Active = true;
+        saved.SMTP_Server = u"127.0.0.1"_s;
+        saved.Save(app.filePath(u"Qorlo.XML"_s));
+        WriteFile(app.filePath(u"QorloLog.XML"_s), "<QorloLogDoc>\r\n<LogHeader>\r\n<RetainLog>5</"
+                                                   "RetainLog>\r\n<CheckRetainLog>M</CheckRetainLog>\r\n"
+                                                   "</LogHeader>\r\n</QorloLogDoc>\r\n");
+    }
+    RecordingPrompter prompter;
+    prompter.answer = false;
+    QorloGlobals globals(app.path(), prompter);
+    SingleInstance instance;
+    Dispatcher dispatcher(globals);
+    QVERIFY(StartUp(globals, instance, dispatcher, app.filePath(u"qorlomanager"_s)));
+    QCOMPARE(prompter.questions, QStringList{u"Previously active: Schedule was active prior to shutdown\r\n"
+                                             u"Do you wish to activate Schedule?"_s});
+    QVERIFY(!globals.Schedule.Active);
+    QCOMPARE(globals.Schedule.Count(), 1);
+    QCOMPARE(globals.Log.RetainLog, 30);
+    QCOMPARE(globals.Log.CheckRetainLog, u"W"_s);
+    QCOMPARE(TWReg::ReadApplicationValue(u"Scheduler"_s), u"OtherScheduler"_s);
+    QCOMPARE(TWReg::ReadApplicationValue(u"Mailbox"_s), u"/elsewhere/Mail"_s);
+    QCOMPARE(TWReg::ReadApplicationValue(u"QorloMANAGER"_s), app.filePath(u"qorlomanager"_s));
+
+    QVERIFY(CloseMainWindow(globals, false));
+    QVERIFY(ReadFile(app.filePath(u"Web/livestat.htm"_s)).contains("QorloMANAGER shutdown at "));
+}
+
+QORLO_TEST_MAIN(TestStartUp)
+#include "tst_startup.moc"
