@@ -51,6 +51,7 @@ void frmSMTPSendMail::SendMail()
     mail.SetFrom(MailFrom);
     mail.SetRecipient(MailTo);
     mail.SetSMTPPort(m_schedule.SMTP_Port);
+    mail.SetEncryption(m_schedule.SMTP_Encryption);
     if (m_schedule.SMTPAuthentication == QLatin1String("Yes")) {
         mail.SetUseAuthentication(true);
         mail.SetUsername(m_schedule.SMTPUser);

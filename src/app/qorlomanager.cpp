@@ -1,0 +1,34 @@
+// The desktop scheduler: the core's start-up with message boxes, then the main window.
+#include "core/AppFolder.h"
+#include "core/QorloError.h"
+#include "core/scheduler/Dispatcher.h"
+#include "core/scheduler/QorloGlobals.h"
+#include "core/scheduler/SingleInstance.h"
+#include "core/scheduler/StartUp.h"
+#include "ui/GuiPrompter.h"
+#include "ui/frmMain.h"
+
+#include <QApplication>
+
+int main(int argc, char **argv)
+{
+    QApplication app(argc, argv);
+    GuiPrompter prompter;
+    try {
+        const QString executable = QCoreApplication::applicationFilePath();
+        QorloGlobals globals(AppFolder::Resolve(executable), prompter);
+        SingleInstance instance;
+        Dispatcher dispatcher(globals);
+        frmMain window(globals, dispatcher);
+        QObject::connect(&window, &frmMain::ExitRequested, &app, [] { QCoreApplication::exit(0); });
+        if (!StartUp(globals, instance, dispatcher, executable))
+            return 1;
+        window.ApplyViewerSettings();
+        window.show();
+        // The process lives as long as its main window.
+        return app.exec();
+    } catch (const QorloError &error) {
+        prompter.FatalError(error);
+    }
+    return 1;
+}

@@ -1,0 +1,89 @@
+#pragma once
+// The main window: the schedule grid (the core's ScheduleView), the schedule's commands and Form.XML.
+
+#include "core/scheduler/ScheduleView.h"
+
+#include <QMainWindow>
+#include <QPointer>
+#include <functional>
+
+class Dispatcher;
+class QorloGlobals;
+class QAction;
+class QMenu;
+class QTableWidget;
+class QWindow;
+class frmSMTP;
+
+class frmMain : public QMainWindow, public ScheduleView
+{
+    Q_OBJECT
+public:
+    static constexpr int ColumnCount = 6;
+
+    // Becomes the core's view of the schedule.
+    frmMain(QorloGlobals &globals, Dispatcher &dispatcher, QWidget *parent = nullptr);
+
+    // The window's part of the load step, after the core's start-up: column widths, check marks,
+    // window state and measures, and the sort column of Form.XML.
+    void ApplyViewerSettings();
+    // Puts the grid rows in ascending order by the column; the schedule's rows stay where they are.
+    void SortBy(int column);
+    int SortColumn() const { return m_sortColumn; }
+
+    void ViewTable() override;
+    void RefreshRow(int row) override;
+    void SetSchedule(int colour, int row) override;
+    int Rows() const override;
+    QString RowReportID(int row) const override;
+    int SelectedRow() const override;
+    int SelectedColumn() const override;
+    void SetSelectedRow(int row) override;
+    void SetSelectedColumn(int column) override;
+    void SetCaption(const QString &caption) override;
+    void SetStartStopMenu(bool startEnabled, bool stopEnabled) override;
+    void OpenMailSettings() override;
+
+Q_SIGNALS:
+    // The operator left through mnuExit: the front ends the process at once.
+    void ExitRequested();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    void BuildGrid();
+    void BuildMenus();
+    QAction *AddAction(QMenu *menu, const char *name, const QString &caption, std::function<void()> action);
+    // Runs a command; a failure that nothing handled ends the process through the prompter.
+    void Guarded(const std::function<void()> &command);
+    void WriteCells(int gridRow);
+    void SetCell(int gridRow, int column, const QString &text);
+    void RebuildSortIndex();
+    void PaintCell(int tableRow, int column, int colour);
+    void OnCurrentCellChanged(int row, int column, int previousRow, int previousColumn);
+    void OnFocusWindowChanged(QWindow *window);
+    // The window measures, column widths and sort column into the viewer settings, and Form.XML.
+    void StoreWindowState();
+    void SaveWindowState();
+    bool OtherWindowsOpen() const;
+    void CloseOtherWindows();
+    void Exit();
+    void ToggleAutoRun();
+    void ToggleEncryptDB();
+
+    QorloGlobals &m_globals;
+    Dispatcher &m_dispatcher;
+    QTableWidget *m_grid = nullptr;
+    QAction *m_start = nullptr;
+    QAction *m_stop = nullptr;
+    QAction *m_autoRun = nullptr;
+    QAction *m_encryptDB = nullptr;
+    frmSMTP *m_smtp = nullptr;
+    QPointer<QWindow> m_lastFocusWindow;
+    qint16 m_sortColumn = 0;
+    // Resizes before the load step has ended do not write Form.XML.
+    bool m_loaded = false;
+};

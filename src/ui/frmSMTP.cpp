@@ -1,0 +1,211 @@
+#include "frmSMTP.h"
+
+#include "core/Numbers.h"
+#include "core/QorloError.h"
+#include "core/scheduler/Prompter.h"
+#include "core/scheduler/QorloGlobals.h"
+#include "mail/SmtpLog.h"
+#include "mail/clsSendMail.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QGroupBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace {
+
+const QString kSettingsTitle = QStringLiteral("SMTP Settings");
+const QString kMessageTitle = QStringLiteral("SMTP Message");
+
+} // namespace
+
+frmSMTP::frmSMTP(QorloGlobals &globals, QWidget *parent) : QDialog(parent), m_globals(globals)
+{
+    setObjectName(QStringLiteral("frmSMTP"));
+    setWindowTitle(kSettingsTitle);
+    BuildFields();
+    LoadSettings();
+}
+
+frmSMTP::~frmSMTP() = default;
+
+QLineEdit *frmSMTP::AddLine(const char *name)
+{
+    auto *field = new QLineEdit(this);
+    field->setObjectName(QLatin1String(name));
+    return field;
+}
+
+void frmSMTP::BuildFields()
+{
+    m_server = AddLine("txtServer");
+    m_port = AddLine("txtPort");
+    m_from = AddLine("txtFrom");
+    m_testTo = AddLine("txtTestTo");
+    m_message = new QPlainTextEdit(this);
+    m_message->setObjectName(QStringLiteral("txtMessage"));
+    m_delay = AddLine("txtDelay");
+    m_secure = new QCheckBox(QStringLiteral("Server requires authentication"), this);
+    m_secure->setObjectName(QStringLiteral("chkSecure"));
+    m_user = AddLine("txtUser");
+    m_password = AddLine("txtPassword");
+    m_password->setEchoMode(QLineEdit::Password);
+
+    m_secureFrame = new QGroupBox(QStringLiteral("Authentication"), this);
+    m_secureFrame->setObjectName(QStringLiteral("frSecure"));
+    auto *secure = new QFormLayout(m_secureFrame);
+    secure->addRow(QStringLiteral("User"), m_user);
+    secure->addRow(QStringLiteral("Password"), m_password);
+    connect(m_secure, &QCheckBox::toggled, m_secureFrame, &QWidget::setEnabled);
+
+    auto *fields = new QFormLayout;
+    fields->addRow(QStringLiteral("SMTP Server"), m_server);
+    fields->addRow(QStringLiteral("SMTP Port"), m_port);
+    fields->addRow(QStringLiteral("From Address"), m_from);
+    fields->addRow(QStringLiteral("Test Address"), m_testTo);
+    fields->addRow(QStringLiteral("Standard message"), m_message);
+    fields->addRow(QStringLiteral("Delay Between Messages"), m_delay);
+
+    auto *buttons = new QDialogButtonBox(this);
+    QPushButton *save = buttons->addButton(QStringLiteral("&Save"), QDialogButtonBox::ActionRole);
+    save->setObjectName(QStringLiteral("cmdSave"));
+    QPushButton *test =
+        buttons->addButton(QStringLiteral("Send &Test Message"), QDialogButtonBox::ActionRole);
+    test->setObjectName(QStringLiteral("cmdTest"));
+    connect(save, &QPushButton::clicked, this, &frmSMTP::cmdSave_Click);
+    connect(test, &QPushButton::clicked, this, &frmSMTP::cmdTest_Click);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->addLayout(fields);
+    layout->addWidget(m_secure);
+    layout->addWidget(m_secureFrame);
+    layout->addWidget(buttons);
+}
+
+void frmSMTP::LoadSettings()
+{
+    const clsSchedule &schedule = m_globals.Schedule;
+    m_server->setText(schedule.SMTP_Server);
+    m_port->setText(QString::number(schedule.SMTP_Port));
+    m_from->setText(schedule.SMTP_From);
+    m_testTo->setText(schedule.TestMessageTo);
+    m_message->setPlainText(schedule.SMTP_StdMessage);
+    m_delay->setText(QString::number(schedule.SMTPDelay));
+    const bool secure = schedule.SMTPAuthentication == QLatin1String("Yes");
+    m_secure->setChecked(secure);
+    m_secureFrame->setEnabled(secure);
+    m_user->setText(schedule.SMTPUser);
+    m_password->setText(schedule.SMTPPassword);
+}
+
+bool frmSMTP::FieldsComplete(bool forTest)
+{
+    if (m_server->text().isEmpty())
+        return Refuse(m_server, QStringLiteral("Please enter a server name"));
+    if (m_from->text().isEmpty())
+        return Refuse(m_from, QStringLiteral("Please enter your email address"));
+    if (forTest && m_testTo->text().isEmpty())
+        return Refuse(m_testTo, QStringLiteral("Please enter a destination address for the test message"));
+    return true;
+}
+
+bool frmSMTP::Refuse(QWidget *field, const QString &text)
+{
+    m_globals.prompter.ShowMessage(kSettingsTitle, text);
+    field->setFocus();
+    return false;
+}
+
+// A port that is no number is a failure that no handler catches: it ends the process.
+void frmSMTP::cmdSave_Click()
+{
+    if (!FieldsComplete(false))
+        return;
+    try {
+        SaveFields();
+    } catch (const QorloError &error) {
+        m_globals.prompter.FatalError(error);
+        return;
+    }
+    accept();
+}
+
+void frmSMTP::SaveFields()
+{
+    clsSchedule &schedule = m_globals.Schedule;
+    schedule.SMTP_Server = m_server->text();
+    schedule.SMTP_From = m_from->text();
+    schedule.TestMessageTo = m_testTo->text();
+    schedule.SMTP_StdMessage = m_message->toPlainText();
+    // A delay that is no number leaves the old one without a word.
+    if (Numbers::IsNumeric(m_delay->text()))
+        schedule.SMTPDelay = Numbers::TextToInt16(m_delay->text());
+    schedule.SMTPAuthentication = m_secure->isChecked() ? QStringLiteral("Yes") : QStringLiteral("No");
+    schedule.SMTPUser = m_user->text();
+    schedule.SMTPPassword = m_password->text();
+    schedule.SMTP_Port = Numbers::TextToInt32(m_port->text());
+    m_globals.SaveSchedule();
+}
+
+void frmSMTP::cmdTest_Click()
+{
+    if (!FieldsComplete(true))
+        return;
+    try {
+        SendTestMessage();
+    } catch (const QorloError &error) {
+        m_sendMail.reset();
+        m_globals.prompter.FatalError(error);
+    }
+}
+
+// The values in the fields are tested, saved or not.
+void frmSMTP::SendTestMessage()
+{
+    SmtpLog::StartSmtpLog(QStringLiteral("Sending Test Message"));
+    m_sendMail = std::make_unique<clsSendMail>();
+    clsSendMail &mail = *m_sendMail;
+    connect(&mail, &clsSendMail::Status, this, &frmSMTP::poSendMail_Status);
+    connect(&mail, &clsSendMail::SendFailed, this, &frmSMTP::poSendMail_SendFailed);
+    connect(&mail, &clsSendMail::SendSuccesful, this, &frmSMTP::poSendMail_SendSuccesful);
+    mail.SetSMTPHostValidation(0);
+    mail.SetEmailAddressValidation(1);
+    mail.SetDelimiter(QStringLiteral(";"));
+    mail.SetSMTPHost(m_server->text());
+    mail.SetFrom(m_from->text());
+    mail.SetRecipient(m_testTo->text());
+    mail.SetSubject(QStringLiteral("Test message from QorloMANAGER"));
+    mail.SetMessage(QStringLiteral("Here is a test message from QorloMANAGER"));
+    mail.SetSMTPPort(Numbers::TextToInt32(m_port->text()));
+    mail.SetEncryption(m_globals.Schedule.SMTP_Encryption);
+    if (m_secure->isChecked()) {
+        mail.SetUseAuthentication(true);
+        mail.SetUsername(m_user->text());
+        mail.SetPassword(m_password->text());
+    }
+    mail.Send();
+    m_sendMail.reset();
+}
+
+void frmSMTP::poSendMail_Status(const QString &text)
+{
+    SmtpLog::AddSmtpLog(text);
+}
+
+void frmSMTP::poSendMail_SendFailed(const QString &text)
+{
+    m_globals.prompter.ShowMessage(kMessageTitle, QStringLiteral("Send Failed\r\n") + text);
+    SmtpLog::AddSmtpLog(QStringLiteral("Send Failed - ") + text);
+    SmtpLog::FlushSmtpLog(m_globals.AppPath);
+}
+
+void frmSMTP::poSendMail_SendSuccesful()
+{
+    m_globals.prompter.ShowMessage(kMessageTitle, QStringLiteral("Message Sent"));
+    SmtpLog::AddSmtpLog(QStringLiteral("Message sent to ") + m_sendMail->Recipient());
+    SmtpLog::FlushSmtpLog(m_globals.AppPath);
+}

@@ -1,0 +1,52 @@
+#pragma once
+// The mail settings window: edits the schedule's mail settings and sends a test message.
+
+#include <QDialog>
+#include <memory>
+
+class QorloGlobals;
+class clsSendMail;
+class QCheckBox;
+class QGroupBox;
+class QLineEdit;
+class QPlainTextEdit;
+
+class frmSMTP : public QDialog
+{
+    Q_OBJECT
+public:
+    explicit frmSMTP(QorloGlobals &globals, QWidget *parent = nullptr);
+    ~frmSMTP() override;
+
+    // All fields from the schedule, as each opening of the window shows them.
+    void LoadSettings();
+
+private:
+    void BuildFields();
+    QLineEdit *AddLine(const char *name);
+    // The checks of both buttons; false, with the message shown and the focus on the field, at the first
+    // that fails.
+    bool FieldsComplete(bool forTest);
+    bool Refuse(QWidget *field, const QString &text);
+    void cmdSave_Click();
+    void cmdTest_Click();
+    void SaveFields();
+    void SendTestMessage();
+    void poSendMail_Status(const QString &text);
+    void poSendMail_SendFailed(const QString &text);
+    void poSendMail_SendSuccesful();
+
+    QorloGlobals &m_globals;
+    QLineEdit *m_server = nullptr;
+    QLineEdit *m_port = nullptr;
+    QLineEdit *m_from = nullptr;
+    QLineEdit *m_testTo = nullptr;
+    QPlainTextEdit *m_message = nullptr;
+    QLineEdit *m_delay = nullptr;
+    QCheckBox *m_secure = nullptr;
+    QGroupBox *m_secureFrame = nullptr;
+    QLineEdit *m_user = nullptr;
+    QLineEdit *m_password = nullptr;
+    // The client of the test message while it sends.
+    std::unique_ptr<clsSendMail> m_sendMail;
+};
