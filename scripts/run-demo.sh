@@ -12,5 +12,8 @@ SCRATCH=$(mktemp -d "${TMPDIR:-/tmp}/qorlo-demo-XXXXXX")
 cp -r demo/. "$SCRATCH/"
 cp "$BUILD/src/app/qorlomanagerd" "$SCRATCH/"
 echo "Demo application folder: $SCRATCH"
+echo "Watch $SCRATCH/Output, $SCRATCH/QorloLog.XML and $SCRATCH/Web/livestat.htm; stop with Ctrl-C."
 export XDG_CONFIG_HOME="$SCRATCH/.config"
+# Items name their programs relative to the application folder.
+cd "$SCRATCH"
 exec "$SCRATCH/qorlomanagerd"
