@@ -43,10 +43,14 @@ ColumnSet LayColumns(const LayoutDefinition &layout, const RecordStore &records,
     // Columns wider than the page shrink in proportion, so nothing falls off its edge.
     const double scale = total > available && total > 0 ? available / total : 1.0;
     for (const ColumnDefinition &column : set.columns) {
+        const double width = column.width * scale;
+        // A column's text keeps clear of its right neighbour, so a right-aligned value never
+        // runs into the next column's first character.
+        const double gap = std::min(6.0, width / 4);
         set.fields.append(records.fieldIndex(column.field));
         set.left.append(x);
-        set.width.append(column.width * scale);
-        x += column.width * scale;
+        set.width.append(width - gap);
+        x += width;
     }
     return set;
 }

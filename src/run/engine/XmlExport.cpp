@@ -2,6 +2,7 @@
 #include "run/engine/DataExports.h"
 #include "run/engine/Report.h"
 
+#include <QBuffer>
 #include <QXmlStreamWriter>
 
 namespace Engine {
@@ -9,8 +10,11 @@ namespace Engine {
 void WriteXmlRecords(const Report &report, const QString &fileName)
 {
     const RecordStore &records = report.records();
+    // The writer fills a buffer that goes to the file in pieces; emptying it must also rewind it.
     QByteArray bytes;
-    QXmlStreamWriter xml(&bytes);
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::WriteOnly);
+    QXmlStreamWriter xml(&buffer);
     xml.setAutoFormatting(true);
     xml.writeStartDocument();
     xml.writeStartElement(QStringLiteral("Report"));
@@ -43,6 +47,7 @@ void WriteXmlRecords(const Report &report, const QString &fileName)
         if (bytes.size() > 1 << 16) {
             file.write(bytes);
             bytes.clear();
+            buffer.seek(0);
         }
     }
     xml.writeEndElement();
