@@ -2,6 +2,7 @@
 #include "run/engine/page/CupsPrinter.h"
 #include "run/engine/page/PdfPageSink.h"
 #include "run/engine/page/PrintPageSink.h"
+#include "CupsPeerFixture.h"
 #include "Peers.h"
 #include "TestMain.h"
 #include "tst_page_sample.h"
@@ -48,25 +49,11 @@ QPair<int, int> PagesAndRotation(const QString &pdfinfo, const QString &file)
 void TestPrintCups::initTestCase()
 {
     m_pdfinfo = TestSupport::FindProgram(QStringLiteral("pdfinfo"));
-    const QString cupsd = TestSupport::FindProgram(QStringLiteral("cupsd"));
-    QORLO_REQUIRE_PEER(
-        !cupsd.isEmpty() && !m_pdfinfo.isEmpty() &&
-            QFileInfo::exists(QStringLiteral("/usr/share/ppd/cupsfilters/Generic-PDF_Printer-PDF.ppd")),
-        QStringLiteral("cups, cups-filters and poppler-utils"));
+    QORLO_REQUIRE_PEER(TestSupport::CupsPeerInstalled(),
+                       QStringLiteral("cups, cups-filters and poppler-utils"));
     QVERIFY(m_dir.isValid());
-    // The print filters run as the user lp and read the spooled job below this folder.
-    QFile::setPermissions(m_dir.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                            QFileDevice::ExeOwner | QFileDevice::ExeGroup |
-                                            QFileDevice::ExeOther);
-    const QString peerDir = m_dir.filePath(QStringLiteral("cups"));
-    const quint16 port = TestSupport::FreePort();
-    QVERIFY2(m_cups.start(
-                 QStringLiteral("/bin/bash"),
-                 {TestSupport::PeerScript(QStringLiteral("cups_peer.sh")), peerDir, QString::number(port)},
-                 QStringLiteral("READY"), 30000),
-             qPrintable(m_cups.error()));
-    qputenv("CUPS_SERVER", "127.0.0.1:" + QByteArray::number(port));
-    m_printed = peerDir + QStringLiteral("/out/PeerPDFFile.pdf");
+    m_printed = TestSupport::StartCupsPeer(m_cups, m_dir);
+    QVERIFY2(!m_printed.isEmpty(), qPrintable(m_cups.error()));
 }
 
 void TestPrintCups::printerList()

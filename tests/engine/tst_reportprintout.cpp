@@ -1,3 +1,4 @@
+#include "CupsPeerFixture.h"
 #include "Peers.h"
 #include "TestMain.h"
 #include "run/engine/Application.h"
@@ -41,23 +42,11 @@ private:
 void TestReportPrintOut::initTestCase()
 {
     m_pdfinfo = TestSupport::FindProgram(QStringLiteral("pdfinfo"));
-    QORLO_REQUIRE_PEER(
-        !TestSupport::FindProgram(QStringLiteral("cupsd")).isEmpty() && !m_pdfinfo.isEmpty() &&
-            QFileInfo::exists(QStringLiteral("/usr/share/ppd/cupsfilters/Generic-PDF_Printer-PDF.ppd")),
-        QStringLiteral("cups, cups-filters and poppler-utils"));
-    // The print filters run as the user lp and must pass through this folder.
-    QFile::setPermissions(m_dir.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                            QFileDevice::ExeOwner | QFileDevice::ExeGroup |
-                                            QFileDevice::ExeOther);
-    const QString peerDir = m_dir.filePath(QStringLiteral("cups"));
-    const quint16 port = TestSupport::FreePort();
-    QVERIFY2(m_cups.start(
-                 QStringLiteral("/bin/bash"),
-                 {TestSupport::PeerScript(QStringLiteral("cups_peer.sh")), peerDir, QString::number(port)},
-                 QStringLiteral("READY"), 30000),
-             qPrintable(m_cups.error()));
-    qputenv("CUPS_SERVER", "127.0.0.1:" + QByteArray::number(port));
-    m_printed = peerDir + QStringLiteral("/out/PeerPDFFile.pdf");
+    QORLO_REQUIRE_PEER(TestSupport::CupsPeerInstalled(),
+                       QStringLiteral("cups, cups-filters and poppler-utils"));
+    QVERIFY(m_dir.isValid());
+    m_printed = TestSupport::StartCupsPeer(m_cups, m_dir);
+    QVERIFY2(!m_printed.isEmpty(), qPrintable(m_cups.error()));
 }
 
 void TestReportPrintOut::printsEveryPageAndCopy()
