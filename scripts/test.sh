@@ -6,7 +6,7 @@ bash scripts/install-deps.sh all
 
 BUILD=${BUILD_DIR:-build}
 rm -rf "$BUILD"
-cmake -S . -B "$BUILD" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DQORLO_WERROR=ON
+cmake -S . -B "$BUILD" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DQORLO_WERROR=ON
 cmake --build "$BUILD" -j2
 
 echo "== format check"
