@@ -23,18 +23,20 @@ LineReader LineReader::FromText(const QString &text)
 
 void LineReader::split(const QString &text)
 {
+    const QChar *data = text.constData();
+    const qsizetype size = text.size();
     qsizetype start = 0;
-    for (qsizetype i = 0; i < text.size(); ++i) {
-        const QChar c = text.at(i);
-        if (c != QLatin1Char('\r') && c != QLatin1Char('\n'))
+    for (qsizetype i = 0; i < size; ++i) {
+        const char16_t c = data[i].unicode();
+        if (c != u'\r' && c != u'\n')
             continue;
-        m_lines.append(text.mid(start, i - start));
-        if (c == QLatin1Char('\r') && i + 1 < text.size() && text.at(i + 1) == QLatin1Char('\n'))
+        m_lines.append(QString(data + start, i - start));
+        if (c == u'\r' && i + 1 < size && data[i + 1] == u'\n')
             ++i;
         start = i + 1;
     }
-    if (start < text.size())
-        m_lines.append(text.mid(start));
+    if (start < size)
+        m_lines.append(QString(data + start, size - start));
 }
 
 QString LineReader::readLine()
