@@ -28,6 +28,8 @@ class ExportFile
 public:
     explicit ExportFile(const QString &fileName);
     void write(const QByteArray &bytes);
+    // Writes the text as UTF-8 once it has grown past 64 KiB, and empties it.
+    void writeWhenLarge(QString &text);
     void commit();
 
 private:

@@ -33,6 +33,14 @@ void ExportFile::write(const QByteArray &bytes)
         fail();
 }
 
+void ExportFile::writeWhenLarge(QString &text)
+{
+    if (text.size() <= 1 << 16)
+        return;
+    write(text.toUtf8());
+    text.clear();
+}
+
 void ExportFile::commit()
 {
     if (!m_file.commit())

@@ -37,28 +37,16 @@ public:
     // Databases without a boolean type (SQLite) give 0 and 1.
     static bool truth(const QVariant &value)
     {
-        return value.typeId() == QMetaType::Bool ? value.toBool() : isNumber(value) && value.toDouble() != 0;
+        return value.typeId() == QMetaType::Bool ? value.toBool()
+                                                 : IsNumberType(value) && value.toDouble() != 0;
     }
 
 private:
-    static bool isNumber(const QVariant &v)
-    {
-        switch (v.typeId()) {
-        case QMetaType::Int:
-        case QMetaType::UInt:
-        case QMetaType::LongLong:
-        case QMetaType::ULongLong:
-        case QMetaType::Short:
-        case QMetaType::Double:
-        case QMetaType::Float: return true;
-        default: return false;
-        }
-    }
     static bool isMoment(const QVariant &v)
     {
         return v.typeId() == QMetaType::QDate || v.typeId() == QMetaType::QDateTime;
     }
-    static QVariant normalized(const QVariant &v) { return isNumber(v) ? QVariant(v.toDouble()) : v; }
+    static QVariant normalized(const QVariant &v) { return IsNumberType(v) ? QVariant(v.toDouble()) : v; }
 
     [[noreturn]] void mismatch(const Node &node, const QString &what) const
     {
@@ -69,7 +57,7 @@ private:
 
     double number(const Node &node, const QVariant &v) const
     {
-        if (isNumber(v) || v.typeId() == QMetaType::Bool)
+        if (IsNumberType(v) || v.typeId() == QMetaType::Bool)
             return v.toDouble();
         bool ok = false;
         const double parsed = v.toString().toDouble(&ok);
@@ -97,7 +85,7 @@ private:
         }
         if (a.typeId() == QMetaType::Bool || b.typeId() == QMetaType::Bool)
             return int(truth(a)) - int(truth(b));
-        if (isNumber(a) || isNumber(b)) {
+        if (IsNumberType(a) || IsNumberType(b)) {
             const double x = number(node, a), y = number(node, b);
             return x < y ? -1 : (y < x ? 1 : 0);
         }
@@ -127,7 +115,7 @@ private:
             return QString(a.toString() + b.toString());
         if (a.isNull() || b.isNull())
             return QVariant();
-        if (op == QLatin1String("+") && !isNumber(a) && !isNumber(b))
+        if (op == QLatin1String("+") && !IsNumberType(a) && !IsNumberType(b))
             return QString(a.toString() + b.toString());
         if (op == QLatin1String("+"))
             return number(node, a) + number(node, b);

@@ -34,10 +34,7 @@ void WriteRecordFormat(const Report &report, const QString &fileName)
             line += column.alignRight ? cell.rightJustified(width) : cell.leftJustified(width);
         }
         text += line + QLatin1String("\r\n");
-        if (text.size() > 1 << 16) {
-            file.write(text.toUtf8());
-            text.clear();
-        }
+        file.writeWhenLarge(text);
     }
     file.write(text.toUtf8());
     file.commit();

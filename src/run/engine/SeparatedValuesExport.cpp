@@ -85,10 +85,7 @@ void WriteSeparatedValues(const Report &report, const ExportOptions &options, co
                 text += Cell(values[columns[c].field], patterns[c], style);
         }
         text += QLatin1String("\r\n");
-        if (text.size() > 1 << 16) {
-            file.write(text.toUtf8());
-            text.clear();
-        }
+        file.writeWhenLarge(text);
     }
     file.write(text.toUtf8());
     file.commit();

@@ -14,20 +14,6 @@ const QLocale &English()
     return locale;
 }
 
-bool IsNumberType(const QVariant &value)
-{
-    switch (value.typeId()) {
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Short:
-    case QMetaType::Double:
-    case QMetaType::Float: return true;
-    default: return false;
-    }
-}
-
 QString FormatNumber(double number, const QString &pattern)
 {
     auto isDigitMark = [](QChar c) { return c == QLatin1Char('#') || c == QLatin1Char('0'); };
@@ -53,6 +39,20 @@ QString FormatNumber(double number, const QString &pattern)
 }
 
 } // namespace
+
+bool IsNumberType(const QVariant &value)
+{
+    switch (value.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Short:
+    case QMetaType::Double:
+    case QMetaType::Float: return true;
+    default: return false;
+    }
+}
 
 bool IsDatePattern(const QString &pattern)
 {

@@ -18,6 +18,8 @@ bool IsDatePattern(const QString &pattern);
 // A date, a date and time, or text in the form yyyy-MM-dd[ HH:mm[:ss]] as a moment without a time
 // zone (UTC), so that comparing and formatting never consult the local zone; else an invalid moment.
 QDateTime MomentOf(const QVariant &value);
+// True for a value of one of the numeric types (integers of any width, floating point).
+bool IsNumberType(const QVariant &value);
 // The value as a number when it is one or its text reads as one.
 bool NumberOf(const QVariant &value, double &number);
 
