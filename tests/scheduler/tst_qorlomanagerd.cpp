@@ -120,11 +120,19 @@ void TestQorloManagerd::runsAsAService()
     QCOMPARE(installed.order().last(), u"Third"_s);
     QVERIFY(!QFile::exists(installed.path(u"Remote/add.xml"_s)));
 
-    clsLog log(installed.app.path());
-    log.Load(installed.path(u"QorloLog.XML"_s));
+    // The script can write its line before the daemon has logged its start.
     QStringList lines;
-    for (int row = 0; row < log.Count(); ++row)
-        lines.append(log.CellAt(row, clsLog::ColReportID) + u" "_s + log.CellAt(row, clsLog::ColText));
+    WaitUntil(
+        [&] {
+            clsLog log(installed.app.path());
+            log.Load(installed.path(u"QorloLog.XML"_s));
+            lines.clear();
+            for (int row = 0; row < log.Count(); ++row)
+                lines.append(log.CellAt(row, clsLog::ColReportID) + u" "_s +
+                             log.CellAt(row, clsLog::ColText));
+            return lines.size() == 5;
+        },
+        5000);
     QCOMPARE(lines, (QStringList{u"2 First: Successful Execute of Application "_s,
                                  u"1 Second: Successful Execute of Application "_s,
                                  u"MAIL Process Remote command file: note.xml"_s,
