@@ -25,7 +25,10 @@ void FillLog(clsLog &log)
         log.SetLogDate(start + row * 0.0004);
         log.SetFinishDate(start + row * 0.0004 + 0.0001);
         log.SetNextDate(QStringLiteral("28-Nov-2026 06:00"));
-        log.SetLogText(QStringLiteral("Report sent to sales@example.com, 3 attachments \u00e9"));
+        // Every other text holds characters the file stores as references.
+        log.SetLogText(
+            row % 2 ? QStringLiteral("Report sent to sales@example.com, 3 attachments \u00e9")
+                    : QStringLiteral("R\u00e9sum\u00e9 & totals sent to \"Sales\" <sales@example.com>"));
         log.SetPages(row % 50);
     }
     log.ApplyStartDefaults();

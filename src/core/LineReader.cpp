@@ -10,36 +10,41 @@ LineReader::LineReader(const QString &path)
     if (!file.open(QIODevice::ReadOnly))
         return;
     m_open = true;
-    split(Ansi::Decode(file.readAll()));
+    m_text = Ansi::Decode(file.readAll());
+    split();
 }
 
 LineReader LineReader::FromText(const QString &text)
 {
     LineReader reader;
     reader.m_open = true;
-    reader.split(text);
+    reader.m_text = text;
+    reader.split();
     return reader;
 }
 
-void LineReader::split(const QString &text)
+void LineReader::split()
 {
-    const QChar *data = text.constData();
-    const qsizetype size = text.size();
+    const QChar *data = m_text.constData();
+    const qsizetype size = m_text.size();
     qsizetype start = 0;
     for (qsizetype i = 0; i < size; ++i) {
         const char16_t c = data[i].unicode();
         if (c != u'\r' && c != u'\n')
             continue;
-        m_lines.append(QString(data + start, i - start));
+        m_lines.append({start, i - start});
         if (c == u'\r' && i + 1 < size && data[i + 1] == u'\n')
             ++i;
         start = i + 1;
     }
     if (start < size)
-        m_lines.append(QString(data + start, size - start));
+        m_lines.append({start, size - start});
 }
 
-QString LineReader::readLine()
+QStringView LineReader::readLineView()
 {
-    return atEnd() ? QString() : m_lines.at(m_next++);
+    if (atEnd())
+        return {};
+    const Span line = m_lines.at(m_next++);
+    return QStringView(m_text).mid(line.start, line.length);
 }

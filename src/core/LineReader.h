@@ -1,8 +1,9 @@
 #pragma once
 // Reads a state file line by line as Windows-1252 text; CR LF, CR and LF all end a line.
 
+#include <QList>
 #include <QString>
-#include <QStringList>
+#include <QStringView>
 
 class LineReader
 {
@@ -13,13 +14,22 @@ public:
 
     bool isOpen() const { return m_open; }
     bool atEnd() const { return m_next >= m_lines.size(); }
-    QString readLine();
+    QString readLine() { return readLineView().toString(); }
+    // The next line without a copy; it stays valid while the reader lives.
+    QStringView readLineView();
 
 private:
-    LineReader() = default;
-    void split(const QString &text);
+    struct Span
+    {
+        qsizetype start;
+        qsizetype length;
+    };
 
-    QStringList m_lines;
+    LineReader() = default;
+    void split();
+
+    QString m_text;
+    QList<Span> m_lines;
     qsizetype m_next = 0;
     bool m_open = false;
 };

@@ -126,13 +126,11 @@ void clsLog::Remove(double cutoff)
 void clsLog::Load(const QString &path)
 {
     LineReader reader(path);
-    while (!reader.atEnd()) {
-        QString line = reader.readLine().trimmed();
-        ReadTags(line);
-    }
+    while (!reader.atEnd())
+        ReadTags(reader.readLineView().trimmed());
 }
 
-void clsLog::ReadTags(QString &line)
+void clsLog::ReadTags(QStringView line)
 {
     if (line.startsWith(QLatin1String("<!")))
         return;
@@ -140,10 +138,10 @@ void clsLog::ReadTags(QString &line)
         AddNew();
         return;
     }
-    const QString tag = LineTag(line);
+    const QStringView tag = LineTag(line);
     if (tag.isEmpty())
         return;
-    const QString value = TagValue(line);
+    const QString value = ReadTagValue(line);
 
     if (tag == QLatin1String("<LogReportID>")) {
         SetReportID(value);

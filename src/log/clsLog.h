@@ -70,7 +70,7 @@ private:
 
     Row &RowAt(int row);
     const Row &RowAt(int row) const;
-    void ReadTags(QString &line);
+    void ReadTags(QStringView line);
     void SetDateCell(Column column, const QString &value);
     void ApplyRetention();
     void WriteRows() const;

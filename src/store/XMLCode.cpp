@@ -10,6 +10,7 @@
 #include <QRandomGenerator>
 #include <QSaveFile>
 #include <algorithm>
+#include <array>
 #include <memory>
 
 namespace XMLCode {
@@ -152,6 +153,24 @@ QString OpeningTag(const QString &tag, const QString &attributes)
     return QLatin1Char('<') + tag + QLatin1Char(' ') + attributes + QLatin1Char('>');
 }
 
+// The code of the text between "&#" and ";", read as a number; -1 when no character has it.
+qint64 ReferenceCode(QStringView text)
+{
+    // Plain digits, as the writer puts them, are read without the general number parser.
+    qint64 code = 0;
+    for (const QChar c : text) {
+        if (c < QLatin1Char('0') || c > QLatin1Char('9') || code > 0x10FFFF) {
+            code = -1;
+            break;
+        }
+        code = code * 10 + (c.unicode() - u'0');
+    }
+    if (code >= 0 && !text.isEmpty())
+        return code <= 0x10FFFF ? code : -1;
+    const double number = Numbers::NumericPrefix(text.toString());
+    return number >= 0 && number <= 0x10FFFF ? qint64(Numbers::RoundEven(number)) : -1;
+}
+
 // Replaces each "&#code;" by its character. A "&#" without a ";" after it ends the decoding of
 // references for the line, so a damaged line cannot stall the reader.
 void DecodeNumericReferences(QString &line)
@@ -164,8 +183,7 @@ void DecodeNumericReferences(QString &line)
         const qsizetype end = line.indexOf(QLatin1Char(';'), start + 2);
         if (end < 0)
             return;
-        const double number = Numbers::NumericPrefix(line.mid(start + 2, end - start - 2));
-        const qint64 code = number >= 0 && number <= 0x10FFFF ? qint64(Numbers::RoundEven(number)) : -1;
+        const qint64 code = ReferenceCode(QStringView(line).mid(start + 2, end - start - 2));
         line.replace(start, end - start + 1, CharOf(code));
         // A decoded "&" or "#" can form a new "&#" with its neighbour; nothing before it can.
         from = start > 0 ? start - 1 : 0;
@@ -238,56 +256,53 @@ QString WriteCloseTag(const QString &tag)
 
 namespace {
 
-// True when XMLEscape would change the value.
-bool NeedsEscape(const QString &value)
+// The entity of a character XMLEscape replaces by name, or null.
+const char *NamedEntity(char16_t c)
 {
-    for (const QChar c : value) {
-        switch (c.unicode()) {
-        case '&':
-        case '\r':
-        case '>':
-        case '<':
-        case '\'':
-        case '"': return true;
-        default:
-            if (c.unicode() > 126)
-                return true;
-        }
+    switch (c) {
+    case u'&': return "&amp;";
+    case u'>': return "&gt;";
+    case u'<': return "&lt;";
+    case u'\'': return "&apos;";
+    case u'"': return "&quot;";
+    default: return nullptr;
     }
-    return false;
 }
 
 } // namespace
 
 QString XMLEscape(const QString &value)
 {
-    if (!NeedsEscape(value))
-        return value;
-    QString text = value;
-    text.replace(QLatin1Char('&'), QLatin1String("&amp;"));
-    text.replace(kCrLf, QLatin1String("&#0013;&#0010;"));
-    text.replace(QLatin1Char('>'), QLatin1String("&gt;"));
-    text.replace(QLatin1Char('<'), QLatin1String("&lt;"));
-    text.replace(QLatin1Char('\''), QLatin1String("&apos;"));
-    text.replace(QLatin1Char('"'), QLatin1String("&quot;"));
-
     QString escaped;
-    escaped.reserve(text.size() + 16);
     qsizetype plainFrom = 0; // start of the run of characters copied as they are
-    for (qsizetype i = 0; i < text.size();) {
-        char32_t code;
-        const int length = CharacterAt(text, i, code);
-        const bool last = i + length >= text.size();
-        // The last character stays raw when the code page can hold it.
-        const bool holdable = length == 1 && Ansi::Code(text.at(i)) >= 0;
-        if (code > 126 && !(last && holdable)) {
-            escaped += QStringView(text).mid(plainFrom, i - plainFrom);
-            escaped += NumericReference(code);
-            plainFrom = i + length;
+    const auto replace = [&](qsizetype at, qsizetype length, const auto &by) {
+        if (escaped.isNull())
+            escaped.reserve(value.size() + 16);
+        escaped += QStringView(value).mid(plainFrom, at - plainFrom);
+        escaped += by;
+        plainFrom = at + length;
+    };
+    for (qsizetype i = 0; i < value.size();) {
+        const char16_t c = value.at(i).unicode();
+        if (c <= 126) {
+            if (const char *entity = NamedEntity(c))
+                replace(i, 1, QLatin1String(entity));
+            else if (c == u'\r' && i + 1 < value.size() && value.at(i + 1) == QLatin1Char('\n'))
+                replace(i++, 2, QLatin1String("&#0013;&#0010;"));
+            ++i;
+            continue;
         }
+        char32_t code;
+        const int length = CharacterAt(value, i, code);
+        // The last character stays raw when the code page can hold it.
+        const bool lastHoldable = i + length >= value.size() && length == 1 && Ansi::Code(value.at(i)) >= 0;
+        if (code > 126 && !lastHoldable)
+            replace(i, length, NumericReference(code));
         i += length;
     }
-    escaped += QStringView(text).mid(plainFrom);
+    if (escaped.isNull())
+        return value;
+    escaped += QStringView(value).mid(plainFrom);
     return escaped;
 }
 
@@ -304,39 +319,115 @@ QString XMLCData(const QString &value)
 
 QString LineTag(const QString &line)
 {
-    const qsizetype end = line.indexOf(QLatin1Char('>'));
-    return end < 0 ? QString() : line.left(end + 1);
+    return LineTag(QStringView(line)).toString();
 }
 
-QString TagValue(QString &line)
+QStringView LineTag(QStringView line)
 {
-    // Most lines hold no mark at all; the checks spare them the replacement passes.
+    const qsizetype end = line.indexOf(QLatin1Char('>'));
+    return end < 0 ? QStringView() : line.left(end + 1);
+}
+
+namespace {
+
+// Replaces &gt; &lt; &apos; &quot; and &amp; in one pass. Every entity holds one "&", so no two can
+// overlap, and a decoded "&" is not read again: "&amp;lt;" stays "&lt;".
+void DecodeNamedEntities(QString &line)
+{
+    static const std::array<std::pair<QLatin1String, QChar>, 5> entities = {{
+        {QLatin1String("&gt;"), QLatin1Char('>')},
+        {QLatin1String("&lt;"), QLatin1Char('<')},
+        {QLatin1String("&apos;"), QLatin1Char('\'')},
+        {QLatin1String("&quot;"), QLatin1Char('"')},
+        {QLatin1String("&amp;"), QLatin1Char('&')},
+    }};
+    qsizetype out = 0;
+    for (qsizetype in = 0; in < line.size();) {
+        QChar c = line.at(in++);
+        if (c == QLatin1Char('&')) {
+            const QStringView rest = QStringView(line).mid(in - 1);
+            for (const auto &[entity, character] : entities) {
+                if (rest.startsWith(entity)) {
+                    c = character;
+                    in += entity.size() - 1;
+                    break;
+                }
+            }
+        }
+        line[out++] = c;
+    }
+    line.truncate(out);
+}
+
+// True when the line holds a mark that TagValue replaces; most lines hold none.
+bool HoldsEscapes(QStringView line)
+{
+    return line.contains(QLatin1Char('[')) || line.contains(QLatin1Char('&'));
+}
+
+void DecodeEscapes(QString &line)
+{
     if (line.contains(QLatin1Char('[')))
         line.replace(QLatin1String("[[--CRLF--]]"), kCrLf);
     if (line.contains(QLatin1Char('&'))) {
-        line.replace(QLatin1String("&#0013;&#0010;"), kCrLf);
+        // A replace builds a matcher; the plain search first spares most lines that cost.
+        const QLatin1String lineBreak("&#0013;&#0010;");
+        if (line.contains(lineBreak))
+            line.replace(lineBreak, kCrLf);
         DecodeNumericReferences(line);
-        line.replace(QLatin1String("&gt;"), QLatin1String(">"));
-        line.replace(QLatin1String("&lt;"), QLatin1String("<"));
-        line.replace(QLatin1String("&apos;"), QLatin1String("'"));
-        line.replace(QLatin1String("&quot;"), QLatin1String("\""));
-        line.replace(QLatin1String("&amp;"), QLatin1String("&"));
+        DecodeNamedEntities(line);
     }
+}
 
+// The position of the first "</" from `from` on, or -1. The character search is the fast one, and a
+// state-file line holds few "<".
+qsizetype FindClosingTag(QStringView line, qsizetype from)
+{
+    for (qsizetype at = line.indexOf(QLatin1Char('<'), from); at >= 0;
+         at = line.indexOf(QLatin1Char('<'), at + 1)) {
+        if (at + 1 < line.size() && line.at(at + 1) == QLatin1Char('/'))
+            return at;
+    }
+    return -1;
+}
+
+// The element value of a line already decoded.
+QStringView DecodedTagValue(QStringView line)
+{
     const qsizetype open = line.indexOf(QLatin1Char('>'));
     if (open < 0)
-        return QString();
-    const qsizetype close = line.indexOf(QLatin1String("</"), open);
+        return {};
+    const qsizetype close = FindClosingTag(line, open);
     if (close < 0)
         return line.mid(open + 1);
 
-    const QString value = line.mid(open + 1, close - open - 1);
-    const qsizetype cdataStart = value.indexOf(QLatin1String("<![CDATA["));
+    const QStringView value = line.mid(open + 1, close - open - 1);
+    qsizetype cdataStart = value.indexOf(QLatin1Char('<'));
+    if (cdataStart >= 0)
+        cdataStart = value.indexOf(QLatin1String("<![CDATA["), cdataStart);
+    if (cdataStart < 0)
+        return value;
     const qsizetype cdataEnd = value.indexOf(QLatin1String("]]>"));
-    if (cdataStart < 0 || cdataEnd < 0)
+    if (cdataEnd < 0)
         return value;
     // Counted from the value's 10th character: a CDATA block is meant to stand at the start.
     return value.mid(9, qMax<qsizetype>(0, cdataEnd - cdataStart - 9));
+}
+
+} // namespace
+
+QString TagValue(QString &line)
+{
+    DecodeEscapes(line);
+    return DecodedTagValue(line).toString();
+}
+
+QString ReadTagValue(QStringView line)
+{
+    if (!HoldsEscapes(line))
+        return DecodedTagValue(line).toString();
+    QString copy = line.toString();
+    return TagValue(copy);
 }
 
 QString ReadLongElement(LineReader &file, const QString &line, const QString &endTag)

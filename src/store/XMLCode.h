@@ -35,8 +35,11 @@ QString XMLCData(const QString &value);
 // The tag of a state-file line: the text up to and including the first ">", so attributes count
 // and case matters; empty for a line without ">", which readers ignore.
 QString LineTag(const QString &line);
+QStringView LineTag(QStringView line);
 // Decodes the line in place and returns the value of its element.
 QString TagValue(QString &line);
+// The same value, leaving the line as it is; a line without escapes is read without a copy.
+QString ReadTagValue(QStringView line);
 // The value of a long element whose first (already decoded) line is `line`, reading further lines.
 QString ReadLongElement(LineReader &file, const QString &line, const QString &endTag);
 

@@ -152,6 +152,8 @@ void TestXMLCode::escapeRoundTrip()
     QCOMPARE(XMLEscape(QStringLiteral("x\u20ac!")), QStringLiteral("x&#0128;!"));
     QCOMPARE(XMLEscape(QStringLiteral("\u4e2d")), QStringLiteral("&#20013;"));
     QCOMPARE(XMLEscape(QStringLiteral("cr\ralone")), QStringLiteral("cr\ralone"));
+    QCOMPARE(XMLEscape(QStringLiteral("<&'\">\r\n\u00e9")),
+             QStringLiteral("&lt;&amp;&apos;&quot;&gt;&#0013;&#0010;\u00e9"));
 
     QCOMPARE(XMLCData(QStringLiteral("a<b\r\nc")), QStringLiteral("<![CDATA[a<b&#0013;&#0010;c]]>"));
     QCOMPARE(XMLCData(QStringLiteral("~x\r\ny")), QStringLiteral("<![CDATA[~x\r\ny]]>"));
@@ -179,6 +181,17 @@ void TestXMLCode::tagValueQuirks()
     QCOMPARE(TagValue(line), QStringLiteral("Ax & &#65 &#66"));
     QCOMPARE(line, QStringLiteral("<A>Ax & &#65 &#66</A>"));
     QCOMPARE(Tag("<A>&#abc;&#99999999;</A>"), QString(QChar(0)) + QChar(QChar::ReplacementCharacter));
+    // Named entities are read once, after the references: a decoded "&" starts one, "&amp;" does not.
+    QCOMPARE(Tag("<A>&amp;lt; &#38;gt; &quot;&apos;&gt&lt;</A>"), QStringLiteral("&lt; > \"'&gt<"));
+
+    // Reading without decoding the line in place gives the same values and leaves the line alone.
+    for (const char *text : {"<A>plain</A>", "<A>a&amp;b&#0013;&#0010;c</A>", "<A>x[[--CRLF--]]y</A>",
+                             "<A><![CDATA[a<b]]></A>", "<A>no end", "no tag"}) {
+        QString decoded = QString::fromLatin1(text);
+        const QString original = decoded;
+        QCOMPARE(ReadTagValue(original), TagValue(decoded));
+        QCOMPARE(LineTag(QStringView(original)).toString(), LineTag(original));
+    }
 }
 
 void TestXMLCode::longElements()
