@@ -23,9 +23,7 @@ int main(int argc, char **argv)
         QObject::connect(&window, &frmMain::ExitRequested, &app, [] { QCoreApplication::exit(0); });
         if (!StartUp(globals, instance, dispatcher, executable))
             return 1;
-        window.ApplyViewerSettings();
-        window.show();
-        // The process lives as long as its main window.
+        // The process lives as long as its main window, shown by the start-up.
         return app.exec();
     } catch (const QorloError &error) {
         prompter.FatalError(error);

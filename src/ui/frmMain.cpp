@@ -15,6 +15,7 @@
 #include <QHeaderView>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QStatusBar>
 #include <QTableWidget>
 #include <QWindow>
 
@@ -297,6 +298,17 @@ void frmMain::SetStartStopMenu(bool startEnabled, bool stopEnabled)
 {
     m_start->setEnabled(startEnabled);
     m_stop->setEnabled(stopEnabled);
+}
+
+void frmMain::SetStatusText(const QString &text)
+{
+    statusBar()->showMessage(text);
+}
+
+void frmMain::ShowWindow()
+{
+    ApplyViewerSettings();
+    show();
 }
 
 // One mail settings window per process, made when first used.

@@ -24,8 +24,8 @@ public:
     // Becomes the core's view of the schedule.
     frmMain(QorloGlobals &globals, Dispatcher &dispatcher, QWidget *parent = nullptr);
 
-    // The window's part of the load step, after the core's start-up: column widths, check marks,
-    // window state and measures, and the sort column of Form.XML.
+    // The window's part of the load step: column widths, check marks, window state and measures,
+    // and the sort column of Form.XML.
     void ApplyViewerSettings();
     // Puts the grid rows in ascending order by the column; the schedule's rows stay where they are.
     void SortBy(int column);
@@ -42,6 +42,8 @@ public:
     void SetSelectedColumn(int column) override;
     void SetCaption(const QString &caption) override;
     void SetStartStopMenu(bool startEnabled, bool stopEnabled) override;
+    void SetStatusText(const QString &text) override;
+    void ShowWindow() override;
     void OpenMailSettings() override;
 
 Q_SIGNALS:

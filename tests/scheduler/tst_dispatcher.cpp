@@ -316,6 +316,7 @@ void TestDispatcher::commandFolders()
     QVERIFY(!QFile::exists(app.filePath(u"Mail/bad.xml"_s)));
     QVERIFY(
         ReadFile(app.filePath(u"SMTP.Log"_s)).contains("Invalid XML document - cannot find QorloMAILDoc"));
+    QCOMPARE(static_cast<ListScheduleView &>(globals.View()).StatusText(), u"Invalid XML Doc"_s);
     QCOMPARE(globals.Log.CellAt(0, clsLog::ColText), u"Process Remote command file: bad.xml"_s);
     QCOMPARE(globals.Log.CellAt(0, clsLog::ColReportID), u"MAIL"_s);
 

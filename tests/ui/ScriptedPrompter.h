@@ -6,6 +6,7 @@
 
 #include <QList>
 #include <QStringList>
+#include <functional>
 #include <utility>
 
 class ScriptedPrompter : public Prompter
@@ -25,11 +26,15 @@ public:
     QStringList fatalErrors;
     // Questions that found no answer left; they took No or Cancel.
     int unanswered = 0;
+    // Called at each box and question, for tests that look at the windows at that moment.
+    std::function<void()> onRecord;
 
 private:
     void record(const QString &title, const QString &text)
     {
         messages.append(title + QStringLiteral(": ") + text);
+        if (onRecord)
+            onRecord();
     }
     bool answer(const QString &title, const QString &text)
     {

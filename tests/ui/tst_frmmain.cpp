@@ -6,6 +6,7 @@
 #include "core/DayDate.h"
 #include "core/scheduler/Dispatcher.h"
 #include "core/scheduler/QorloGlobals.h"
+#include "core/scheduler/SingleInstance.h"
 #include "core/scheduler/StartUp.h"
 #include "ui/frmMain.h"
 #include "ui/frmSMTP.h"
@@ -93,6 +94,7 @@ private Q_SLOTS:
     void startStopRunNowAndTick();
     void windowStateGoesToFormXml();
     void closeDoorAndComingToTheFront();
+    void startUpShowsTheWindowBeforeTheMailBox();
 };
 
 void TestFrmMain::gridShowsTheSchedule()
@@ -372,6 +374,26 @@ void TestFrmMain::closeDoorAndComingToTheFront()
     QVERIFY(f.prompter.take().isEmpty());
     QVERIFY(!f.window.isVisible());
     QCOMPARE(f.prompter.unanswered, 0);
+}
+
+// The load step's boxes come before the window shows, the mail details box after it, with the mail
+// settings window opened behind it.
+void TestFrmMain::startUpShowsTheWindowBeforeTheMailBox()
+{
+    MainFixture f;
+    QStringList boxes;
+    f.prompter.onRecord = [&] {
+        boxes.append(f.prompter.messages.last() +
+                     (f.window.isVisible() ? QStringLiteral(" (shown)") : QString()));
+    };
+    SingleInstance instance;
+    QVERIFY(StartUp(f.globals, instance, f.dispatcher, f.path(QStringLiteral("qorlomanager"))));
+    QCOMPARE(boxes.mid(boxes.size() - 2),
+             (QStringList{
+                 QStringLiteral("QorloMANAGER: No Data in Schedule"),
+                 QStringLiteral("SMTP Server settings: Please enter your mail connection details (shown)")}));
+    const frmSMTP *settings = f.window.findChild<frmSMTP *>();
+    QVERIFY(settings && settings->isVisible());
 }
 
 QORLO_TEST_MAIN_WIDGETS(TestFrmMain)

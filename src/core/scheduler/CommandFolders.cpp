@@ -78,7 +78,8 @@ void ProcessMailFolder(QorloGlobals &globals, const QString &path, const QString
     SmtpLog::StartSmtpLog(QStringLiteral("QorloMAIL processing inside QorloMANAGER"));
     for (const QString &name : files) {
         const QString file = path + QLatin1Char('/') + name;
-        ProcessMailDocument(globals.AppPath, file);
+        if (!ProcessMailDocument(globals.AppPath, file))
+            globals.View().SetStatusText(QStringLiteral("Invalid XML Doc"));
         QFile::remove(file);
         LogCommandFile(globals, logTag, name);
     }

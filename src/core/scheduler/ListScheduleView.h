@@ -24,9 +24,11 @@ public:
     void SetSelectedRow(int row) override { m_selectedRow = row; }
     void SetSelectedColumn(int column) override { m_selectedColumn = column; }
     void SetCaption(const QString &caption) override { m_caption = caption; }
+    void SetStatusText(const QString &text) override { m_statusText = text; }
     void SetStartStopMenu(bool startEnabled, bool stopEnabled) override;
 
     QString Caption() const { return m_caption; }
+    QString StatusText() const { return m_statusText; }
     bool StartEnabled() const { return m_startEnabled; }
     bool StopEnabled() const { return m_stopEnabled; }
     int Colour(int row) const;
@@ -36,6 +38,7 @@ private:
     QStringList m_ids;
     QList<int> m_colours;
     QString m_caption;
+    QString m_statusText;
     bool m_startEnabled = true;
     bool m_stopEnabled = false;
     int m_selectedRow = 0;

@@ -32,14 +32,14 @@ void AddAttachments(clsSendMail &mail, const QString &attach)
 
 } // namespace
 
-void ProcessMailDocument(const QString &appPath, const QString &filePath)
+bool ProcessMailDocument(const QString &appPath, const QString &filePath)
 {
     clsSMTP document;
     document.Load(filePath);
     if (document.DocType != QLatin1String("QorloMAILDoc")) {
         AddSmtpLog(QStringLiteral("Invalid XML document - cannot find QorloMAILDoc"));
         FlushSmtpLog(appPath);
-        return;
+        return false;
     }
     AddSmtpLog(QStringLiteral("Valid XML document"));
     FlushSmtpLog(appPath);
@@ -65,4 +65,5 @@ void ProcessMailDocument(const QString &appPath, const QString &filePath)
     poSendMail.Send();
     AddSmtpLog(document.Subject + QStringLiteral(" message sent to ") + document.To);
     FlushSmtpLog(appPath);
+    return true;
 }

@@ -4,5 +4,5 @@
 #include <QString>
 
 // Loads the QorloMAILDoc at `filePath` and sends it through the default port of the mail client,
-// without authentication. The caller deletes the file.
-void ProcessMailDocument(const QString &appPath, const QString &filePath);
+// without authentication. The caller deletes the file. False when the file is no mail document.
+bool ProcessMailDocument(const QString &appPath, const QString &filePath);

@@ -28,6 +28,10 @@ public:
     virtual void SetCaption(const QString &caption) = 0;
     // The enabled state of the menu entries that start and stop the schedule.
     virtual void SetStartStopMenu(bool startEnabled, bool stopEnabled) = 0;
+    // The short status line of the main window.
+    virtual void SetStatusText(const QString &text) = 0;
+    // Lays the window out from the viewer settings and shows it; a front without windows has none.
+    virtual void ShowWindow() {}
     // Opens the mail settings window without waiting for it; a front without windows has none.
     virtual void OpenMailSettings() {}
 };

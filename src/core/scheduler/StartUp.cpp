@@ -96,6 +96,7 @@ void LoadMainWindow(QorloGlobals &globals)
         schedule.Active = false;
     globals.DisplayCaption();
     globals.ViewTable();
+    globals.View().ShowWindow();
 }
 
 bool ExitFromMenu(QorloGlobals &globals, bool otherWindowsOpen)
