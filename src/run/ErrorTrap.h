@@ -1,0 +1,28 @@
+#pragma once
+// The error state of a report run and the trap over it. While the trap is armed, a failing operation
+// handed to Guard records its number and description and the run goes on with its next step; while it
+// is off, the failure unwinds as a QorloError. Arming and disarming both clear the state.
+
+#include <QString>
+#include <functional>
+
+class ErrorTrap
+{
+public:
+    void Arm();
+    void Disarm();
+    bool Armed() const { return m_armed; }
+    void Clear();
+    // True when a failure has been recorded since the last clear.
+    bool IsSet() const { return m_code != 0; }
+    qint32 Code() const { return m_code; }
+    QString Description() const { return m_description; }
+
+    // Runs the operation. Engine errors are translated to the scheduler's error with their number.
+    void Guard(const std::function<void()> &operation);
+
+private:
+    bool m_armed = false;
+    qint32 m_code = 0;
+    QString m_description;
+};
