@@ -116,6 +116,7 @@ void TestDispatcher::simulatedWeek()
     QList<LogLine> expected{
         {u"6"_s, next(At(0, 8, 30)), next(At(0, 9, 0)), u"Overdue: Successful Execute of Application "_s}};
     const QString missingText = QStringLiteral("Missing: Cannot find file ") + missing;
+    const QString report = app.filePath(u"sales.rpt"_s);
     for (int day = 0; day < 7; ++day) {
         if (day > 0)
             expected.append({u"3"_s, QString(), next(At(day, 12, 0)), missingText});
@@ -134,7 +135,8 @@ void TestDispatcher::simulatedWeek()
             {u"6"_s, next(At(day, 9, 2)), tomorrow, u"Overdue: Successful Execute of Application "_s});
         if (day == 2)
             expected.append({u"4"_s, next(At(2, 10, 0)), u"02-Dec-2026 10:00"_s,
-                             u"Report items are not supported in this build"_s});
+                             u"Sales: ERROR: Cannot open report file "_s + report +
+                                 u": line 1: expected <report>, found <Report> for report "_s + report});
         expected.append({u"3"_s, QString(), next(At(day + 1, 0, 0)), missingText});
         if (day == 1)
             expected.append(

@@ -6,14 +6,18 @@
 #include "core/Clock.h"
 #include "core/CommonFile.h"
 #include "core/DayDate.h"
+#include "run/LogResult.h"
+#include "run/RunReport.h"
+#include "run/RunState.h"
 #include "run/SMTPMail.h"
 
 #include <QFileInfo>
 
 namespace {
 
-// Reports, multi-runs and collections are not run by this build yet.
-const QString kNotSupported = QStringLiteral("Report items are not supported in this build");
+// Multi-runs and collections are not run by this build yet.
+const QString kNotSupported =
+    QStringLiteral("Multi-run and collection items are not supported in this build");
 
 void EndRun(clsSchedule &schedule)
 {
@@ -33,7 +37,8 @@ void ReportMissingFile(QorloGlobals &globals)
 {
     clsSchedule &schedule = globals.Schedule;
     const QString text = QStringLiteral("Cannot find file ") + schedule.File();
-    LogResult(globals, 0, text, 0);
+    RunContext run = globals.Context();
+    LogResult(run, 0, text, 0);
     if (!schedule.ErrorTo().isEmpty()) {
         const SMTPMail::MailRun run{schedule, globals.Log};
         SMTPMail::SendErrorMail(run, schedule.ErrorTo(), text, schedule.ReportID(), schedule.Name());
@@ -61,29 +66,20 @@ void RunScheduleItem(QorloGlobals &globals, const QString &reportID)
 
     const double start = Now();
     const QString extension = CommonFile::FileExtension(file).toLower();
-    if (extension == QLatin1String("rpt"))
-        return LogNotSupported(globals);
+    RunContext run = globals.Context();
+    if (extension == QLatin1String("rpt")) {
+        RunReport(run);
+        EndRun(schedule);
+        globals.SaveSchedule();
+        return;
+    }
     if (extension == QLatin1String("xml")) {
         RunGlobalProcess(globals, file);
-        LogResult(globals, start, QStringLiteral("Successful QorloGLOBAL "), 0);
+        LogResult(run, start, QStringLiteral("Successful QorloGLOBAL "), 0);
     } else {
         StartProgram(file);
-        LogResult(globals, start, QStringLiteral("Successful Execute of Application "), 0);
+        LogResult(run, start, QStringLiteral("Successful Execute of Application "), 0);
         schedule.SetLastRun(FormatDateTime(Now()));
     }
     EndRun(schedule);
-}
-
-void LogResult(QorloGlobals &globals, double start, const QString &text, qint32 pages)
-{
-    clsSchedule &schedule = globals.Schedule;
-    const double now = Now();
-    WriteLogEntry(globals.Log, schedule.ProcessingID, start, now, schedule.NextRun(),
-                  schedule.ProcessingName + QStringLiteral(": ") + text, pages);
-    schedule.LastReportID = schedule.ProcessingID;
-    schedule.LastReport = schedule.ProcessingName;
-    schedule.LastReportMsg = text;
-    schedule.LastReportDate = now;
-    EndRun(schedule);
-    globals.SaveWeb();
 }

@@ -15,6 +15,20 @@ QorloGlobals::QorloGlobals(const QString &appPath, Prompter &prompter)
     InstallLogWebPage(Log);
 }
 
+RunContext QorloGlobals::Context()
+{
+    return RunContext{Schedule,
+                      Log,
+                      Connections,
+                      TableMap,
+                      Run,
+                      AppPath,
+                      [this] { SaveWeb(); },
+                      [this](const QString &title, const QString &text) {
+                          prompter.ShowMessage(title, text, Prompter::Icon::Warning);
+                      }};
+}
+
 QString QorloGlobals::PathOf(const QString &name) const
 {
     return AppPath + QLatin1Char('/') + name;

@@ -7,6 +7,7 @@
 #include "connect/clsConnect.h"
 #include "connect/clsMap.h"
 #include "log/clsLog.h"
+#include "run/RunState.h"
 #include "store/clsSchedule.h"
 #include "store/clsViewer.h"
 
@@ -29,6 +30,8 @@ public:
     clsMap TableMap;
     clsViewer Viewer;
     Prompter &prompter;
+    // The process-wide state of report runs.
+    RunState Run;
 
     // The earliest NextRun as of the last grid refresh; the cache that keeps idle ticks cheap.
     double NextRunDate = 0;
@@ -42,6 +45,9 @@ public:
     // The grid of the front; a ListScheduleView until the front sets its own.
     ScheduleView &View() { return *m_view; }
     void SetView(ScheduleView &view) { m_view = &view; }
+
+    // The objects and hooks a report run works with.
+    RunContext Context();
 
     // AppPath + "/" + name.
     QString PathOf(const QString &name) const;

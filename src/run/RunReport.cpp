@@ -1,0 +1,157 @@
+#include "RunReport.h"
+
+#include "LogResult.h"
+#include "OutputFormat.h"
+#include "ReportBinding.h"
+#include "ReportDelivery.h"
+#include "RunState.h"
+#include "SMTPMail.h"
+
+#include "core/Clock.h"
+#include "core/DayDate.h"
+#include "core/QorloError.h"
+#include "store/clsSchedule.h"
+
+#include <QFile>
+
+using namespace ReportDelivery;
+
+namespace {
+
+SMTPMail::MailRun MailRunOf(RunContext &run)
+{
+    return {run.schedule, run.log, run.state.report.get()};
+}
+
+// The item's own error text, or the default one with the reason.
+QString ErrorMessage(RunContext &run, const QString &reason)
+{
+    const QString own = run.schedule.ErrorMsg().trimmed();
+    return own.isEmpty() ? DefaultErrorMessage(run, reason) : own;
+}
+
+void SendErrorMail(RunContext &run, const QString &reason)
+{
+    clsSchedule &schedule = run.schedule;
+    SMTPMail::SendErrorMail(MailRunOf(run), schedule.ErrorTo(), ErrorMessage(run, reason),
+                            schedule.ReportID(), schedule.Name());
+}
+
+// Steps 1 to 3: a fresh engine and the report open; false when it would not open.
+bool OpenReport(RunContext &run, double start)
+{
+    RunState &state = run.state;
+    const QString file = run.schedule.File();
+    state.trap.Arm();
+    // The report goes before the application that opened it.
+    state.report.reset();
+    state.application = std::make_unique<Engine::Application>();
+    state.trap.Guard([&] { state.report = state.application->OpenReport(file); });
+    if (!state.trap.IsSet())
+        return true;
+    LogResult(run, start,
+              QStringLiteral("ERROR: ") + state.trap.Description() + QStringLiteral(" for report ") + file,
+              0);
+    state.trap.Clear();
+    return false;
+}
+
+// Steps 4 to 9: connections, saved data, parameters and the export format; false when a parameter failed.
+bool PrepareReport(RunContext &run, double start)
+{
+    RunState &state = run.state;
+    clsSchedule &schedule = run.schedule;
+    Engine::Report &report = *state.report;
+    state.trap.Disarm();
+    ReportBinding::LogOnReport(run, report, schedule.ReportID());
+    if (!state.ConnectError.isEmpty()) {
+        // The run carries on: a dead connection normally ends it at the read.
+        LogResult(run, start, state.ConnectError, 0);
+        SendErrorMail(run, state.ConnectError);
+    }
+    if (report.HasSavedData() && schedule.RetainData() != QLatin1String("Yes"))
+        report.DiscardSavedData();
+    ReportBinding::SetParameters(run, QString());
+    if (!schedule.ParmError.isEmpty()) {
+        LogResult(run, start, schedule.ParmError, 0);
+        SendErrorMail(run, schedule.ParmError);
+        return false;
+    }
+    SetOutputFormat(run, report, schedule.OutputFormat());
+    return true;
+}
+
+// Steps 10 to 12: the records; false when the run ends here, on a failed read or without data.
+bool ReadRecords(RunContext &run, double start)
+{
+    RunState &state = run.state;
+    clsSchedule &schedule = run.schedule;
+    state.trap.Arm();
+    schedule.SetPageCount(0);
+    state.trap.Clear();
+    state.trap.Guard([&] { state.report->ReadRecords(); });
+    if (state.trap.IsSet()) {
+        const QString text = QLatin1Char('(') + QString::number(state.trap.Code()) + QStringLiteral(") ") +
+                             state.trap.Description();
+        state.trap.Clear();
+        LogResult(run, start, QStringLiteral("ERROR: ") + text + QStringLiteral(" for disk file "), 0);
+        // A notice, not an error mail: its subject reads "Completed Processing".
+        if (!schedule.ErrorTo().isEmpty())
+            state.trap.Guard([&] {
+                SMTPMail::SendNotifyMail(MailRunOf(run), schedule.ErrorTo(), ErrorMessage(run, text),
+                                         schedule.ReportID(), schedule.Name());
+            });
+        return false;
+    }
+    if (state.report->PrintingStatus().NumberOfRecordSelected() == 0 &&
+        schedule.NoRecords() != QLatin1String("Send Empty Report")) {
+        state.trap.Guard([&] { SMTPMail::SendNoDataMail(MailRunOf(run)); });
+        return false;
+    }
+    return true;
+}
+
+void Deliver(RunContext &run, Delivery &delivery)
+{
+    const QString dest = run.schedule.Dest();
+    if (dest.isEmpty() || dest == QLatin1String("D"))
+        ToDisk(run, delivery);
+    else if (dest == QLatin1String("E"))
+        ByMail(run, delivery);
+    else if (dest == QLatin1String("P"))
+        ToPrinters(run, delivery);
+}
+
+// Step 14, with the trap off: a failing copy of the temporary file unwinds out of the run.
+void EndRun(RunContext &run, const Delivery &delivery)
+{
+    RunState &state = run.state;
+    clsSchedule &schedule = run.schedule;
+    state.trap.Disarm();
+    ReportBinding::LogOffServers(run);
+    state.report.reset();
+    state.application.reset();
+    schedule.SetLastRun(FormatDateTime(Now()));
+    schedule.Save(run.appPath + QStringLiteral("/Qorlo.XML"));
+    if (delivery.tempFile.isEmpty())
+        return;
+    const QString target = schedule.Field(clsSchedule::colLocation);
+    QFile::remove(target);
+    if (!QFile::copy(delivery.tempFile, target))
+        throw QorloError(QorloError::PathFileAccess);
+}
+
+} // namespace
+
+void RunReport(RunContext &run)
+{
+    Delivery delivery;
+    delivery.start = Now();
+    run.schedule.ParmError.clear();
+    // Each early return leaves the engine objects to the next run, without a log-off or a save.
+    if (!OpenReport(run, delivery.start) || !PrepareReport(run, delivery.start) ||
+        !ReadRecords(run, delivery.start))
+        return;
+    Deliver(run, delivery);
+    EndRun(run, delivery);
+}
