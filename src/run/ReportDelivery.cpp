@@ -22,11 +22,6 @@ namespace {
 
 const QString kCrLf = QStringLiteral("\r\n");
 
-SMTPMail::MailRun MailRunOf(RunContext &run)
-{
-    return {run.schedule, run.log, run.state.report.get()};
-}
-
 qint32 PageCountOf(RunContext &run)
 {
     return run.state.report->PrintingStatus().NumberOfPages();
@@ -40,12 +35,6 @@ QString NotifyMessage(RunContext &run, const QString &opening)
         return own;
     return opening + kCrLf + QStringLiteral("ScheduleID=") + run.schedule.ReportID() + QStringLiteral(": ") +
            run.schedule.Name();
-}
-
-QString ErrorMessage(RunContext &run, const QString &reason)
-{
-    const QString own = run.schedule.ErrorMsg().trimmed();
-    return own.isEmpty() ? DefaultErrorMessage(run, reason) : own;
 }
 
 void SendNotifyMail(RunContext &run, const QString &to, const QString &message)
@@ -74,8 +63,16 @@ void EmptyStagingFolder(const QString &folder)
 
 } // namespace
 
-QString DefaultErrorMessage(RunContext &run, const QString &reason)
+SMTPMail::MailRun MailRunOf(RunContext &run)
 {
+    return {run.schedule, run.log, run.state.report.get()};
+}
+
+QString ErrorMessage(RunContext &run, const QString &reason)
+{
+    const QString own = run.schedule.ErrorMsg().trimmed();
+    if (!own.isEmpty())
+        return own;
     return QStringLiteral("Error occured ") + kCrLf + QStringLiteral("while processing ScheduleID=") +
            run.schedule.ReportID() + QStringLiteral(": ") + run.schedule.Name() + kCrLf + reason;
 }

@@ -1,6 +1,8 @@
 #pragma once
 // The three deliveries of a report run that has read its records: to disk, by mail, to printers.
 
+#include "run/SMTPMail.h"
+
 #include <QString>
 
 struct RunContext;
@@ -19,7 +21,9 @@ void ToDisk(RunContext &run, Delivery &delivery);
 void ByMail(RunContext &run, const Delivery &delivery);
 void ToPrinters(RunContext &run, const Delivery &delivery);
 
-// The error mail text of an item without its own: "Error occured", the item and the reason.
-QString DefaultErrorMessage(RunContext &run, const QString &reason);
+// The item's own error mail text or, when it has none, "Error occured", the item and the reason.
+QString ErrorMessage(RunContext &run, const QString &reason);
+// What the mail senders read of the run: the schedule, the log and the open report.
+SMTPMail::MailRun MailRunOf(RunContext &run);
 
 } // namespace ReportDelivery

@@ -18,18 +18,6 @@ using namespace ReportDelivery;
 
 namespace {
 
-SMTPMail::MailRun MailRunOf(RunContext &run)
-{
-    return {run.schedule, run.log, run.state.report.get()};
-}
-
-// The item's own error text, or the default one with the reason.
-QString ErrorMessage(RunContext &run, const QString &reason)
-{
-    const QString own = run.schedule.ErrorMsg().trimmed();
-    return own.isEmpty() ? DefaultErrorMessage(run, reason) : own;
-}
-
 void SendErrorMail(RunContext &run, const QString &reason)
 {
     clsSchedule &schedule = run.schedule;

@@ -5,7 +5,10 @@
 
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
+#include <QRegularExpression>
 #include <QTemporaryDir>
+#include <QTest>
 
 namespace TestSupport {
 
@@ -35,4 +38,26 @@ inline QString StartCupsPeer(PeerProcess &peer, const QTemporaryDir &folder)
     return peerDir + QStringLiteral("/out/PeerPDFFile.pdf");
 }
 
+// The page count and the rotation of the first page of a PDF, as pdfinfo tells them.
+inline QPair<int, int> PrintedPagesAndRotation(const QString &file)
+{
+    QProcess info;
+    info.start(FindProgram(QStringLiteral("pdfinfo")), {file});
+    info.waitForFinished(30000);
+    const QString text = QString::fromUtf8(info.readAllStandardOutput());
+    return {QRegularExpression(QStringLiteral("Pages:\\s+(\\d+)")).match(text).captured(1).toInt(),
+            QRegularExpression(QStringLiteral("Page rot:\\s+(\\d+)")).match(text).captured(1).toInt()};
+}
+
 } // namespace TestSupport
+
+// Starts the peer in `folder` and sets `printed` to the file its printer writes; skips the test, or
+// fails it under CI, when the peer's programs are missing.
+#define QORLO_START_CUPS_PEER(peer, folder, printed)                                                         \
+    do {                                                                                                     \
+        QORLO_REQUIRE_PEER(TestSupport::CupsPeerInstalled(),                                                 \
+                           QStringLiteral("cups, cups-filters and poppler-utils"));                          \
+        QVERIFY((folder).isValid());                                                                         \
+        (printed) = TestSupport::StartCupsPeer((peer), (folder));                                            \
+        QVERIFY2(!(printed).isEmpty(), qPrintable((peer).error()));                                          \
+    } while (false)

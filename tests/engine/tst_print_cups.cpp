@@ -9,7 +9,6 @@
 
 #include <QDeadlineTimer>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QThread>
 
@@ -28,7 +27,6 @@ private Q_SLOTS:
 private:
     QTemporaryDir m_dir;
     TestSupport::PeerProcess m_cups;
-    QString m_pdfinfo;
     QString m_printed; // the file the printer writes each job to
 };
 
@@ -36,24 +34,11 @@ namespace {
 
 const QString Printer = QStringLiteral("PeerPDFFile");
 
-// The page count and the rotation of the first page of a PDF, as pdfinfo tells them.
-QPair<int, int> PagesAndRotation(const QString &pdfinfo, const QString &file)
-{
-    const QString info = QString::fromUtf8(PageSample::ReadWith(pdfinfo, {file}));
-    return {QRegularExpression(QStringLiteral("Pages:\\s+(\\d+)")).match(info).captured(1).toInt(),
-            QRegularExpression(QStringLiteral("Page rot:\\s+(\\d+)")).match(info).captured(1).toInt()};
-}
-
 } // namespace
 
 void TestPrintCups::initTestCase()
 {
-    m_pdfinfo = TestSupport::FindProgram(QStringLiteral("pdfinfo"));
-    QORLO_REQUIRE_PEER(TestSupport::CupsPeerInstalled(),
-                       QStringLiteral("cups, cups-filters and poppler-utils"));
-    QVERIFY(m_dir.isValid());
-    m_printed = TestSupport::StartCupsPeer(m_cups, m_dir);
-    QVERIFY2(!m_printed.isEmpty(), qPrintable(m_cups.error()));
+    QORLO_START_CUPS_PEER(m_cups, m_dir, m_printed);
 }
 
 void TestPrintCups::printerList()
@@ -86,8 +71,8 @@ void TestPrintCups::twoCopiesLandscape()
     QCOMPARE(printer.waitForJob(job, 60000), int(ProgressCompleted));
 
     // Two copies of two pages, turned on the printer's paper.
-    QCOMPARE(PagesAndRotation(m_pdfinfo, pdf), qMakePair(2, 0));
-    const auto [pages, rotation] = PagesAndRotation(m_pdfinfo, m_printed);
+    QCOMPARE(TestSupport::PrintedPagesAndRotation(pdf), qMakePair(2, 0));
+    const auto [pages, rotation] = TestSupport::PrintedPagesAndRotation(m_printed);
     QCOMPARE(pages, 4);
     QVERIFY2(rotation == 90 || rotation == 270, qPrintable(QString::number(rotation)));
 
@@ -95,7 +80,7 @@ void TestPrintCups::twoCopiesLandscape()
     const int portrait = printer.submit(pdf, 1, PortraitOrientation, QStringLiteral("Sales"));
     QVERIFY2(portrait > job, qPrintable(printer.errorString()));
     QCOMPARE(printer.waitForJob(portrait, 60000), int(ProgressCompleted));
-    QCOMPARE(PagesAndRotation(m_pdfinfo, m_printed), qMakePair(2, 0));
+    QCOMPARE(TestSupport::PrintedPagesAndRotation(m_printed), qMakePair(2, 0));
 }
 
 void TestPrintCups::printPageSink()
@@ -108,7 +93,7 @@ void TestPrintCups::printPageSink()
     QVERIFY2(!sink.failed(), qPrintable(sink.errorString()));
     QVERIFY(sink.jobId() > 0);
     QCOMPARE(sink.progress(), int(ProgressCompleted));
-    QCOMPARE(PagesAndRotation(m_pdfinfo, m_printed), qMakePair(3, 0));
+    QCOMPARE(TestSupport::PrintedPagesAndRotation(m_printed), qMakePair(3, 0));
 
     printer.select(QString(), QStringLiteral("NoSuchPrinter"), QString());
     PrintPageSink lost(printer, 1, DefaultPaperOrientation, 5000);

@@ -6,8 +6,6 @@
 #include "run/engine/Report.h"
 
 #include <QFileInfo>
-#include <QProcess>
-#include <QRegularExpression>
 #include <QTemporaryDir>
 
 using namespace Engine;
@@ -21,32 +19,17 @@ private Q_SLOTS:
     void unknownPrinterFails();
 
 private:
-    int printedPages()
-    {
-        QProcess info;
-        info.start(m_pdfinfo, {m_printed});
-        info.waitForFinished(30000);
-        return QRegularExpression(QStringLiteral("Pages:\\s+(\\d+)"))
-            .match(QString::fromUtf8(info.readAllStandardOutput()))
-            .captured(1)
-            .toInt();
-    }
+    int printedPages() const { return TestSupport::PrintedPagesAndRotation(m_printed).first; }
 
     QTemporaryDir m_dir;
     TestSupport::PeerProcess m_cups;
-    QString m_pdfinfo;
     QString m_printed;
     Application m_application;
 };
 
 void TestReportPrintOut::initTestCase()
 {
-    m_pdfinfo = TestSupport::FindProgram(QStringLiteral("pdfinfo"));
-    QORLO_REQUIRE_PEER(TestSupport::CupsPeerInstalled(),
-                       QStringLiteral("cups, cups-filters and poppler-utils"));
-    QVERIFY(m_dir.isValid());
-    m_printed = TestSupport::StartCupsPeer(m_cups, m_dir);
-    QVERIFY2(!m_printed.isEmpty(), qPrintable(m_cups.error()));
+    QORLO_START_CUPS_PEER(m_cups, m_dir, m_printed);
 }
 
 void TestReportPrintOut::printsEveryPageAndCopy()

@@ -1,16 +1,12 @@
 #include "../engine/EngineFixtures.h"
+#include "RunObjects.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 
-#include "connect/clsConnect.h"
-#include "connect/clsMap.h"
 #include "core/QorloError.h"
-#include "log/clsLog.h"
 #include "run/OutputFormat.h"
-#include "run/RunState.h"
 #include "run/engine/Application.h"
 #include "run/engine/Report.h"
-#include "store/clsSchedule.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>
@@ -32,17 +28,11 @@ private Q_SLOTS:
     void exportsWithChosenSettings();
 
 private:
-    QString appFile(const QString &name) const { return m_app->filePath(name); }
+    QString appFile(const QString &name) const { return m_objects->path(name); }
 
     QTemporaryDir m_data; // the report and its database
     QString m_reportFile;
-    std::unique_ptr<QTemporaryDir> m_app;
-    std::unique_ptr<clsSchedule> m_schedule;
-    std::unique_ptr<clsLog> m_log;
-    std::unique_ptr<clsConnect> m_connections;
-    std::unique_ptr<clsMap> m_tableMap;
-    RunState m_state;
-    std::unique_ptr<RunContext> m_run;
+    std::unique_ptr<RunObjects> m_objects;
     Application m_engine;
     std::unique_ptr<Report> m_report;
 };
@@ -64,19 +54,9 @@ void TestOutputFormat::initTestCase()
 void TestOutputFormat::init()
 {
     m_report.reset();
-    m_run.reset();
-    m_app = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_app->isValid());
-    const QString path = m_app->path();
-    m_schedule = std::make_unique<clsSchedule>(path);
-    m_log = std::make_unique<clsLog>(path);
-    m_connections = std::make_unique<clsConnect>(path);
-    m_tableMap = std::make_unique<clsMap>(path);
-    m_state = RunState();
-    m_run = std::make_unique<RunContext>(
-        RunContext{*m_schedule, *m_log, *m_connections, *m_tableMap, m_state, path, [] {}, {}});
-    m_schedule->AddNew();
-    m_schedule->SetFile(m_reportFile);
+    m_objects = std::make_unique<RunObjects>();
+    m_objects->schedule.AddNew();
+    m_objects->schedule.SetFile(m_reportFile);
     m_report = m_engine.OpenReport(m_reportFile);
 }
 
@@ -113,10 +93,10 @@ void TestOutputFormat::formatTable()
     QFETCH(int, formatType);
     QFETCH(QString, extension);
     m_report->ExportOptions().FormatType = PdfFormat;
-    m_state.OutputExtension = QStringLiteral("left from before");
-    SetOutputFormat(*m_run, *m_report, name);
+    m_objects->state.OutputExtension = QStringLiteral("left from before");
+    SetOutputFormat(m_objects->run, *m_report, name);
     QCOMPARE(m_report->ExportOptions().FormatType, formatType);
-    QCOMPARE(m_state.OutputExtension, extension);
+    QCOMPARE(m_objects->state.OutputExtension, extension);
 }
 
 // Excel-Format and Crystal-Format are compared exactly; only the two Extended types set the tabular options.
@@ -127,12 +107,12 @@ void TestOutputFormat::excelAndCrystalSettings()
         {QStringLiteral("Excel 7.0"), 27, false},          {QStringLiteral("Excel 7.0 Extended"), 28, true},
         {QStringLiteral("excel 7.0 extended"), 29, false}, {QString(), 29, false}};
     for (const auto &[setting, formatType, tabular] : excel) {
-        m_schedule->Excel_Format = setting;
+        m_objects->schedule.Excel_Format = setting;
         ExportOptions &options = m_report->ExportOptions();
         options = ExportOptions();
         options.ExcelUseWorksheetFunctions = true;
         options.ExcelUseConstantColumnWidth = true;
-        SetOutputFormat(*m_run, *m_report, QStringLiteral("Excel Worksheet"));
+        SetOutputFormat(m_objects->run, *m_report, QStringLiteral("Excel Worksheet"));
         QCOMPARE(options.FormatType, formatType);
         QCOMPARE(options.ExcelTabHasColumnHeadings, tabular);
         QCOMPARE(options.ExcelUseWorksheetFunctions, !tabular);
@@ -141,29 +121,29 @@ void TestOutputFormat::excelAndCrystalSettings()
     }
 
     // Excel Data is data only whatever the setting says.
-    m_schedule->Excel_Format = QStringLiteral("Excel 7.0 Extended");
+    m_objects->schedule.Excel_Format = QStringLiteral("Excel 7.0 Extended");
     m_report->ExportOptions() = ExportOptions();
-    SetOutputFormat(*m_run, *m_report, QStringLiteral("excel data"));
+    SetOutputFormat(m_objects->run, *m_report, QStringLiteral("excel data"));
     QCOMPARE(m_report->ExportOptions().FormatType, int(ExcelDataOnlyFormat));
     QVERIFY(!m_report->ExportOptions().ExcelTabHasColumnHeadings);
 
-    m_schedule->Crystal_Format = QStringLiteral("Crystal Reports 7.0");
+    m_objects->schedule.Crystal_Format = QStringLiteral("Crystal Reports 7.0");
     for (const QString &name : {QStringLiteral("Crystal Report"), QString()}) {
-        SetOutputFormat(*m_run, *m_report, name);
+        SetOutputFormat(m_objects->run, *m_report, name);
         QCOMPARE(m_report->ExportOptions().FormatType, int(Crystal7Format));
     }
     // An unknown name is always type 1, and the setting is compared exactly.
-    SetOutputFormat(*m_run, *m_report, QStringLiteral("Lotus 1-2-3"));
+    SetOutputFormat(m_objects->run, *m_report, QStringLiteral("Lotus 1-2-3"));
     QCOMPARE(m_report->ExportOptions().FormatType, int(CrystalReportFormat));
-    m_schedule->Crystal_Format = QStringLiteral("crystal reports 7.0");
-    SetOutputFormat(*m_run, *m_report, QStringLiteral("Crystal Report"));
+    m_objects->schedule.Crystal_Format = QStringLiteral("crystal reports 7.0");
+    SetOutputFormat(m_objects->run, *m_report, QStringLiteral("Crystal Report"));
     QCOMPARE(m_report->ExportOptions().FormatType, int(CrystalReportFormat));
 }
 
 void TestOutputFormat::separatedAndTextOptions()
 {
     ExportOptions &options = m_report->ExportOptions();
-    SetOutputFormat(*m_run, *m_report, QStringLiteral("CSV File"));
+    SetOutputFormat(m_objects->run, *m_report, QStringLiteral("CSV File"));
     QCOMPARE(options.CharFieldDelimiter, QStringLiteral("|"));
     QCOMPARE(options.CharStringDelimiter, QStringLiteral("'"));
     QVERIFY(options.UseReportDateFormat);
@@ -173,32 +153,32 @@ void TestOutputFormat::separatedAndTextOptions()
         options = ExportOptions();
         options.UseDefaultCPI = false;
         options.NumberOfLinesPerPage = 33;
-        m_schedule->Text_FormatCPI.clear();
-        m_schedule->Text_FormatPage.clear();
-        SetOutputFormat(*m_run, *m_report, name);
+        m_objects->schedule.Text_FormatCPI.clear();
+        m_objects->schedule.Text_FormatPage.clear();
+        SetOutputFormat(m_objects->run, *m_report, name);
         QVERIFY(options.UseDefaultCPI);
         QCOMPARE(options.NumberOfLinesPerPage, qint16(33)); // an empty setting leaves the lines alone
 
-        m_schedule->Text_FormatCPI = QStringLiteral("15");
-        m_schedule->Text_FormatPage = QStringLiteral("60");
-        SetOutputFormat(*m_run, *m_report, name);
+        m_objects->schedule.Text_FormatCPI = QStringLiteral("15");
+        m_objects->schedule.Text_FormatPage = QStringLiteral("60");
+        SetOutputFormat(m_objects->run, *m_report, name);
         QVERIFY(!options.UseDefaultCPI);
         QCOMPARE(options.CharactersPerInch, 15);
         QCOMPARE(options.NumberOfLinesPerPage, qint16(60));
     }
 
     // Settings that are no numbers unwind: the step runs with the trap off.
-    m_schedule->Text_FormatCPI = QStringLiteral("ten");
+    m_objects->schedule.Text_FormatCPI = QStringLiteral("ten");
     try {
-        SetOutputFormat(*m_run, *m_report, QStringLiteral("Text File"));
+        SetOutputFormat(m_objects->run, *m_report, QStringLiteral("Text File"));
         QFAIL("a CPI setting that is no number must fail");
     } catch (const QorloError &error) {
         QCOMPARE(error.number(), int(QorloError::TypeMismatch));
     }
-    m_schedule->Text_FormatCPI.clear();
-    m_schedule->Text_FormatPage = QStringLiteral("40000");
+    m_objects->schedule.Text_FormatCPI.clear();
+    m_objects->schedule.Text_FormatPage = QStringLiteral("40000");
     try {
-        SetOutputFormat(*m_run, *m_report, QStringLiteral("Paginated Text"));
+        SetOutputFormat(m_objects->run, *m_report, QStringLiteral("Paginated Text"));
         QFAIL("a line count beyond 16 bits must fail");
     } catch (const QorloError &error) {
         QCOMPARE(error.number(), int(QorloError::Overflow));
@@ -212,8 +192,8 @@ void TestOutputFormat::htmlFileNames()
     const ExportOptions &options = m_report->ExportOptions();
 
     // An empty Location is the shared default page, not the item's own default path.
-    SetOutputFormat(*m_run, *m_report, QStringLiteral("HTML Document"));
-    QCOMPARE(options.HTMLFileName, m_app->path() + QStringLiteral("/Output/default.html"));
+    SetOutputFormat(m_objects->run, *m_report, QStringLiteral("HTML Document"));
+    QCOMPARE(options.HTMLFileName, m_objects->appPath + QStringLiteral("/Output/default.html"));
     QVERIFY(QFileInfo(appFile(QStringLiteral("Output"))).isDir());
     QVERIFY(options.HTMLEnableSeparatedPages);
     QVERIFY(options.HTMLHasPageNavigator);
@@ -224,8 +204,8 @@ void TestOutputFormat::htmlFileNames()
         {QStringLiteral("web/%z/%M-page"), QStringLiteral("web/2031/07-page.html")},
         {QStringLiteral("web/page.html"), QStringLiteral("web/page.html")}};
     for (const auto &[location, expected] : names) {
-        m_schedule->SetLocation(appFile(location));
-        SetOutputFormat(*m_run, *m_report, QStringLiteral("DHTML Document"));
+        m_objects->schedule.SetLocation(appFile(location));
+        SetOutputFormat(m_objects->run, *m_report, QStringLiteral("DHTML Document"));
         QCOMPARE(options.FormatType, int(DhtmlFormat));
         QCOMPARE(options.HTMLFileName, appFile(expected));
         QVERIFY2(QFileInfo(appFile(expected)).dir().exists(), qPrintable(expected));
@@ -235,8 +215,8 @@ void TestOutputFormat::htmlFileNames()
                                                {QStringLiteral("one page"), true},
                                                {QStringLiteral("Separate Pages"), true}};
     for (const auto &[setting, separated] : pages) {
-        m_schedule->SetHTMLPages(setting);
-        SetOutputFormat(*m_run, *m_report, QStringLiteral("html document"));
+        m_objects->schedule.SetHTMLPages(setting);
+        SetOutputFormat(m_objects->run, *m_report, QStringLiteral("html document"));
         QCOMPARE(options.HTMLEnableSeparatedPages, separated);
         QCOMPARE(options.HTMLHasPageNavigator, separated);
     }
@@ -245,16 +225,17 @@ void TestOutputFormat::htmlFileNames()
     QFile blocker(appFile(QStringLiteral("blocker")));
     QVERIFY(blocker.open(QIODevice::WriteOnly));
     blocker.close();
-    m_schedule->SetLocation(appFile(QStringLiteral("blocker/sub/page.html")));
-    QVERIFY_THROWS_EXCEPTION(QorloError, SetOutputFormat(*m_run, *m_report, QStringLiteral("HTML Document")));
+    m_objects->schedule.SetLocation(appFile(QStringLiteral("blocker/sub/page.html")));
+    QVERIFY_THROWS_EXCEPTION(QorloError,
+                             SetOutputFormat(m_objects->run, *m_report, QStringLiteral("HTML Document")));
 }
 
 // The CSV settings give "|" between fields and "'" around strings in the file the engine writes.
 void TestOutputFormat::exportsWithChosenSettings()
 {
-    SetOutputFormat(*m_run, *m_report, QStringLiteral("CSV File"));
+    SetOutputFormat(m_objects->run, *m_report, QStringLiteral("CSV File"));
     ExportOptions &options = m_report->ExportOptions();
-    options.DiskFileName = appFile(QStringLiteral("sales.") + m_state.OutputExtension);
+    options.DiskFileName = appFile(QStringLiteral("sales.") + m_objects->state.OutputExtension);
     m_report->Export(false);
 
     QFile file(appFile(QStringLiteral("sales.csv")));

@@ -1,16 +1,12 @@
 #include "../engine/EngineFixtures.h"
 
+#include "RunObjects.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 
-#include "connect/clsConnect.h"
-#include "connect/clsMap.h"
 #include "core/QorloError.h"
-#include "log/clsLog.h"
 #include "run/ConnectionLookup.h"
 #include "run/ReportBinding.h"
-#include "run/RunState.h"
-#include "store/clsSchedule.h"
 
 #include <QTemporaryDir>
 
@@ -19,26 +15,10 @@ using namespace ReportBinding;
 
 namespace {
 
-// One application folder with the program's objects, a database and a run that records its warnings.
-struct Fixture
+// The program's objects and a database in their application folder.
+struct Fixture : RunObjects
 {
-    QTemporaryDir dir;
-    QString app = dir.path();
-    QString db = dir.filePath(u"sales.db"_s);
-    clsSchedule schedule{app};
-    clsLog log{app};
-    clsConnect connections{app};
-    clsMap map{app};
-    RunState state;
-    QStringList warnings;
-    RunContext run{schedule,
-                   log,
-                   connections,
-                   map,
-                   state,
-                   app,
-                   [] {},
-                   [this](const QString &title, const QString &text) { warnings << title + u": "_s + text; }};
+    QString db = path(u"sales.db"_s);
 
     Fixture()
     {
@@ -56,7 +36,7 @@ struct Fixture
     {
         QString text = body;
         const QString path =
-            EngineFixtures::WriteReport(QDir(app), u"r.rpt"_s, text.replace(QLatin1String("DB"), db));
+            EngineFixtures::WriteReport(QDir(appPath), u"r.rpt"_s, text.replace(QLatin1String("DB"), db));
         state.report.reset();
         state.application = std::make_unique<Engine::Application>();
         state.report = state.application->OpenReport(path);
@@ -205,8 +185,8 @@ void TestReportBinding::logOnFromConnectionList()
     }
     QVERIFY(f.state.LogOffList[3].server.isEmpty());
 
-    clsConnect saved(f.app);
-    saved.Load(f.app + u"/Connect.XML"_s);
+    clsConnect saved(f.appPath);
+    saved.Load(f.appPath + u"/Connect.XML"_s);
     QVERIFY(saved.Find(u"sqlite"_s, u"srvB"_s, f.db));
     QCOMPARE(saved.User(), u"guest"_s);
     QCOMPARE(saved.Password(), QString());
@@ -223,15 +203,15 @@ void TestReportBinding::logOnFromConnectionList()
 void TestReportBinding::tableMapAndFailingTable()
 {
     Fixture f;
-    QFile::copy(f.db, f.dir.filePath(u"current.db"_s));
+    QFile::copy(f.db, f.path(u"current.db"_s));
     for (const auto &[id, from, to] :
          {std::tuple{"", "legacy", "current"}, std::tuple{"99", "current", "wrong"}}) {
-        f.map.AddNew();
-        f.map.SetReportID(QLatin1String(id));
-        f.map.SetOriginalTable(QLatin1String(from));
-        f.map.SetNewTable(QLatin1String(to));
+        f.tableMap.AddNew();
+        f.tableMap.SetReportID(QLatin1String(id));
+        f.tableMap.SetOriginalTable(QLatin1String(from));
+        f.tableMap.SetNewTable(QLatin1String(to));
     }
-    const QString legacy = f.dir.filePath(u"legacy.db"_s);
+    const QString legacy = f.path(u"legacy.db"_s);
     Engine::Report &report =
         f.open(u"<table name=\"Mapped\" location=\"legacy_sales\" dll=\"sqlite\">"_s +
                Property(u"Server"_s, u"legacyhost"_s) + Property(u"Database"_s, legacy) + u"</table>"_s +
@@ -242,7 +222,7 @@ void TestReportBinding::tableMapAndFailingTable()
     Engine::DatabaseTable &mapped = report.Database().Tables().Item(1);
     QCOMPARE(mapped.Location(), u"current_sales"_s);
     QCOMPARE(mapped.ConnectionProperties().textOf(u"Server"_s), u"currenthost"_s);
-    QCOMPARE(mapped.ConnectionProperties().textOf(u"Database"_s), f.dir.filePath(u"current.db"_s));
+    QCOMPARE(mapped.ConnectionProperties().textOf(u"Database"_s), f.path(u"current.db"_s));
     QCOMPARE(f.state.ConnectError, u"Cannot connect to Broken"_s);
     // Nothing after the failing table is touched, and only a sub-report's failure shows a box.
     QCOMPARE(PropertiesOf(report, 3).textOf(u"User ID"_s), u"x"_s);
@@ -301,8 +281,8 @@ void TestReportBinding::titleAndListing()
 {
     Fixture f;
     QCOMPARE(ReportTitle(QString()), QString());
-    QCOMPARE(ReportTitle(f.dir.filePath(u"none.rpt"_s)), QString());
-    QFile broken(f.dir.filePath(u"broken.rpt"_s));
+    QCOMPARE(ReportTitle(f.path(u"none.rpt"_s)), QString());
+    QFile broken(f.path(u"broken.rpt"_s));
     QVERIFY(broken.open(QIODevice::WriteOnly));
     broken.write("<report version=\"1\"><colum/></report>");
     broken.close();
@@ -310,7 +290,7 @@ void TestReportBinding::titleAndListing()
 
     Engine::Report &report = f.open(u"<title>Listed</title>"_s +
                                     Table(u"Sales"_s, kServerA + Property(u"Old Password"_s, u"pw"_s)));
-    QCOMPARE(ReportTitle(f.dir.filePath(u"r.rpt"_s)), u"Listed"_s);
+    QCOMPARE(ReportTitle(f.path(u"r.rpt"_s)), u"Listed"_s);
     const QString expected =
         u"List of DB tables and connection properties\r\nNew Database Table=Sales\r\n"
         u"New Property Name=Server\r\nLocal Name=Server\r\nDescription=Host name of the database server\r\n"
@@ -326,7 +306,7 @@ void TestReportBinding::titleAndListing()
     // The listing is written before the log-on changes anything.
     f.state.ConnectDiagnostic = u"DBPrint"_s;
     LogOnReport(f.run, report, u"7"_s);
-    QFile listing(f.dir.filePath(u"Connect.txt"_s));
+    QFile listing(f.path(u"Connect.txt"_s));
     QVERIFY(listing.open(QIODevice::ReadOnly));
     QCOMPARE(QString::fromLatin1(listing.readAll()), expected);
 }
