@@ -1,11 +1,13 @@
 #include "ProgramStarts.h"
 
-#include "QorloGlobals.h"
+#include "RunState.h"
 
 #include "core/Clock.h"
 #include "core/DayDate.h"
 #include "core/QorloError.h"
 #include "core/TWReg.h"
+#include "log/clsLog.h"
+#include "store/clsSchedule.h"
 
 #include <QFileInfo>
 #include <QProcess>
@@ -16,24 +18,24 @@ void StartProgram(const QString &program, const QStringList &arguments)
         throw QorloError(QorloError::InvalidCall);
 }
 
-void RunGlobalProcess(QorloGlobals &globals, const QString &file)
+void RunGlobalProcess(RunContext &run, const QString &file)
 {
-    clsSchedule &schedule = globals.Schedule;
+    clsSchedule &schedule = run.schedule;
     const QString app = TWReg::ReadApplicationValue(QStringLiteral("QorloGLOBAL"));
     const double now = Now();
     if (app.isEmpty()) {
         WriteLogEntry(
-            globals.Log, schedule.ProcessingID, now, now, QString(),
+            run.log, schedule.ProcessingID, now, now, QString(),
             QStringLiteral("Error: Cannot run procedure until QorloGLOBAL application setting is entered"),
             0);
         return;
     }
     if (!QFileInfo::exists(app)) {
-        WriteLogEntry(globals.Log, schedule.ProcessingID, now, now, QString(),
+        WriteLogEntry(run.log, schedule.ProcessingID, now, now, QString(),
                       QStringLiteral("Error: Cannot find QorloGLOBAL application=") + app, 0);
         return;
     }
-    WriteLogEntry(globals.Log, schedule.ProcessingID, now, now, schedule.NextRun(),
+    WriteLogEntry(run.log, schedule.ProcessingID, now, now, schedule.NextRun(),
                   QStringLiteral("QorloGLOBAL: ") + file, 0);
     // The program's path is quoted when it holds a blank, the document's is not: a document path with
     // blanks reaches the program as several arguments.
@@ -43,5 +45,5 @@ void RunGlobalProcess(QorloGlobals &globals, const QString &file)
     const QString executable = words.takeFirst();
     StartProgram(executable, words);
     schedule.SetLastRun(FormatDateTime(Now()));
-    globals.SaveSchedule();
+    schedule.Save(run.appPath + QStringLiteral("/Qorlo.XML"));
 }

@@ -4,10 +4,10 @@
 #include <QString>
 #include <QStringList>
 
-class QorloGlobals;
+struct RunContext;
 
 // Starts the program; a program that cannot be started raises QorloError 5.
 void StartProgram(const QString &program, const QStringList &arguments = {});
 // Hands the command document `file` to the program named by the QorloGLOBAL setting, with the log
 // entries of that hand-over; sets LastRun and saves the schedule when the program was started.
-void RunGlobalProcess(QorloGlobals &globals, const QString &file);
+void RunGlobalProcess(RunContext &run, const QString &file);
