@@ -2,8 +2,11 @@
 // The program's objects that a report run works with, over an application folder of their own, and
 // the run's context on them, which records its warning boxes.
 
+#include "../engine/EngineFixtures.h"
+
 #include "connect/clsConnect.h"
 #include "connect/clsMap.h"
+#include "core/AppFolder.h"
 #include "log/clsLog.h"
 #include "run/RunState.h"
 #include "store/clsSchedule.h"
@@ -28,6 +31,21 @@ struct RunObjects
             entries.append(saved.CellAt(row, clsLog::ColReportID) + QLatin1Char('|') +
                            saved.CellAt(row, clsLog::ColText));
         return entries;
+    }
+    // Working folders, a mail server on the port, and item 7 "Sales" on the report file sales.rpt with
+    // the fixture sales table in sales.db.
+    void AddSalesItem(quint16 smtpPort)
+    {
+        AppFolder::MakeWorkingFolders(appPath);
+        schedule.SMTP_Server = QStringLiteral("127.0.0.1");
+        schedule.SMTP_From = QStringLiteral("scheduler@example.com");
+        schedule.SMTP_Port = smtpPort;
+        schedule.SMTPDelay = 0;
+        schedule.AddNew();
+        schedule.SetReportID(QStringLiteral("7"));
+        schedule.SetName(QStringLiteral("Sales"));
+        schedule.SetFile(path(QStringLiteral("sales.rpt")));
+        EngineFixtures::MakeSalesDatabase(path(QStringLiteral("sales.db")));
     }
     // The state the dispatcher leaves for the item at the cursor when it hands it over.
     void startItem()

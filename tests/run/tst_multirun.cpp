@@ -9,7 +9,6 @@
 
 #include "RunObjects.h"
 
-#include "core/AppFolder.h"
 #include "core/QorloError.h"
 #include "run/MultiRun.h"
 #include "run/engine/Application.h"
@@ -41,22 +40,13 @@ struct MultiApp : RunObjects
 {
     explicit MultiApp(quint16 smtpPort = 25)
     {
-        AppFolder::MakeWorkingFolders(appPath);
-        schedule.SMTP_Server = u"127.0.0.1"_s;
-        schedule.SMTP_From = u"scheduler@example.com"_s;
-        schedule.SMTP_Port = smtpPort;
-        schedule.SMTPDelay = 0;
-        schedule.AddNew();
-        schedule.SetReportID(u"7"_s);
-        schedule.SetName(u"Sales"_s);
-        schedule.SetFile(path(u"sales.rpt"_s));
+        AddSalesItem(smtpPort);
         schedule.SetDest(u"M"_s);
         schedule.ParmAddNew();
         schedule.SetParmReportID(u"7"_s);
         schedule.SetParmName(u"Least"_s);
         schedule.SetParmValue(u"1000"_s);
         const QString db = path(u"sales.db"_s);
-        EngineFixtures::MakeSalesDatabase(db);
         {
             QSqlDatabase sql = QSqlDatabase::addDatabase(u"QSQLITE"_s, db);
             sql.setDatabaseName(db);

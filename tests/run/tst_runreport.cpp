@@ -8,7 +8,6 @@
 
 #include "RunObjects.h"
 
-#include "core/AppFolder.h"
 #include "run/RunReport.h"
 
 using namespace SmtpMailTest;
@@ -32,19 +31,10 @@ struct RunApp : RunObjects
 {
     explicit RunApp(quint16 smtpPort = 25)
     {
-        AppFolder::MakeWorkingFolders(appPath);
-        schedule.SMTP_Server = u"127.0.0.1"_s;
-        schedule.SMTP_From = u"scheduler@example.com"_s;
-        schedule.SMTP_Port = smtpPort;
-        schedule.SMTPDelay = 0;
-        schedule.AddNew();
-        schedule.SetReportID(u"7"_s);
-        schedule.SetName(u"Sales"_s);
-        schedule.SetFile(path(u"sales.rpt"_s));
+        AddSalesItem(smtpPort);
         schedule.SetOutputFormat(u"CSV File"_s);
         schedule.SetDest(u"D"_s);
         schedule.SetLocation(path(u"Output/%z/sales.csv"_s));
-        EngineFixtures::MakeSalesDatabase(path(u"sales.db"_s));
         writeReport(u"SELECT region, customer, amount FROM {Sales} ORDER BY id"_s);
     }
     void writeReport(const QString &query, const QString &extra = QString())
