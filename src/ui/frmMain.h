@@ -73,6 +73,10 @@ private:
     bool OtherWindowsOpen() const;
     void CloseOtherWindows();
     void Exit();
+    // mnuDuplicate: the selected item to a new one with its parameters.
+    void DuplicateItem();
+    // mnuDeleteReport and the Delete key: the selected items, after the operator confirms.
+    void DeleteItems();
     void ToggleAutoRun();
     void ToggleEncryptDB();
 

@@ -95,6 +95,7 @@ private Q_SLOTS:
     void windowStateGoesToFormXml();
     void closeDoorAndComingToTheFront();
     void startUpShowsTheWindowBeforeTheMailBox();
+    void duplicateAndDelete();
 };
 
 void TestFrmMain::gridShowsTheSchedule()
@@ -394,6 +395,58 @@ void TestFrmMain::startUpShowsTheWindowBeforeTheMailBox()
                  QStringLiteral("SMTP Server settings: Please enter your mail connection details (shown)")}));
     const frmSMTP *settings = f.window.findChild<frmSMTP *>();
     QVERIFY(settings && settings->isVisible());
+}
+
+// Both commands need a row and a selection; a copy takes the item's parameters along, a delete asks
+// first, and several selected rows go with one question.
+void TestFrmMain::duplicateAndDelete()
+{
+    MainFixture f;
+    clsSchedule &s = f.schedule;
+    f.trigger("mnuDuplicate");
+    f.trigger("mnuDeleteReport");
+    QCOMPARE(f.prompter.take(),
+             (QStringList{QStringLiteral("Duplicate Schedule Item: No item in Schedule to Duplicate"),
+                          QStringLiteral("Delete Schedule Item: No Item in Schedule to Delete")}));
+    for (const QString &name : {QStringLiteral("Sales"), QStringLiteral("Stock"), QStringLiteral("Staff")})
+        AddItem(s, name, f.path(name + QStringLiteral(".rpt")), QStringLiteral("03-Mar-2026 06:00"));
+    s.ParmAddNew();
+    s.SetParmReportID(QStringLiteral("1"));
+    s.SetParmName(QStringLiteral("Region"));
+    s.SetParmValue(QStringLiteral("North"));
+    f.globals.ViewTable();
+    f.trigger("mnuDuplicate");
+    QCOMPARE(f.prompter.take(),
+             QStringList{QStringLiteral("Duplicate Schedule Item: Please select an item from the list")});
+
+    f.grid()->setCurrentCell(0, 1);
+    f.trigger("mnuDuplicate");
+    QCOMPARE(f.ids(), (QStringList{QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"),
+                                   QStringLiteral("4")}));
+    s.Find(QStringLiteral("4"));
+    QCOMPARE(s.Name(), QStringLiteral("Sales"));
+    QCOMPARE(s.ParmReportCount(QStringLiteral("4")), 1);
+    QVERIFY(QFile::exists(f.path(QStringLiteral("Qorlo.XML"))));
+
+    f.grid()->setCurrentCell(1, 1);
+    f.prompter.setNextAnswers({false, true});
+    f.trigger("mnuDeleteReport");
+    f.trigger("mnuDeleteReport");
+    QCOMPARE(f.prompter.take(),
+             (QStringList{QStringLiteral("Remove Item 2 from Schedule: Confirm Delete of Stock"),
+                          QStringLiteral("Remove Item 2 from Schedule: Confirm Delete of Stock")}));
+    QCOMPARE(f.ids(), (QStringList{QStringLiteral("1"), QStringLiteral("3"), QStringLiteral("4")}));
+
+    f.grid()->clearSelection();
+    f.grid()->selectRow(0);
+    f.grid()->selectionModel()->select(f.grid()->model()->index(2, 0),
+                                       QItemSelectionModel::Select | QItemSelectionModel::Rows);
+    f.prompter.setNextAnswers({true});
+    f.trigger("mnuDeleteReport");
+    QCOMPARE(f.prompter.take(), QStringList{QStringLiteral(
+                                    "Delete Schedule Items: Confirm Delete of 2 items from the schedule")});
+    QCOMPARE(f.ids(), QStringList{QStringLiteral("3")});
+    QCOMPARE(s.ParmReportCount(QStringLiteral("4")), 0);
 }
 
 QORLO_TEST_MAIN_WIDGETS(TestFrmMain)
