@@ -3,6 +3,7 @@
 #include "core/QorloError.h"
 
 #include <QApplication>
+#include <QFileDialog>
 #include <QMessageBox>
 #include <QTextStream>
 
@@ -58,4 +59,14 @@ void GuiPrompter::SetBusy(bool busy)
         QApplication::setOverrideCursor(Qt::WaitCursor);
     else
         QApplication::restoreOverrideCursor();
+}
+
+QString GuiPrompter::AskOpenFileName(const QString &title, const QString &folder, const QString &filter)
+{
+    return QFileDialog::getOpenFileName(QApplication::activeWindow(), title, folder, filter);
+}
+
+QString GuiPrompter::AskFolder(const QString &title, const QString &folder)
+{
+    return QFileDialog::getExistingDirectory(QApplication::activeWindow(), title, folder);
 }

@@ -12,4 +12,6 @@ public:
     // Writes the failure to standard error, shows it and ends the process with status 1.
     void FatalError(const QorloError &error) override;
     void SetBusy(bool busy) override;
+    QString AskOpenFileName(const QString &title, const QString &folder, const QString &filter) override;
+    QString AskFolder(const QString &title, const QString &folder) override;
 };

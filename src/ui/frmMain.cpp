@@ -103,6 +103,10 @@ void frmMain::BuildMenus()
     AddAction(schedule, "mnuRunNow", QStringLiteral("&Run Report Now"),
               [this] { m_dispatcher.RunNow(SelectedRow()); });
     schedule->addSeparator();
+    AddAction(schedule, "mnuNewReport", QStringLiteral("&Insert Item into Schedule"),
+              [this] { InsertItem(); });
+    AddAction(schedule, "mnuNewFolder", QStringLiteral("Insert Report &Folder into Schedule"),
+              [this] { InsertFolder(); });
     AddAction(schedule, "mnuDuplicate", QStringLiteral("D&uplicate"), [this] { DuplicateItem(); });
     QAction *remove =
         AddAction(schedule, "mnuDeleteReport", QStringLiteral("&Delete"), [this] { DeleteItems(); });
@@ -323,55 +327,6 @@ void frmMain::OpenMailSettings()
         m_smtp = new frmSMTP(m_globals, this);
     m_smtp->LoadSettings();
     m_smtp->open();
-}
-
-void frmMain::DuplicateItem()
-{
-    const QString title = QStringLiteral("Duplicate Schedule Item");
-    if (Rows() < 2)
-        return m_globals.prompter.ShowMessage(title, QStringLiteral("No item in Schedule to Duplicate"));
-    if (SelectedRow() < 1)
-        return m_globals.prompter.ShowMessage(title, QStringLiteral("Please select an item from the list"));
-    clsSchedule &schedule = m_globals.Schedule;
-    const QString original = RowReportID(SelectedRow());
-    schedule.Find(original);
-    schedule.Duplicate();
-    schedule.ParmDuplicate(original, schedule.ReportID());
-    m_globals.SaveSchedule();
-    m_globals.ViewTable();
-}
-
-void frmMain::DeleteItems()
-{
-    const QString title = QStringLiteral("Delete Schedule Item");
-    if (Rows() < 2)
-        return m_globals.prompter.ShowMessage(title, QStringLiteral("No Item in Schedule to Delete"));
-    QStringList ids;
-    for (const QModelIndex &index : m_grid->selectionModel()->selectedRows())
-        ids.append(RowReportID(index.row() + 1));
-    if (ids.isEmpty() && SelectedRow() >= 1)
-        ids.append(RowReportID(SelectedRow()));
-    if (ids.isEmpty())
-        return m_globals.prompter.ShowMessage(title, QStringLiteral("Please select an item in the list"));
-    clsSchedule &schedule = m_globals.Schedule;
-    bool confirmed = false;
-    if (ids.size() == 1) {
-        schedule.Find(ids.first());
-        confirmed = m_globals.prompter.AskYesNo(QStringLiteral("Remove Item ") + ids.first() +
-                                                    QStringLiteral(" from Schedule"),
-                                                QStringLiteral("Confirm Delete of ") + schedule.Name());
-    } else {
-        confirmed =
-            m_globals.prompter.AskYesNo(QStringLiteral("Delete Schedule Items"),
-                                        QStringLiteral("Confirm Delete of ") + QString::number(ids.size()) +
-                                            QStringLiteral(" items from the schedule"));
-    }
-    if (!confirmed)
-        return;
-    for (const QString &id : ids)
-        schedule.Delete(id);
-    m_globals.SaveSchedule();
-    m_globals.ViewTable();
 }
 
 void frmMain::ToggleAutoRun()

@@ -73,6 +73,10 @@ private:
     bool OtherWindowsOpen() const;
     void CloseOtherWindows();
     void Exit();
+    // mnuNewReport and mnuNewFolder: a file, or every report of a folder, as new unscheduled items.
+    void InsertItem();
+    void InsertFolder();
+    void ShowInsertedItems();
     // mnuDuplicate: the selected item to a new one with its parameters.
     void DuplicateItem();
     // mnuDeleteReport and the Delete key: the selected items, after the operator confirms.

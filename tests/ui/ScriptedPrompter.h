@@ -21,6 +21,16 @@ public:
     bool AskYesNo(const QString &title, const QString &text) override { return answer(title, text); }
     bool AskOkCancel(const QString &title, const QString &text) override { return answer(title, text); }
     void FatalError(const QorloError &error) override { fatalErrors.append(error.runTimeText()); }
+    // The dialogs record "TITLE: FOLDER" and give the names set in advance, then empty.
+    void setNextFileNames(const QStringList &names) { m_fileNames = names; }
+    QString AskOpenFileName(const QString &title, const QString &folder, const QString &) override
+    {
+        return fileName(title, folder);
+    }
+    QString AskFolder(const QString &title, const QString &folder) override
+    {
+        return fileName(title, folder);
+    }
 
     QStringList messages;
     QStringList fatalErrors;
@@ -46,5 +56,12 @@ private:
         return m_answers.takeFirst();
     }
 
+    QString fileName(const QString &title, const QString &folder)
+    {
+        record(title, folder);
+        return m_fileNames.isEmpty() ? QString() : m_fileNames.takeFirst();
+    }
+
     QList<bool> m_answers;
+    QStringList m_fileNames;
 };

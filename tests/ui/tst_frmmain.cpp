@@ -96,6 +96,7 @@ private Q_SLOTS:
     void closeDoorAndComingToTheFront();
     void startUpShowsTheWindowBeforeTheMailBox();
     void duplicateAndDelete();
+    void insertFileAndFolder();
 };
 
 void TestFrmMain::gridShowsTheSchedule()
@@ -447,6 +448,42 @@ void TestFrmMain::duplicateAndDelete()
                                     "Delete Schedule Items: Confirm Delete of 2 items from the schedule")});
     QCOMPARE(f.ids(), QStringList{QStringLiteral("3")});
     QCOMPARE(s.ParmReportCount(QStringLiteral("4")), 0);
+}
+
+// A chosen file becomes an unscheduled weekly item, named after the file, and its folder is the next
+// dialog's start; a folder adds its reports; a cancelled dialog adds nothing.
+void TestFrmMain::insertFileAndFolder()
+{
+    MainFixture f;
+    QDir(f.dir.path()).mkpath(QStringLiteral("reports"));
+    for (const char *name : {"reports/a.rpt", "reports/b.RPT", "reports/notes.txt"}) {
+        QFile file(f.path(QLatin1String(name)));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+    f.prompter.setNextFileNames({f.path(QStringLiteral("reports/a.rpt")), f.path(QStringLiteral("tool.sh"))});
+    f.trigger("mnuNewReport");
+    f.trigger("mnuNewReport");
+    f.trigger("mnuNewReport");
+    QCOMPARE(f.prompter.take(),
+             (QStringList{QStringLiteral("Insert Item into Schedule: "),
+                          QStringLiteral("Insert Item into Schedule: ") + f.path(QStringLiteral("reports")),
+                          QStringLiteral("Insert Item into Schedule: ") + f.dir.path()}));
+    clsSchedule &s = f.schedule;
+    QCOMPARE(s.Count(), 2);
+    s.Find(QStringLiteral("1"));
+    QCOMPARE(
+        (QStringList{s.Name(), s.Schedule(), s.FreqTimes(), s.Frequency()}),
+        (QStringList{QStringLiteral("a"), QStringLiteral("N"), QStringLiteral("1"), QStringLiteral("W")}));
+    s.Find(QStringLiteral("2"));
+    QCOMPARE(s.Name(), QStringLiteral("tool (Application)"));
+    QCOMPARE(f.window.SelectedRow(), 2);
+    QVERIFY(QFile::exists(f.path(QStringLiteral("Qorlo.XML"))));
+
+    f.prompter.setNextFileNames({f.path(QStringLiteral("reports"))});
+    f.trigger("mnuNewFolder");
+    QCOMPARE(f.prompter.take(), QStringList{QStringLiteral("Insert Report Folder into Schedule: ")});
+    QCOMPARE(s.Count(), 4);
+    QCOMPARE(f.window.RowReportID(f.window.SelectedRow()), QStringLiteral("4"));
 }
 
 QORLO_TEST_MAIN_WIDGETS(TestFrmMain)

@@ -21,4 +21,11 @@ public:
     virtual void FatalError(const QorloError &error) = 0;
     // The wait cursor around a run started by hand.
     virtual void SetBusy(bool busy) {}
+    // A file or a folder the operator picks, starting in `folder`; empty when cancelled, and always
+    // on a front without dialogs. `filter` is in the form "Name (*.ext);;Other (*)".
+    virtual QString AskOpenFileName(const QString &title, const QString &folder, const QString &filter)
+    {
+        return QString();
+    }
+    virtual QString AskFolder(const QString &title, const QString &folder) { return QString(); }
 };
