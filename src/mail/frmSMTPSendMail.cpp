@@ -50,13 +50,7 @@ void frmSMTPSendMail::SendMail()
     mail.SetSMTPHost(MailServer);
     mail.SetFrom(MailFrom);
     mail.SetRecipient(MailTo);
-    mail.SetSMTPPort(m_schedule.SMTP_Port);
-    mail.SetEncryption(m_schedule.SMTP_Encryption);
-    if (m_schedule.SMTPAuthentication == QLatin1String("Yes")) {
-        mail.SetUseAuthentication(true);
-        mail.SetUsername(m_schedule.SMTPUser);
-        mail.SetPassword(m_schedule.SMTPPassword);
-    }
+    UseScheduleServer(mail, m_schedule);
     if (!MailCc.isEmpty())
         mail.SetCcRecipient(MailCc);
     if (!MailBcc.isEmpty())
@@ -68,6 +62,17 @@ void frmSMTPSendMail::SendMail()
         mail.SetAsHTML(true);
     mail.Send();
     m_sendMail.reset();
+}
+
+void frmSMTPSendMail::UseScheduleServer(clsSendMail &mail, const clsSchedule &schedule)
+{
+    mail.SetSMTPPort(schedule.SMTP_Port);
+    mail.SetEncryption(schedule.SMTP_Encryption);
+    if (schedule.SMTPAuthentication == QLatin1String("Yes")) {
+        mail.SetUseAuthentication(true);
+        mail.SetUsername(schedule.SMTPUser);
+        mail.SetPassword(schedule.SMTPPassword);
+    }
 }
 
 void frmSMTPSendMail::AppendFile(const QString &path)

@@ -35,6 +35,9 @@ public:
     // The client of the message between StartMail and SendMail, else null.
     clsSendMail *poSendMail() const { return m_sendMail.get(); }
 
+    // What every mail of the schedule takes from its settings: port, encryption and authentication.
+    static void UseScheduleServer(clsSendMail &mail, const clsSchedule &schedule);
+
     // The order is fixed: StartMail, fields, Append..., SendMail, CloseForm. The Append calls need
     // the client that StartMail makes.
     void StartMail();

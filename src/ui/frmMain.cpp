@@ -1,7 +1,9 @@
 #include "frmMain.h"
 
 #include "GridSort.h"
+#include "frmDomain.h"
 #include "frmSMTP.h"
+#include "frmSendMail.h"
 
 #include "core/Numbers.h"
 #include "core/QorloError.h"
@@ -126,9 +128,13 @@ void frmMain::BuildMenus()
 
     QMenu *settings = menuBar()->addMenu(QStringLiteral("Se&ttings"));
     AddAction(settings, "mnuSMTPSettings", QStringLiteral("&SMTP Server"), [this] { OpenMailSettings(); });
+    AddAction(settings, "mnuDomains", QStringLiteral("Domain Shortcuts"), [this] { OpenDomainShortcuts(); });
     m_encryptDB = AddAction(settings, "mnuEncryptDB", QStringLiteral("Encrypt DB Password"),
                             [this] { ToggleEncryptDB(); });
     m_encryptDB->setCheckable(true);
+
+    QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
+    AddAction(help, "mnuOnLineHelp", QStringLiteral("Send Help Message"), [this] { OpenHelpMessage(); });
 }
 
 void frmMain::Guarded(const std::function<void()> &command)
@@ -327,6 +333,26 @@ void frmMain::OpenMailSettings()
         m_smtp = new frmSMTP(m_globals, this);
     m_smtp->LoadSettings();
     m_smtp->open();
+}
+
+void frmMain::OpenDomainShortcuts()
+{
+    if (!m_domains)
+        m_domains = new frmDomain(m_globals, this);
+    m_domains->LoadSettings();
+    m_domains->open();
+}
+
+// A message to the maker's support mailbox; not while a run is on, as the mail client is in use.
+void frmMain::OpenHelpMessage()
+{
+    if (!m_globals.Schedule.ProcessingID.isEmpty())
+        return m_globals.prompter.ShowMessage(QStringLiteral("QorloMANAGER"),
+                                              QStringLiteral("Please wait until report finished processing"));
+    if (!m_helpMessage)
+        m_helpMessage = new frmSendMail(m_globals, this);
+    m_helpMessage->ClearMessage();
+    m_helpMessage->open();
 }
 
 void frmMain::ToggleAutoRun()

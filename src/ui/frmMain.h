@@ -13,7 +13,9 @@ class QAction;
 class QMenu;
 class QTableWidget;
 class QWindow;
+class frmDomain;
 class frmSMTP;
+class frmSendMail;
 
 class frmMain : public QMainWindow, public ScheduleView
 {
@@ -81,6 +83,8 @@ private:
     void DuplicateItem();
     // mnuDeleteReport and the Delete key: the selected items, after the operator confirms.
     void DeleteItems();
+    void OpenDomainShortcuts();
+    void OpenHelpMessage();
     void ToggleAutoRun();
     void ToggleEncryptDB();
 
@@ -92,6 +96,8 @@ private:
     QAction *m_autoRun = nullptr;
     QAction *m_encryptDB = nullptr;
     frmSMTP *m_smtp = nullptr;
+    frmDomain *m_domains = nullptr;
+    frmSendMail *m_helpMessage = nullptr;
     QPointer<QWindow> m_lastFocusWindow;
     qint16 m_sortColumn = 0;
     // Resizes before the load step has ended do not write Form.XML.

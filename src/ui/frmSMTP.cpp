@@ -1,5 +1,7 @@
 #include "frmSMTP.h"
 
+#include "MailClientEvents.h"
+
 #include "core/Numbers.h"
 #include "core/QorloError.h"
 #include "core/scheduler/Prompter.h"
@@ -19,7 +21,6 @@
 namespace {
 
 const QString kSettingsTitle = QStringLiteral("SMTP Settings");
-const QString kMessageTitle = QStringLiteral("SMTP Message");
 
 } // namespace
 
@@ -30,8 +31,6 @@ frmSMTP::frmSMTP(QorloGlobals &globals, QWidget *parent) : QDialog(parent), m_gl
     BuildFields();
     LoadSettings();
 }
-
-frmSMTP::~frmSMTP() = default;
 
 QLineEdit *frmSMTP::AddLine(const char *name)
 {
@@ -158,7 +157,6 @@ void frmSMTP::cmdTest_Click()
     try {
         SendTestMessage();
     } catch (const QorloError &error) {
-        m_sendMail.reset();
         m_globals.prompter.FatalError(error);
     }
 }
@@ -167,14 +165,8 @@ void frmSMTP::cmdTest_Click()
 void frmSMTP::SendTestMessage()
 {
     SmtpLog::StartSmtpLog(QStringLiteral("Sending Test Message"));
-    m_sendMail = std::make_unique<clsSendMail>();
-    clsSendMail &mail = *m_sendMail;
-    connect(&mail, &clsSendMail::Status, this, &frmSMTP::poSendMail_Status);
-    connect(&mail, &clsSendMail::SendFailed, this, &frmSMTP::poSendMail_SendFailed);
-    connect(&mail, &clsSendMail::SendSuccesful, this, &frmSMTP::poSendMail_SendSuccesful);
-    mail.SetSMTPHostValidation(0);
-    mail.SetEmailAddressValidation(1);
-    mail.SetDelimiter(QStringLiteral(";"));
+    MailClientEvents events(m_globals.prompter, m_globals.AppPath);
+    clsSendMail &mail = events.poSendMail();
     mail.SetSMTPHost(m_server->text());
     mail.SetFrom(m_from->text());
     mail.SetRecipient(m_testTo->text());
@@ -188,24 +180,4 @@ void frmSMTP::SendTestMessage()
         mail.SetPassword(m_password->text());
     }
     mail.Send();
-    m_sendMail.reset();
-}
-
-void frmSMTP::poSendMail_Status(const QString &text)
-{
-    SmtpLog::AddSmtpLog(text);
-}
-
-void frmSMTP::poSendMail_SendFailed(const QString &text)
-{
-    m_globals.prompter.ShowMessage(kMessageTitle, QStringLiteral("Send Failed\r\n") + text);
-    SmtpLog::AddSmtpLog(QStringLiteral("Send Failed - ") + text);
-    SmtpLog::FlushSmtpLog(m_globals.AppPath);
-}
-
-void frmSMTP::poSendMail_SendSuccesful()
-{
-    m_globals.prompter.ShowMessage(kMessageTitle, QStringLiteral("Message Sent"));
-    SmtpLog::AddSmtpLog(QStringLiteral("Message sent to ") + m_sendMail->Recipient());
-    SmtpLog::FlushSmtpLog(m_globals.AppPath);
 }

@@ -2,10 +2,8 @@
 // The mail settings window: edits the schedule's mail settings and sends a test message.
 
 #include <QDialog>
-#include <memory>
 
 class QorloGlobals;
-class clsSendMail;
 class QCheckBox;
 class QGroupBox;
 class QLineEdit;
@@ -16,7 +14,6 @@ class frmSMTP : public QDialog
     Q_OBJECT
 public:
     explicit frmSMTP(QorloGlobals &globals, QWidget *parent = nullptr);
-    ~frmSMTP() override;
 
     // All fields from the schedule, as each opening of the window shows them.
     void LoadSettings();
@@ -32,9 +29,6 @@ private:
     void cmdTest_Click();
     void SaveFields();
     void SendTestMessage();
-    void poSendMail_Status(const QString &text);
-    void poSendMail_SendFailed(const QString &text);
-    void poSendMail_SendSuccesful();
 
     QorloGlobals &m_globals;
     QLineEdit *m_server = nullptr;
@@ -47,6 +41,4 @@ private:
     QGroupBox *m_secureFrame = nullptr;
     QLineEdit *m_user = nullptr;
     QLineEdit *m_password = nullptr;
-    // The client of the test message while it sends.
-    std::unique_ptr<clsSendMail> m_sendMail;
 };

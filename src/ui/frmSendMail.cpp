@@ -1,0 +1,68 @@
+#include "frmSendMail.h"
+
+#include "MailClientEvents.h"
+
+#include "core/scheduler/Prompter.h"
+#include "core/scheduler/QorloGlobals.h"
+#include "mail/SmtpLog.h"
+#include "mail/clsSendMail.h"
+#include "mail/frmSMTPSendMail.h"
+
+#include <QDialogButtonBox>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+frmSendMail::frmSendMail(QorloGlobals &globals, QWidget *parent) : QDialog(parent), m_globals(globals)
+{
+    setObjectName(QStringLiteral("frmSendMail"));
+    setWindowTitle(QStringLiteral("Send Help Message"));
+    m_text = new QPlainTextEdit(this);
+    m_text->setObjectName(QStringLiteral("txtSend"));
+
+    auto *buttons = new QDialogButtonBox(this);
+    QPushButton *send = buttons->addButton(QStringLiteral("&Send"), QDialogButtonBox::ActionRole);
+    send->setObjectName(QStringLiteral("cmdSend"));
+    QPushButton *exit = buttons->addButton(QStringLiteral("E&xit"), QDialogButtonBox::RejectRole);
+    exit->setObjectName(QStringLiteral("cmdExit"));
+    connect(send, &QPushButton::clicked, this, &frmSendMail::cmdSend_Click);
+    connect(exit, &QPushButton::clicked, this, &QDialog::reject);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->addWidget(m_text);
+    layout->addWidget(buttons);
+}
+
+void frmSendMail::ClearMessage()
+{
+    m_text->clear();
+    m_text->setFocus();
+}
+
+// The window closes whether the message went or not; a failure has shown its box by then.
+void frmSendMail::cmdSend_Click()
+{
+    const QString text = m_text->toPlainText();
+    if (text.isEmpty())
+        m_globals.prompter.ShowMessage(QStringLiteral("Send Help message"),
+                                       QStringLiteral("No Message to send"));
+    else
+        SendHelpMessage(text);
+    close();
+}
+
+// The server and sender are the schedule's, as for every mail of a run.
+void frmSendMail::SendHelpMessage(const QString &text)
+{
+    SmtpLog::StartSmtpLog(QStringLiteral("Sending Help Message"));
+    const clsSchedule &schedule = m_globals.Schedule;
+    MailClientEvents events(m_globals.prompter, m_globals.AppPath);
+    clsSendMail &mail = events.poSendMail();
+    mail.SetSMTPHost(schedule.SMTP_Server);
+    mail.SetFrom(schedule.SMTP_From);
+    frmSMTPSendMail::UseScheduleServer(mail, schedule);
+    mail.SetRecipient(QStringLiteral(QORLO_SUPPORT_MAILBOX));
+    mail.SetSubject(QStringLiteral("QorloMANAGER help request "));
+    mail.SetMessage(text);
+    mail.Send();
+}

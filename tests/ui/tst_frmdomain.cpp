@@ -1,0 +1,156 @@
+#include "ScriptedPrompter.h"
+#include "UiTestMain.h"
+
+#include "core/scheduler/QorloGlobals.h"
+#include "ui/frmDomain.h"
+
+#include <QFile>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QTemporaryDir>
+
+namespace {
+
+// An application folder with two shortcuts set and the shortcuts window over it.
+struct DomainFixture
+{
+    DomainFixture()
+    {
+        globals.Schedule.SaveDomain(0, QStringLiteral("alpha.example"));
+        globals.Schedule.SaveDomain(3, QStringLiteral("delta.example"));
+    }
+    void open()
+    {
+        window = std::make_unique<frmDomain>(globals);
+        window->open();
+        QApplication::setActiveWindow(window.get());
+        grid = window->findChild<QTableWidget *>(QStringLiteral("fgDomain"));
+        edit = window->findChild<QLineEdit *>(QStringLiteral("txtEdit"));
+    }
+    QString cell(int row) const { return grid->item(row, 1)->text(); }
+    void click(const char *name) { window->findChild<QPushButton *>(QLatin1String(name))->click(); }
+    QStringList saved() const
+    {
+        clsSchedule schedule(dir.path());
+        schedule.Load(dir.filePath(QStringLiteral("Qorlo.XML")));
+        QStringList domains;
+        for (int row = 0; row < clsSchedule::DomainCount; ++row)
+            domains.append(schedule.Domain(row));
+        return domains;
+    }
+
+    QTemporaryDir dir;
+    ScriptedPrompter prompter;
+    QorloGlobals globals{dir.path(), prompter};
+    std::unique_ptr<frmDomain> window;
+    QTableWidget *grid = nullptr;
+    QLineEdit *edit = nullptr;
+};
+
+} // namespace
+
+class TestFrmDomain : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void gridAndEditKeys();
+    void saveAndExit();
+};
+
+void TestFrmDomain::gridAndEditKeys()
+{
+    DomainFixture f;
+    f.open();
+    QCOMPARE(f.grid->rowCount(), 10);
+    QCOMPARE(f.grid->horizontalHeaderItem(0)->text(), QStringLiteral("Shortcut"));
+    QCOMPARE(f.grid->horizontalHeaderItem(1)->text(), QStringLiteral("Domain"));
+    QCOMPARE(f.grid->item(9, 0)->text(), QStringLiteral("@9"));
+    QVERIFY(!(f.grid->item(2, 0)->flags() & Qt::ItemIsSelectable));
+    QCOMPARE(f.cell(3), QStringLiteral("delta.example"));
+    QCOMPARE(f.grid->currentColumn(), 1);
+
+    // A printable key starts over with that character; Escape drops the edit.
+    QTest::keyClick(f.grid, Qt::Key_X, Qt::NoModifier);
+    QVERIFY(f.edit->isVisible());
+    QCOMPARE(f.edit->text(), QStringLiteral("x"));
+    QTest::keyClick(f.edit, Qt::Key_Escape);
+    QVERIFY(!f.edit->isVisible());
+    QCOMPARE(f.cell(0), QStringLiteral("alpha.example"));
+    QVERIFY(f.window->isVisible());
+
+    // Space opens the cell's text with the caret at its end; Enter keeps the edit on the same row.
+    QTest::keyClick(f.grid, Qt::Key_Space);
+    QCOMPARE(f.edit->cursorPosition(), QStringLiteral("alpha.example").size());
+    QTest::keyClicks(f.edit, QStringLiteral(".org"));
+    QTest::keyClick(f.edit, Qt::Key_Return);
+    QVERIFY(!f.edit->isVisible());
+    QCOMPARE(f.cell(0), QStringLiteral("alpha.example.org"));
+    QCOMPARE(f.grid->currentRow(), 0);
+    QCOMPARE(QApplication::focusWidget(), f.grid);
+    QVERIFY(f.window->isVisible());
+
+    // Down stores and moves one row; on the last row it only stores. Up moves back.
+    QTest::keyClick(f.grid, Qt::Key_B);
+    QTest::keyClicks(f.edit, QStringLiteral(".example"));
+    QTest::keyClick(f.edit, Qt::Key_Down);
+    QCOMPARE(f.cell(0), QStringLiteral("b.example"));
+    QCOMPARE(f.grid->currentRow(), 1);
+    f.grid->setCurrentCell(9, 1);
+    QTest::keyClick(f.grid, Qt::Key_Z);
+    QTest::keyClick(f.edit, Qt::Key_Down);
+    QCOMPARE(f.cell(9), QStringLiteral("z"));
+    QCOMPARE(f.grid->currentRow(), 9);
+    QTest::keyClick(f.grid, Qt::Key_Backspace);
+    QTest::keyClick(f.edit, Qt::Key_Backspace);
+    QTest::keyClick(f.edit, Qt::Key_Up);
+    QCOMPARE(f.cell(9), QString());
+    QCOMPARE(f.grid->currentRow(), 8);
+
+    // A double click edits the cell's text; leaving the cell stores it, and so does the grid's focus.
+    const QPoint delta = f.grid->visualItemRect(f.grid->item(3, 1)).center();
+    QTest::mouseClick(f.grid->viewport(), Qt::LeftButton, {}, delta);
+    QVERIFY(!f.edit->isVisible());
+    QTest::mouseDClick(f.grid->viewport(), Qt::LeftButton, {}, delta);
+    QVERIFY(f.edit->isVisible());
+    QCOMPARE(f.edit->text(), QStringLiteral("delta.example"));
+    QTest::keyClick(f.edit, Qt::Key_S);
+    f.grid->setCurrentCell(5, 1);
+    QVERIFY(!f.edit->isVisible());
+    QCOMPARE(f.cell(3), QStringLiteral("delta.examples"));
+    QTest::keyClick(f.grid, Qt::Key_E);
+    f.grid->setFocus();
+    QVERIFY(!f.edit->isVisible());
+    QCOMPARE(f.cell(5), QStringLiteral("e"));
+    QVERIFY(!QFile::exists(f.dir.filePath(QStringLiteral("Qorlo.XML"))));
+}
+
+void TestFrmDomain::saveAndExit()
+{
+    DomainFixture f;
+    f.open();
+    f.grid->setCurrentCell(7, 1);
+    QTest::keyClick(f.grid, Qt::Key_H);
+    QTest::keyClicks(f.edit, QStringLiteral(".example"));
+    // Save takes the open edit along.
+    f.click("cmdSave");
+    QVERIFY(!f.window->isVisible());
+    const QStringList expected = {
+        QStringLiteral("alpha.example"), {}, {}, QStringLiteral("delta.example"), {}, {}, {},
+        QStringLiteral("h.example"),     {}, {}};
+    QCOMPARE(f.saved(), expected);
+
+    // Exit keeps neither the file nor the schedule; the next opening shows the schedule again.
+    f.globals.Schedule.SaveDomain(1, QStringLiteral("beta.example"));
+    f.open();
+    QCOMPARE(f.cell(1), QStringLiteral("beta.example"));
+    QTest::keyClick(f.grid, Qt::Key_O);
+    QTest::keyClick(f.edit, Qt::Key_Return);
+    f.click("cmdExit");
+    QVERIFY(!f.window->isVisible());
+    QCOMPARE(f.globals.Schedule.Domain(0), QStringLiteral("alpha.example"));
+    QCOMPARE(f.saved(), expected);
+}
+
+QORLO_TEST_MAIN_WIDGETS(TestFrmDomain)
+#include "tst_frmdomain.moc"

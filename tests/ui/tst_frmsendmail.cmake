@@ -1,0 +1,1 @@
+set_tests_properties(tst_frmsendmail PROPERTIES TIMEOUT 180 LABELS "ui;mail;peers")
