@@ -1,9 +1,12 @@
 #include "frmMain.h"
 
 #include "GridSort.h"
+#include "frmAdv.h"
+#include "frmBackup.h"
 #include "frmDomain.h"
 #include "frmSMTP.h"
 #include "frmSendMail.h"
+#include "frmSetTimer.h"
 
 #include "core/Numbers.h"
 #include "core/QorloError.h"
@@ -116,6 +119,11 @@ void frmMain::BuildMenus()
     schedule->addSeparator();
     m_autoRun = AddAction(schedule, "mnuAutoRun", QStringLiteral("AutoRun"), [this] { ToggleAutoRun(); });
     m_autoRun->setCheckable(true);
+    schedule->addSeparator();
+    AddAction(schedule, "mnuBackup", QStringLiteral("Backup"), [this] { OpenBackupSettings(); });
+    AddAction(schedule, "mnuAdvance", QStringLiteral("Advance the schedule"), [this] { OpenAdvance(); });
+    AddAction(schedule, "mnuSetTimer", QStringLiteral("Set Schedule Start/Finish"),
+              [this] { OpenScheduleTimers(); });
 
     QMenu *sort = menuBar()->addMenu(QStringLiteral("S&ort"));
     const char *const sortNames[] = {"mnuSortOrig", "mnuSortDate", "mnuSortDesc",
@@ -341,6 +349,31 @@ void frmMain::OpenDomainShortcuts()
         m_domains = new frmDomain(m_globals, this);
     m_domains->LoadSettings();
     m_domains->open();
+}
+
+void frmMain::OpenBackupSettings()
+{
+    if (!m_backup)
+        m_backup = new frmBackup(m_globals, this);
+    m_backup->LoadSettings();
+    m_backup->open();
+}
+
+void frmMain::OpenAdvance()
+{
+    m_dispatcher.StopForAdvance();
+    if (!m_advance)
+        m_advance = new frmAdv(m_globals, this);
+    m_advance->LoadSettings();
+    m_advance->open();
+}
+
+void frmMain::OpenScheduleTimers()
+{
+    if (!m_timers)
+        m_timers = new frmSetTimer(m_globals, this);
+    m_timers->LoadSettings();
+    m_timers->open();
 }
 
 // A message to the maker's support mailbox; not while a run is on, as the mail client is in use.

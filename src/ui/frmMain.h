@@ -13,9 +13,12 @@ class QAction;
 class QMenu;
 class QTableWidget;
 class QWindow;
+class frmAdv;
+class frmBackup;
 class frmDomain;
 class frmSMTP;
 class frmSendMail;
+class frmSetTimer;
 
 class frmMain : public QMainWindow, public ScheduleView
 {
@@ -84,6 +87,10 @@ private:
     // mnuDeleteReport and the Delete key: the selected items, after the operator confirms.
     void DeleteItems();
     void OpenDomainShortcuts();
+    void OpenBackupSettings();
+    // mnuAdvance: the schedule stops for good before the Advance window opens.
+    void OpenAdvance();
+    void OpenScheduleTimers();
     void OpenHelpMessage();
     void ToggleAutoRun();
     void ToggleEncryptDB();
@@ -98,6 +105,9 @@ private:
     frmSMTP *m_smtp = nullptr;
     frmDomain *m_domains = nullptr;
     frmSendMail *m_helpMessage = nullptr;
+    frmBackup *m_backup = nullptr;
+    frmAdv *m_advance = nullptr;
+    frmSetTimer *m_timers = nullptr;
     QPointer<QWindow> m_lastFocusWindow;
     qint16 m_sortColumn = 0;
     // Resizes before the load step has ended do not write Form.XML.

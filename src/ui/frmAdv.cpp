@@ -1,0 +1,70 @@
+#include "frmAdv.h"
+
+#include "calendar/AdvanceSchedule.h"
+#include "core/Clock.h"
+#include "core/QorloError.h"
+#include "core/scheduler/Prompter.h"
+#include "core/scheduler/QorloGlobals.h"
+
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+frmAdv::frmAdv(QorloGlobals &globals, QWidget *parent)
+    : QDialog(parent), m_globals(globals), m_moment(this, "dtAdv", "cboHour", "cboMinute")
+{
+    setObjectName(QStringLiteral("frmAdv"));
+    setWindowTitle(AdvanceTexts::Title);
+    m_status = new QLabel(this);
+    m_status->setObjectName(QStringLiteral("lblStatus"));
+    m_status->setWordWrap(true);
+
+    auto *buttons = new QDialogButtonBox(this);
+    QPushButton *analyse =
+        buttons->addButton(QStringLiteral("Analyse Schedule"), QDialogButtonBox::ActionRole);
+    analyse->setObjectName(QStringLiteral("cmdAnalyse"));
+    QPushButton *process = buttons->addButton(QStringLiteral("&Process"), QDialogButtonBox::ActionRole);
+    process->setObjectName(QStringLiteral("cmdProcess"));
+    connect(analyse, &QPushButton::clicked, this, &frmAdv::cmdAnalyse_Click);
+    connect(process, &QPushButton::clicked, this, &frmAdv::cmdProcess_Click);
+
+    auto *fields = new QFormLayout;
+    fields->addRow(QStringLiteral("Advance to after"), m_moment.Row());
+    auto *layout = new QVBoxLayout(this);
+    layout->addLayout(fields);
+    layout->addWidget(m_status);
+    layout->addWidget(buttons);
+    LoadSettings();
+}
+
+void frmAdv::LoadSettings()
+{
+    m_moment.Show(DayHourMinute::Of(Now()));
+    m_status->clear();
+}
+
+void frmAdv::cmdAnalyse_Click()
+{
+    m_status->setText(AdvanceTexts::Analysing);
+    // A long schedule takes a moment: the event loop would not show the text before the count.
+    m_status->repaint();
+    m_status->setText(AnalyseAdvance(m_globals.Schedule, m_moment.Picked().Moment()));
+}
+
+void frmAdv::cmdProcess_Click()
+{
+    const double moment = m_moment.Picked().Moment();
+    m_status->setText(AdvanceTexts::Processing);
+    if (!m_globals.prompter.AskYesNo(AdvanceTexts::Title, AdvanceTexts::Confirm)) {
+        m_status->setText(AdvanceTexts::Cancelled);
+        return;
+    }
+    try {
+        m_status->setText(ProcessAdvance(m_globals.Schedule, moment));
+    } catch (const QorloError &error) {
+        m_globals.prompter.FatalError(error);
+    }
+}

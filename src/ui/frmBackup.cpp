@@ -1,0 +1,78 @@
+#include "frmBackup.h"
+
+#include "core/QorloError.h"
+#include "core/scheduler/Prompter.h"
+#include "core/scheduler/QorloGlobals.h"
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+frmBackup::frmBackup(QorloGlobals &globals, QWidget *parent)
+    : QDialog(parent), m_globals(globals), m_next(this, "dtNext", "cboHour", "cboMinute")
+{
+    setObjectName(QStringLiteral("frmBackup"));
+    setWindowTitle(QStringLiteral("Backup Settings"));
+    BuildFields();
+    LoadSettings();
+}
+
+void frmBackup::BuildFields()
+{
+    m_frequency = new QComboBox(this);
+    m_frequency->setObjectName(QStringLiteral("cboFrequency"));
+    m_frequency->addItems(BackupFrequencies());
+    m_previous = new QLabel(this);
+    m_previous->setObjectName(QStringLiteral("lblPrevious"));
+    m_previousFile = new QLabel(this);
+    m_previousFile->setObjectName(QStringLiteral("lblPreviousFile"));
+    m_purgeDays = new QLineEdit(this);
+    m_purgeDays->setObjectName(QStringLiteral("txtPurgeDays"));
+
+    auto *buttons = new QDialogButtonBox(this);
+    QPushButton *save = buttons->addButton(QStringLiteral("&Save"), QDialogButtonBox::ActionRole);
+    save->setObjectName(QStringLiteral("cmdSave"));
+    QPushButton *exit = buttons->addButton(QStringLiteral("E&xit"), QDialogButtonBox::RejectRole);
+    exit->setObjectName(QStringLiteral("cmdExit"));
+    connect(save, &QPushButton::clicked, this, &frmBackup::cmdSave_Click);
+    connect(exit, &QPushButton::clicked, this, &QDialog::reject);
+
+    auto *fields = new QFormLayout;
+    fields->addRow(QStringLiteral("Backup Frequency"), m_frequency);
+    fields->addRow(QStringLiteral("Next Backup"), m_next.Row());
+    fields->addRow(QStringLiteral("Previous Backup"), m_previous);
+    fields->addRow(QStringLiteral("Previous File"), m_previousFile);
+    fields->addRow(QStringLiteral("Purge Days"), m_purgeDays);
+    auto *layout = new QVBoxLayout(this);
+    layout->addLayout(fields);
+    layout->addWidget(buttons);
+}
+
+void frmBackup::LoadSettings()
+{
+    const BackupSettings settings = LoadBackupSettings(m_globals.Schedule);
+    m_frequency->setCurrentIndex(m_frequency->findText(settings.Frequency));
+    m_next.Show(settings.Next);
+    m_previous->setText(settings.Previous);
+    m_previousFile->setText(settings.PreviousFile);
+    m_purgeDays->setText(settings.PurgeDays);
+}
+
+// Purge days that are no number are a failure that no handler catches: it ends the process.
+void frmBackup::cmdSave_Click()
+{
+    const BackupSettings settings{m_frequency->currentText(), m_next.Picked(), m_previous->text(),
+                                  m_previousFile->text(), m_purgeDays->text()};
+    try {
+        SaveBackupSettings(m_globals.Schedule, settings);
+    } catch (const QorloError &error) {
+        m_globals.prompter.FatalError(error);
+        return;
+    }
+    accept();
+}

@@ -1,0 +1,76 @@
+#include "frmSetTimer.h"
+
+#include "core/QorloError.h"
+#include "core/scheduler/Prompter.h"
+#include "core/scheduler/QorloGlobals.h"
+
+#include <QCheckBox>
+#include <QDialogButtonBox>
+#include <QFormLayout>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+frmSetTimer::frmSetTimer(QorloGlobals &globals, QWidget *parent)
+    : QDialog(parent), m_globals(globals), m_start(this, "dtStart", "cboStartHour", "cboStartMinute"),
+      m_stop(this, "dtStop", "cboStopHour", "cboStopMinute")
+{
+    setObjectName(QStringLiteral("frmSetTimer"));
+    setWindowTitle(QStringLiteral("Set Schedule Timer"));
+    m_setStart = AddCheck("chkSetStart", QStringLiteral("Start the schedule at"), m_start);
+    m_setStop = AddCheck("chkSetStop", QStringLiteral("Stop the schedule at"), m_stop);
+
+    auto *buttons = new QDialogButtonBox(this);
+    QPushButton *save = buttons->addButton(QStringLiteral("&Save"), QDialogButtonBox::ActionRole);
+    save->setObjectName(QStringLiteral("cmdSave"));
+    QPushButton *exit = buttons->addButton(QStringLiteral("E&xit"), QDialogButtonBox::RejectRole);
+    exit->setObjectName(QStringLiteral("cmdExit"));
+    connect(save, &QPushButton::clicked, this, &frmSetTimer::cmdSave_Click);
+    connect(exit, &QPushButton::clicked, this, &QDialog::reject);
+
+    auto *fields = new QFormLayout;
+    fields->addRow(m_setStart, m_start.Row());
+    fields->addRow(m_setStop, m_stop.Row());
+    auto *layout = new QVBoxLayout(this);
+    layout->addLayout(fields);
+    layout->addWidget(buttons);
+    LoadSettings();
+}
+
+QCheckBox *frmSetTimer::AddCheck(const char *name, const QString &caption, MomentControls &moment)
+{
+    auto *check = new QCheckBox(caption, this);
+    check->setObjectName(QLatin1String(name));
+    connect(check, &QCheckBox::toggled, this, [&moment](bool checked) { moment.SetEnabled(checked); });
+    return check;
+}
+
+void frmSetTimer::LoadSettings()
+{
+    ShowTimer(LoadStartTimer(m_globals.Schedule), m_setStart, m_start);
+    ShowTimer(LoadStopTimer(m_globals.Schedule), m_setStop, m_stop);
+}
+
+void frmSetTimer::ShowTimer(const TimerSetting &timer, QCheckBox *check, MomentControls &moment)
+{
+    check->setChecked(timer.Set);
+    moment.SetEnabled(timer.Set);
+    moment.Show(timer.At);
+}
+
+TimerSetting frmSetTimer::PickedTimer(const QCheckBox *check, const MomentControls &moment)
+{
+    return {check->isChecked(), moment.Picked()};
+}
+
+// The main window's caption shows the new timers at its next tick.
+void frmSetTimer::cmdSave_Click()
+{
+    try {
+        SaveTimers(m_globals.Schedule, PickedTimer(m_setStart, m_start), PickedTimer(m_setStop, m_stop),
+                   [this] { m_globals.SaveWeb(); });
+    } catch (const QorloError &error) {
+        m_globals.prompter.FatalError(error);
+        return;
+    }
+    accept();
+}
