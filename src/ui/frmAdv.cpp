@@ -1,5 +1,7 @@
 #include "frmAdv.h"
 
+#include "DialogButtons.h"
+
 #include "calendar/AdvanceSchedule.h"
 #include "core/Clock.h"
 #include "core/QorloError.h"
@@ -10,7 +12,6 @@
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 frmAdv::frmAdv(QorloGlobals &globals, QWidget *parent)
@@ -23,13 +24,8 @@ frmAdv::frmAdv(QorloGlobals &globals, QWidget *parent)
     m_status->setWordWrap(true);
 
     auto *buttons = new QDialogButtonBox(this);
-    QPushButton *analyse =
-        buttons->addButton(QStringLiteral("Analyse Schedule"), QDialogButtonBox::ActionRole);
-    analyse->setObjectName(QStringLiteral("cmdAnalyse"));
-    QPushButton *process = buttons->addButton(QStringLiteral("&Process"), QDialogButtonBox::ActionRole);
-    process->setObjectName(QStringLiteral("cmdProcess"));
-    connect(analyse, &QPushButton::clicked, this, &frmAdv::cmdAnalyse_Click);
-    connect(process, &QPushButton::clicked, this, &frmAdv::cmdProcess_Click);
+    AddButton(buttons, "cmdAnalyse", QStringLiteral("Analyse Schedule"), [this] { cmdAnalyse_Click(); });
+    AddButton(buttons, "cmdProcess", QStringLiteral("&Process"), [this] { cmdProcess_Click(); });
 
     auto *fields = new QFormLayout;
     fields->addRow(QStringLiteral("Advance to after"), m_moment.Row());

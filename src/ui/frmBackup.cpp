@@ -1,5 +1,7 @@
 #include "frmBackup.h"
 
+#include "DialogButtons.h"
+
 #include "core/QorloError.h"
 #include "core/scheduler/Prompter.h"
 #include "core/scheduler/QorloGlobals.h"
@@ -10,7 +12,6 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 frmBackup::frmBackup(QorloGlobals &globals, QWidget *parent)
@@ -35,12 +36,9 @@ void frmBackup::BuildFields()
     m_purgeDays->setObjectName(QStringLiteral("txtPurgeDays"));
 
     auto *buttons = new QDialogButtonBox(this);
-    QPushButton *save = buttons->addButton(QStringLiteral("&Save"), QDialogButtonBox::ActionRole);
-    save->setObjectName(QStringLiteral("cmdSave"));
-    QPushButton *exit = buttons->addButton(QStringLiteral("E&xit"), QDialogButtonBox::RejectRole);
-    exit->setObjectName(QStringLiteral("cmdExit"));
-    connect(save, &QPushButton::clicked, this, &frmBackup::cmdSave_Click);
-    connect(exit, &QPushButton::clicked, this, &QDialog::reject);
+    AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
+    AddButton(
+        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
 
     auto *fields = new QFormLayout;
     fields->addRow(QStringLiteral("Backup Frequency"), m_frequency);

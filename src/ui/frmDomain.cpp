@@ -1,12 +1,13 @@
 #include "frmDomain.h"
 
+#include "DialogButtons.h"
+
 #include "core/scheduler/QorloGlobals.h"
 
 #include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QTableWidget>
 #include <QVBoxLayout>
 #include <utility>
@@ -24,12 +25,9 @@ frmDomain::frmDomain(QorloGlobals &globals, QWidget *parent) : QDialog(parent), 
     BuildGrid();
 
     auto *buttons = new QDialogButtonBox(this);
-    QPushButton *save = buttons->addButton(QStringLiteral("&Save"), QDialogButtonBox::ActionRole);
-    save->setObjectName(QStringLiteral("cmdSave"));
-    QPushButton *exit = buttons->addButton(QStringLiteral("E&xit"), QDialogButtonBox::RejectRole);
-    exit->setObjectName(QStringLiteral("cmdExit"));
-    connect(save, &QPushButton::clicked, this, &frmDomain::cmdSave_Click);
-    connect(exit, &QPushButton::clicked, this, &QDialog::reject);
+    AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
+    AddButton(
+        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
 
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_grid);

@@ -1,5 +1,6 @@
 #include "frmSMTP.h"
 
+#include "DialogButtons.h"
 #include "MailClientEvents.h"
 
 #include "core/Numbers.h"
@@ -15,7 +16,6 @@
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 namespace {
@@ -70,13 +70,8 @@ void frmSMTP::BuildFields()
     fields->addRow(QStringLiteral("Delay Between Messages"), m_delay);
 
     auto *buttons = new QDialogButtonBox(this);
-    QPushButton *save = buttons->addButton(QStringLiteral("&Save"), QDialogButtonBox::ActionRole);
-    save->setObjectName(QStringLiteral("cmdSave"));
-    QPushButton *test =
-        buttons->addButton(QStringLiteral("Send &Test Message"), QDialogButtonBox::ActionRole);
-    test->setObjectName(QStringLiteral("cmdTest"));
-    connect(save, &QPushButton::clicked, this, &frmSMTP::cmdSave_Click);
-    connect(test, &QPushButton::clicked, this, &frmSMTP::cmdTest_Click);
+    AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
+    AddButton(buttons, "cmdTest", QStringLiteral("Send &Test Message"), [this] { cmdTest_Click(); });
 
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(fields);

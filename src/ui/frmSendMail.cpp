@@ -1,5 +1,6 @@
 #include "frmSendMail.h"
 
+#include "DialogButtons.h"
 #include "MailClientEvents.h"
 
 #include "core/scheduler/Prompter.h"
@@ -10,7 +11,6 @@
 
 #include <QDialogButtonBox>
 #include <QPlainTextEdit>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 frmSendMail::frmSendMail(QorloGlobals &globals, QWidget *parent) : QDialog(parent), m_globals(globals)
@@ -21,12 +21,9 @@ frmSendMail::frmSendMail(QorloGlobals &globals, QWidget *parent) : QDialog(paren
     m_text->setObjectName(QStringLiteral("txtSend"));
 
     auto *buttons = new QDialogButtonBox(this);
-    QPushButton *send = buttons->addButton(QStringLiteral("&Send"), QDialogButtonBox::ActionRole);
-    send->setObjectName(QStringLiteral("cmdSend"));
-    QPushButton *exit = buttons->addButton(QStringLiteral("E&xit"), QDialogButtonBox::RejectRole);
-    exit->setObjectName(QStringLiteral("cmdExit"));
-    connect(send, &QPushButton::clicked, this, &frmSendMail::cmdSend_Click);
-    connect(exit, &QPushButton::clicked, this, &QDialog::reject);
+    AddButton(buttons, "cmdSend", QStringLiteral("&Send"), [this] { cmdSend_Click(); });
+    AddButton(
+        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
 
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_text);

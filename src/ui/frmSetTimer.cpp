@@ -1,5 +1,7 @@
 #include "frmSetTimer.h"
 
+#include "DialogButtons.h"
+
 #include "core/QorloError.h"
 #include "core/scheduler/Prompter.h"
 #include "core/scheduler/QorloGlobals.h"
@@ -7,7 +9,6 @@
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
-#include <QPushButton>
 #include <QVBoxLayout>
 
 frmSetTimer::frmSetTimer(QorloGlobals &globals, QWidget *parent)
@@ -20,12 +21,9 @@ frmSetTimer::frmSetTimer(QorloGlobals &globals, QWidget *parent)
     m_setStop = AddCheck("chkSetStop", QStringLiteral("Stop the schedule at"), m_stop);
 
     auto *buttons = new QDialogButtonBox(this);
-    QPushButton *save = buttons->addButton(QStringLiteral("&Save"), QDialogButtonBox::ActionRole);
-    save->setObjectName(QStringLiteral("cmdSave"));
-    QPushButton *exit = buttons->addButton(QStringLiteral("E&xit"), QDialogButtonBox::RejectRole);
-    exit->setObjectName(QStringLiteral("cmdExit"));
-    connect(save, &QPushButton::clicked, this, &frmSetTimer::cmdSave_Click);
-    connect(exit, &QPushButton::clicked, this, &QDialog::reject);
+    AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
+    AddButton(
+        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
 
     auto *fields = new QFormLayout;
     fields->addRow(m_setStart, m_start.Row());
