@@ -334,46 +334,38 @@ void frmMain::ShowWindow()
     show();
 }
 
-// One mail settings window per process, made when first used.
+template <typename Window> void frmMain::OpenSettingsWindow(Window *&window)
+{
+    if (!window)
+        window = new Window(m_globals, this);
+    window->LoadSettings();
+    window->open();
+}
+
 void frmMain::OpenMailSettings()
 {
-    if (!m_smtp)
-        m_smtp = new frmSMTP(m_globals, this);
-    m_smtp->LoadSettings();
-    m_smtp->open();
+    OpenSettingsWindow(m_smtp);
 }
 
 void frmMain::OpenDomainShortcuts()
 {
-    if (!m_domains)
-        m_domains = new frmDomain(m_globals, this);
-    m_domains->LoadSettings();
-    m_domains->open();
+    OpenSettingsWindow(m_domains);
 }
 
 void frmMain::OpenBackupSettings()
 {
-    if (!m_backup)
-        m_backup = new frmBackup(m_globals, this);
-    m_backup->LoadSettings();
-    m_backup->open();
+    OpenSettingsWindow(m_backup);
 }
 
 void frmMain::OpenAdvance()
 {
     m_dispatcher.StopForAdvance();
-    if (!m_advance)
-        m_advance = new frmAdv(m_globals, this);
-    m_advance->LoadSettings();
-    m_advance->open();
+    OpenSettingsWindow(m_advance);
 }
 
 void frmMain::OpenScheduleTimers()
 {
-    if (!m_timers)
-        m_timers = new frmSetTimer(m_globals, this);
-    m_timers->LoadSettings();
-    m_timers->open();
+    OpenSettingsWindow(m_timers);
 }
 
 // A message to the maker's support mailbox; not while a run is on, as the mail client is in use.

@@ -86,6 +86,8 @@ private:
     void DuplicateItem();
     // mnuDeleteReport and the Delete key: the selected items, after the operator confirms.
     void DeleteItems();
+    // One window of each kind, made when first used and kept, filled afresh at each opening.
+    template <typename Window> void OpenSettingsWindow(Window *&window);
     void OpenDomainShortcuts();
     void OpenBackupSettings();
     // mnuAdvance: the schedule stops for good before the Advance window opens.
