@@ -6,6 +6,7 @@
 #include "frmDomain.h"
 #include "frmSMTP.h"
 #include "frmSendMail.h"
+#include "frmTextView.h"
 #include "frmSetTimer.h"
 
 #include "core/Numbers.h"
@@ -140,6 +141,9 @@ void frmMain::BuildMenus()
     m_encryptDB = AddAction(settings, "mnuEncryptDB", QStringLiteral("Encrypt DB Password"),
                             [this] { ToggleEncryptDB(); });
     m_encryptDB->setCheckable(true);
+
+    QMenu *view = menuBar()->addMenu(QStringLiteral("&View"));
+    AddAction(view, "mnuViewSMTP", QStringLiteral("View SMTP log"), [this] { ViewSmtpLog(); });
 
     QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
     AddAction(help, "mnuOnLineHelp", QStringLiteral("Send Help Message"), [this] { OpenHelpMessage(); });
@@ -378,6 +382,14 @@ void frmMain::OpenHelpMessage()
         m_helpMessage = new frmSendMail(m_globals, this);
     m_helpMessage->ClearMessage();
     m_helpMessage->open();
+}
+
+void frmMain::ViewSmtpLog()
+{
+    if (!m_textView)
+        m_textView = new frmTextView(this);
+    m_textView->ShowFile(m_globals.PathOf(QStringLiteral("SMTP.Log")));
+    m_textView->open();
 }
 
 void frmMain::ToggleAutoRun()

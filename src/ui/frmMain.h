@@ -18,6 +18,7 @@ class frmBackup;
 class frmDomain;
 class frmSMTP;
 class frmSendMail;
+class frmTextView;
 class frmSetTimer;
 
 class frmMain : public QMainWindow, public ScheduleView
@@ -94,6 +95,7 @@ private:
     void OpenAdvance();
     void OpenScheduleTimers();
     void OpenHelpMessage();
+    void ViewSmtpLog();
     void ToggleAutoRun();
     void ToggleEncryptDB();
 
@@ -107,6 +109,7 @@ private:
     frmSMTP *m_smtp = nullptr;
     frmDomain *m_domains = nullptr;
     frmSendMail *m_helpMessage = nullptr;
+    frmTextView *m_textView = nullptr;
     frmBackup *m_backup = nullptr;
     frmAdv *m_advance = nullptr;
     frmSetTimer *m_timers = nullptr;

@@ -10,8 +10,10 @@
 #include "core/scheduler/StartUp.h"
 #include "ui/frmMain.h"
 #include "ui/frmSMTP.h"
+#include "ui/frmTextView.h"
 
 #include <QAction>
+#include <QPlainTextEdit>
 #include <QSignalSpy>
 #include <QTableWidget>
 #include <QTemporaryDir>
@@ -97,6 +99,7 @@ private Q_SLOTS:
     void startUpShowsTheWindowBeforeTheMailBox();
     void duplicateAndDelete();
     void insertFileAndFolder();
+    void smtpLogViewer();
 };
 
 void TestFrmMain::gridShowsTheSchedule()
@@ -484,6 +487,25 @@ void TestFrmMain::insertFileAndFolder()
     QCOMPARE(f.prompter.take(), QStringList{QStringLiteral("Insert Report Folder into Schedule: ")});
     QCOMPARE(s.Count(), 4);
     QCOMPARE(f.window.RowReportID(f.window.SelectedRow()), QStringLiteral("4"));
+}
+
+// The SMTP log shows as the program wrote it, in its code page; a missing log says so.
+void TestFrmMain::smtpLogViewer()
+{
+    MainFixture f;
+    f.trigger("mnuViewSMTP");
+    auto *viewer = f.window.findChild<frmTextView *>();
+    QVERIFY(viewer && viewer->isVisible());
+    auto *text = viewer->findChild<QPlainTextEdit *>(QStringLiteral("txtView"));
+    QVERIFY(text->toPlainText().startsWith(QStringLiteral("Cannot read ")));
+    QFile log(f.path(QStringLiteral("SMTP.Log")));
+    QVERIFY(log.open(QIODevice::WriteOnly));
+    log.write("09:00   Caf\xe9 report message sent to boss@example.com\r\n");
+    log.close();
+    f.trigger("mnuViewSMTP");
+    QCOMPARE(text->toPlainText(),
+             QStringLiteral("09:00   Caf\u00e9 report message sent to boss@example.com\n"));
+    QVERIFY(text->isReadOnly());
 }
 
 QORLO_TEST_MAIN_WIDGETS(TestFrmMain)

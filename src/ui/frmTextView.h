@@ -1,0 +1,20 @@
+#pragma once
+// A read-only window over a text file, such as the SMTP log.
+
+#include <QDialog>
+
+class QPlainTextEdit;
+
+class frmTextView : public QDialog
+{
+    Q_OBJECT
+public:
+    explicit frmTextView(QWidget *parent = nullptr);
+
+    // Shows the file's text (Windows-1252, as the program writes its logs), or a line saying that it
+    // cannot be read.
+    void ShowFile(const QString &path);
+
+private:
+    QPlainTextEdit *m_text = nullptr;
+};
