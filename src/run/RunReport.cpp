@@ -25,7 +25,7 @@ void SendErrorMail(RunContext &run, const QString &reason)
                             schedule.ReportID(), schedule.Name());
 }
 
-// Steps 1 to 3: a fresh engine and the report open; false when it would not open.
+// A fresh engine and the report open; false when it would not open.
 bool OpenReport(RunContext &run, double start)
 {
     RunState &state = run.state;
@@ -44,7 +44,7 @@ bool OpenReport(RunContext &run, double start)
     return false;
 }
 
-// Steps 4 to 9: connections, saved data, parameters and the export format; false when a parameter failed.
+// Connections, saved data, parameters and the export format; false when a parameter failed.
 bool PrepareReport(RunContext &run, double start)
 {
     RunState &state = run.state;
@@ -69,7 +69,7 @@ bool PrepareReport(RunContext &run, double start)
     return true;
 }
 
-// Steps 10 to 12: the records; false when the run ends here, on a failed read or without data.
+// The records; false when the run ends here, on a failed read or without data.
 bool ReadRecords(RunContext &run, double start)
 {
     RunState &state = run.state;
@@ -110,7 +110,7 @@ void Deliver(RunContext &run, Delivery &delivery)
         ToPrinters(run, delivery);
 }
 
-// Step 14, with the trap off: a failing copy of the temporary file unwinds out of the run.
+// The end of a run that delivered, with the trap off: a failing copy of the temporary file unwinds.
 void EndRun(RunContext &run, const Delivery &delivery)
 {
     RunState &state = run.state;
