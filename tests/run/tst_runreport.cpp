@@ -88,6 +88,15 @@ void TestRunReport::diskRuns()
     QCOMPARE(overwrite.logEntries().first(),
              u"7|Sales: Successful output to "_s + overwrite.path(u"Output/Temp.ctl"_s));
 
+    // A failed export is logged with the error state as it reads after the trap is disarmed: empty.
+    RunApp blocked;
+    blocked.writeFile(u"blocker"_s, "a file where a folder should be");
+    blocked.schedule.SetLocation(blocked.path(u"blocker/sales.csv"_s));
+    blocked.runItem();
+    QCOMPARE(blocked.logEntries(),
+             QStringList{u"7|Sales: ERROR: (0)  for disk file "_s + blocked.path(u"blocker/sales.csv"_s)});
+    QCOMPARE(blocked.schedule.LastRun(), u"31-Mar-2026 06:00"_s);
+
     for (const QString &dest : {u"B"_s, u"D"_s}) {
         RunApp nowhere;
         nowhere.schedule.SetDest(dest);
