@@ -113,6 +113,7 @@ void frmMain::BuildMenus()
               [this] { InsertItem(); });
     AddAction(schedule, "mnuNewFolder", QStringLiteral("Insert Report &Folder into Schedule"),
               [this] { InsertFolder(); });
+    AddModifyCommand(schedule);
     AddAction(schedule, "mnuDuplicate", QStringLiteral("D&uplicate"), [this] { DuplicateItem(); });
     QAction *remove =
         AddAction(schedule, "mnuDeleteReport", QStringLiteral("&Delete"), [this] { DeleteItems(); });

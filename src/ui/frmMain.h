@@ -17,6 +17,7 @@ class frmAdv;
 class frmBackup;
 class frmDomain;
 class frmSMTP;
+class frmSchedule;
 class frmSendMail;
 class frmTextView;
 class frmSetTimer;
@@ -83,6 +84,10 @@ private:
     void InsertItem();
     void InsertFolder();
     void ShowInsertedItems();
+    // mnuModifyReport and a double click on a row: the item editor on the selected item, the schedule
+    // stopped meanwhile.
+    void AddModifyCommand(QMenu *schedule);
+    void ModifyItem();
     // mnuDuplicate: the selected item to a new one with its parameters.
     void DuplicateItem();
     // mnuDeleteReport and the Delete key: the selected items, after the operator confirms.
@@ -113,6 +118,7 @@ private:
     frmBackup *m_backup = nullptr;
     frmAdv *m_advance = nullptr;
     frmSetTimer *m_timers = nullptr;
+    frmSchedule *m_editor = nullptr;
     QPointer<QWindow> m_lastFocusWindow;
     qint16 m_sortColumn = 0;
     // Resizes before the load step has ended do not write Form.XML.

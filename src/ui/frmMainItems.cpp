@@ -1,12 +1,15 @@
-// The main window's commands on schedule items: insert a file or a folder, duplicate, delete.
+// The main window's commands on schedule items: insert a file or a folder, modify, duplicate, delete.
 #include "frmMain.h"
+#include "frmSchedule.h"
 
 #include "core/CommonFile.h"
 #include "core/TWReg.h"
+#include "core/scheduler/Dispatcher.h"
 #include "core/scheduler/Prompter.h"
 #include "core/scheduler/QorloGlobals.h"
 
 #include <QItemSelectionModel>
+#include <QMenu>
 #include <QTableWidget>
 
 namespace {
@@ -62,6 +65,37 @@ void frmMain::ShowInsertedItems()
         if (RowReportID(row) == newest)
             SetSelectedRow(row);
     }
+}
+
+void frmMain::AddModifyCommand(QMenu *schedule)
+{
+    AddAction(schedule, "mnuModifyReport", QStringLiteral("&Modify"), [this] { ModifyItem(); });
+    connect(m_grid, &QTableWidget::cellDoubleClicked, this, [this](int tableRow) {
+        Guarded([this, tableRow] {
+            SetSelectedRow(tableRow + 1);
+            ModifyItem();
+        });
+    });
+}
+
+void frmMain::ModifyItem()
+{
+    // A run in progress is refused by the stopping itself, before anything else is said.
+    const bool running = !m_globals.Schedule.ProcessingID.isEmpty();
+    const QString title = QStringLiteral("Modify Schedule Item");
+    if (!running && Rows() < 2)
+        return m_globals.prompter.ShowMessage(title, QStringLiteral("No Report in Schedule to Modify"));
+    if (!running && SelectedRow() < 1)
+        return m_globals.prompter.ShowMessage(title, QStringLiteral("Please select a report from the list"));
+    if (!m_dispatcher.StopForEditing(true))
+        return;
+    m_globals.Schedule.Find(RowReportID(SelectedRow()));
+    // The editor can page through the schedule: all rows are refreshed when this window is back.
+    m_globals.RefreshRowIndex = -1;
+    if (!m_editor)
+        m_editor = new frmSchedule(m_globals, this);
+    m_editor->ShowSchedule();
+    m_editor->open();
 }
 
 void frmMain::DuplicateItem()
