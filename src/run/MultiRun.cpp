@@ -48,7 +48,7 @@ void ReportMissingFile(RunContext &run, const QString &fileName)
     if (schedule.ErrorTo().isEmpty())
         return;
     RequireTruthValue(schedule.ErrorTo());
-    SMTPMail::SendErrorMail(MailRunOf(run), schedule.ErrorTo(), text, schedule.ReportID(), schedule.Name());
+    ReportDelivery::SendErrorMail(run, schedule.ErrorTo(), text);
 }
 
 // A fresh copy of the report for every line; a failing open unwinds, whatever state the trap was left in.
@@ -89,8 +89,7 @@ void ReportBadLine(RunContext &run, const QString &text, MultiRun::Totals &total
     const QString message = QStringLiteral("Cannot Process MultiRun Line=") + text;
     const double now = Now();
     WriteLogEntry(run.log, schedule.ProcessingID, now, now, QString(), message, 0);
-    SMTPMail::SendErrorMail(MailRunOf(run), schedule.MultiRunLineErrorTo(), message, schedule.ReportID(),
-                            schedule.Name());
+    ReportDelivery::SendErrorMail(run, schedule.MultiRunLineErrorTo(), message);
     ++totals.errors;
 }
 
@@ -146,10 +145,7 @@ bool ReadRecords(RunContext &run, const MultiRun::Line &line)
     trap.Clear();
     LogResult(run, line.start,
               QStringLiteral("ERROR: ") + text + QStringLiteral(" for disk file ") + line.output, code);
-    trap.Guard([&] {
-        SMTPMail::SendErrorMail(MailRunOf(run), schedule.MultiRunLineErrorTo(), text, schedule.ReportID(),
-                                schedule.Name());
-    });
+    trap.Guard([&] { ReportDelivery::SendErrorMail(run, schedule.MultiRunLineErrorTo(), text); });
     return false;
 }
 
@@ -191,11 +187,9 @@ void SendTotalMail(RunContext &run, const QString &total, qint32 errors)
     clsSchedule &schedule = run.schedule;
     const auto withOwnText = [&](const QString &own) { return own.isEmpty() ? total : own + kCrLf + total; };
     if (errors > 0)
-        SMTPMail::SendErrorMail(MailRunOf(run), schedule.ErrorTo(), withOwnText(schedule.ErrorMsg()),
-                                schedule.ReportID(), schedule.Name());
+        ReportDelivery::SendErrorMail(run, schedule.ErrorTo(), withOwnText(schedule.ErrorMsg()));
     else
-        SMTPMail::SendNotifyMail(MailRunOf(run), schedule.NotifyTo(), withOwnText(schedule.NotifyMsg()),
-                                 schedule.ReportID(), schedule.Name());
+        ReportDelivery::SendNotifyMail(run, schedule.NotifyTo(), withOwnText(schedule.NotifyMsg()));
 }
 
 } // namespace

@@ -37,11 +37,6 @@ QString NotifyMessage(RunContext &run, const QString &opening)
            run.schedule.Name();
 }
 
-void SendNotifyMail(RunContext &run, const QString &to, const QString &message)
-{
-    SMTPMail::SendNotifyMail(MailRunOf(run), to, message, run.schedule.ReportID(), run.schedule.Name());
-}
-
 // The success of a delivery: its log entry, the item's page count and the notice. Returns the pages.
 qint32 LogSuccess(RunContext &run, const Delivery &delivery, const QString &text,
                   const QString &noticeOpening)
@@ -66,6 +61,16 @@ void EmptyStagingFolder(const QString &folder)
 SMTPMail::MailRun MailRunOf(RunContext &run)
 {
     return {run.schedule, run.log, run.state.report.get()};
+}
+
+void SendErrorMail(RunContext &run, const QString &to, const QString &message)
+{
+    SMTPMail::SendErrorMail(MailRunOf(run), to, message, run.schedule.ReportID(), run.schedule.Name());
+}
+
+void SendNotifyMail(RunContext &run, const QString &to, const QString &message)
+{
+    SMTPMail::SendNotifyMail(MailRunOf(run), to, message, run.schedule.ReportID(), run.schedule.Name());
 }
 
 QString ErrorMessage(RunContext &run, const QString &reason)
@@ -111,8 +116,7 @@ void ToDisk(RunContext &run, Delivery &delivery)
                   QStringLiteral(" for disk file ") + output,
               0);
     trap.Clear();
-    SMTPMail::SendErrorMail(MailRunOf(run), schedule.ErrorTo(), ErrorMessage(run, description),
-                            schedule.ReportID(), schedule.Name());
+    SendErrorMail(run, schedule.ErrorTo(), ErrorMessage(run, description));
 }
 
 void ByMail(RunContext &run, const Delivery &delivery)

@@ -25,5 +25,8 @@ void ToPrinters(RunContext &run, const Delivery &delivery);
 QString ErrorMessage(RunContext &run, const QString &reason);
 // What the mail senders read of the run: the schedule, the log and the open report.
 SMTPMail::MailRun MailRunOf(RunContext &run);
+// The error mail and the notice of the item at the cursor, under its ID and name.
+void SendErrorMail(RunContext &run, const QString &to, const QString &message);
+void SendNotifyMail(RunContext &run, const QString &to, const QString &message);
 
 } // namespace ReportDelivery

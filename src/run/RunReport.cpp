@@ -18,13 +18,6 @@ using namespace ReportDelivery;
 
 namespace {
 
-void SendErrorMail(RunContext &run, const QString &reason)
-{
-    clsSchedule &schedule = run.schedule;
-    SMTPMail::SendErrorMail(MailRunOf(run), schedule.ErrorTo(), ErrorMessage(run, reason),
-                            schedule.ReportID(), schedule.Name());
-}
-
 // A fresh engine and the report open; false when it would not open.
 bool OpenReport(RunContext &run, double start)
 {
@@ -55,14 +48,14 @@ bool PrepareReport(RunContext &run, double start)
     if (!state.ConnectError.isEmpty()) {
         // The run carries on: a dead connection normally ends it at the read.
         LogResult(run, start, state.ConnectError, 0);
-        SendErrorMail(run, state.ConnectError);
+        SendErrorMail(run, schedule.ErrorTo(), ErrorMessage(run, state.ConnectError));
     }
     if (report.HasSavedData() && schedule.RetainData() != QLatin1String("Yes"))
         report.DiscardSavedData();
     ReportBinding::SetParameters(run, QString());
     if (!schedule.ParmError.isEmpty()) {
         LogResult(run, start, schedule.ParmError, 0);
-        SendErrorMail(run, schedule.ParmError);
+        SendErrorMail(run, schedule.ErrorTo(), ErrorMessage(run, schedule.ParmError));
         return false;
     }
     SetOutputFormat(run, report, schedule.OutputFormat());
@@ -85,10 +78,7 @@ bool ReadRecords(RunContext &run, double start)
         LogResult(run, start, QStringLiteral("ERROR: ") + text + QStringLiteral(" for disk file "), 0);
         // A notice, not an error mail: its subject reads "Completed Processing".
         if (!schedule.ErrorTo().isEmpty())
-            state.trap.Guard([&] {
-                SMTPMail::SendNotifyMail(MailRunOf(run), schedule.ErrorTo(), ErrorMessage(run, text),
-                                         schedule.ReportID(), schedule.Name());
-            });
+            state.trap.Guard([&] { SendNotifyMail(run, schedule.ErrorTo(), ErrorMessage(run, text)); });
         return false;
     }
     if (state.report->PrintingStatus().NumberOfRecordSelected() == 0 &&
