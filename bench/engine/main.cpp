@@ -1,8 +1,8 @@
 // Measures the report engine on 100,000 SQLite rows: CSV export against `sqlite3 -csv` on the same
 // query (target: within 3 times), then PDF and Excel exports. Prints rows per second and peak memory.
 
-#include "run/engine/Application.h"
-#include "run/engine/Report.h"
+#include "engine/Application.h"
+#include "engine/Report.h"
 
 #include <QElapsedTimer>
 #include <QFile>

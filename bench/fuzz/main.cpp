@@ -4,9 +4,9 @@
 //
 // bench_fuzz [SECONDS [SEED]]   (defaults: 60 seconds, seed from the clock)
 
-#include "run/engine/Application.h"
-#include "run/engine/EngineError.h"
-#include "run/engine/Report.h"
+#include "engine/Application.h"
+#include "engine/EngineError.h"
+#include "engine/Report.h"
 
 #include <QCoreApplication>
 #include <QDateTime>

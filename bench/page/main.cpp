@@ -2,7 +2,7 @@
 // and the peak memory of the process. Targets: under 10 s and under 100 MB.
 // Usage: bench_page [OUTPUT.pdf] [ROWS]
 
-#include "run/engine/page/PdfPageSink.h"
+#include "engine/page/PdfPageSink.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>

@@ -3,9 +3,9 @@
 #include "core/Clock.h"
 #include "core/DayDate.h"
 #include "core/QorloError.h"
-#include "core/scheduler/Dispatcher.h"
-#include "core/scheduler/Prompter.h"
-#include "core/scheduler/QorloGlobals.h"
+#include "scheduler/Dispatcher.h"
+#include "scheduler/Prompter.h"
+#include "scheduler/QorloGlobals.h"
 
 #include <QElapsedTimer>
 #include <QGuiApplication>

@@ -1,8 +1,8 @@
 // Writes 100,000 rows of 6 mixed columns to an .xls file and prints the time taken and the peak memory.
 // Usage: bench_xls [ROWS [FILE]]; without FILE the workbook goes to a temporary folder.
 
-#include "run/engine/xls/XlsSheetSeries.h"
-#include "run/engine/xls/XlsWorkbook.h"
+#include "engine/xls/XlsSheetSeries.h"
+#include "engine/xls/XlsWorkbook.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -1,10 +1,10 @@
 // The desktop scheduler: the core's start-up with message boxes, then the main window.
 #include "core/AppFolder.h"
 #include "core/QorloError.h"
-#include "core/scheduler/Dispatcher.h"
-#include "core/scheduler/QorloGlobals.h"
-#include "core/scheduler/SingleInstance.h"
-#include "core/scheduler/StartUp.h"
+#include "scheduler/Dispatcher.h"
+#include "scheduler/QorloGlobals.h"
+#include "scheduler/SingleInstance.h"
+#include "scheduler/StartUp.h"
 #include "ui/GuiPrompter.h"
 #include "ui/frmMain.h"
 

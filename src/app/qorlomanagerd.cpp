@@ -2,11 +2,11 @@
 // questions take fixed answers.
 #include "core/AppFolder.h"
 #include "core/QorloError.h"
-#include "core/scheduler/Dispatcher.h"
-#include "core/scheduler/Prompter.h"
-#include "core/scheduler/QorloGlobals.h"
-#include "core/scheduler/SingleInstance.h"
-#include "core/scheduler/StartUp.h"
+#include "scheduler/Dispatcher.h"
+#include "scheduler/Prompter.h"
+#include "scheduler/QorloGlobals.h"
+#include "scheduler/SingleInstance.h"
+#include "scheduler/StartUp.h"
 
 #include <QGuiApplication>
 #include <QSocketNotifier>

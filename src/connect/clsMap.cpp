@@ -2,7 +2,7 @@
 
 #include "core/LineReader.h"
 #include "core/QorloError.h"
-#include "store/XMLCode.h"
+#include "core/XMLCode.h"
 
 using namespace XMLCode;
 

@@ -5,7 +5,7 @@
 #include "core/LineReader.h"
 #include "core/Numbers.h"
 #include "core/QorloError.h"
-#include "store/XMLCode.h"
+#include "core/XMLCode.h"
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 #include "core/CommonFile.h"
 #include "core/LineReader.h"
 #include "core/Numbers.h"
-#include "store/XMLCode.h"
+#include "core/XMLCode.h"
 
 #include <QDir>
 #include <QFile>

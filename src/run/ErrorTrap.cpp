@@ -1,7 +1,7 @@
 #include "ErrorTrap.h"
 
 #include "core/QorloError.h"
-#include "run/engine/EngineError.h"
+#include "engine/EngineError.h"
 
 void ErrorTrap::Arm()
 {

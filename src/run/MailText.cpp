@@ -2,8 +2,8 @@
 
 #include "OutputNames.h"
 #include "core/LineReader.h"
-#include "run/engine/Report.h"
-#include "run/engine/ValueFormat.h"
+#include "engine/Report.h"
+#include "engine/ValueFormat.h"
 
 #include <QFileInfo>
 

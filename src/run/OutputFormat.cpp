@@ -5,7 +5,7 @@
 
 #include "core/CommonFile.h"
 #include "core/Numbers.h"
-#include "run/engine/Report.h"
+#include "engine/Report.h"
 #include "store/clsSchedule.h"
 
 #include <algorithm>

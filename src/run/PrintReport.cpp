@@ -5,8 +5,8 @@
 
 #include "core/Clock.h"
 #include "core/Printers.h"
-#include "run/engine/Report.h"
-#include "run/engine/page/CupsPrinter.h"
+#include "engine/Report.h"
+#include "engine/page/CupsPrinter.h"
 #include "store/clsSchedule.h"
 
 #include <QDeadlineTimer>

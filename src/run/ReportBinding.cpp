@@ -9,8 +9,8 @@
 #include "core/DayDate.h"
 #include "core/Numbers.h"
 #include "core/QorloError.h"
-#include "run/engine/Codes.h"
-#include "run/engine/ValueFormat.h"
+#include "engine/Codes.h"
+#include "engine/ValueFormat.h"
 #include "store/clsSchedule.h"
 
 #include <QFileInfo>

@@ -3,8 +3,8 @@
 // of the program a run works with.
 
 #include "run/ErrorTrap.h"
-#include "run/engine/Application.h"
-#include "run/engine/Report.h"
+#include "engine/Application.h"
+#include "engine/Report.h"
 
 #include <QString>
 #include <array>

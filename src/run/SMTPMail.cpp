@@ -8,7 +8,7 @@
 #include "mail/AddressList.h"
 #include "mail/SmtpLog.h"
 #include "mail/frmSMTPSendMail.h"
-#include "run/engine/Report.h"
+#include "engine/Report.h"
 #include "store/clsSchedule.h"
 
 #include <QCoreApplication>

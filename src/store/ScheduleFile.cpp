@@ -1,7 +1,7 @@
 // The schedule file Qorlo.XML: Load, ReadTags and Save of clsSchedule.
 #include "clsSchedule.h"
 
-#include "XMLCode.h"
+#include "core/XMLCode.h"
 #include "clsScheduleInternal.h"
 #include "core/CommonFile.h"
 #include "core/DayDate.h"

@@ -1,6 +1,6 @@
 #include "clsViewer.h"
 
-#include "XMLCode.h"
+#include "core/XMLCode.h"
 #include "core/LineReader.h"
 #include "core/Numbers.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 // The desktop front's message boxes and questions, and its fatal error box.
 
-#include "core/scheduler/Prompter.h"
+#include "scheduler/Prompter.h"
 
 class GuiPrompter : public Prompter
 {

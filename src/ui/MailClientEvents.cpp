@@ -1,6 +1,6 @@
 #include "MailClientEvents.h"
 
-#include "core/scheduler/Prompter.h"
+#include "scheduler/Prompter.h"
 #include "mail/SmtpLog.h"
 #include "mail/clsSendMail.h"
 

@@ -5,8 +5,8 @@
 #include "calendar/AdvanceSchedule.h"
 #include "core/Clock.h"
 #include "core/QorloError.h"
-#include "core/scheduler/Prompter.h"
-#include "core/scheduler/QorloGlobals.h"
+#include "scheduler/Prompter.h"
+#include "scheduler/QorloGlobals.h"
 
 #include <QDialogButtonBox>
 #include <QFormLayout>

@@ -3,8 +3,8 @@
 #include "DialogButtons.h"
 
 #include "core/QorloError.h"
-#include "core/scheduler/Prompter.h"
-#include "core/scheduler/QorloGlobals.h"
+#include "scheduler/Prompter.h"
+#include "scheduler/QorloGlobals.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>

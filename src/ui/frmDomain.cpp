@@ -2,7 +2,7 @@
 
 #include "DialogButtons.h"
 
-#include "core/scheduler/QorloGlobals.h"
+#include "scheduler/QorloGlobals.h"
 
 #include <QDialogButtonBox>
 #include <QHeaderView>

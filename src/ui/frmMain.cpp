@@ -11,10 +11,10 @@
 
 #include "core/Numbers.h"
 #include "core/QorloError.h"
-#include "core/scheduler/Dispatcher.h"
-#include "core/scheduler/Prompter.h"
-#include "core/scheduler/QorloGlobals.h"
-#include "core/scheduler/StartUp.h"
+#include "scheduler/Dispatcher.h"
+#include "scheduler/Prompter.h"
+#include "scheduler/QorloGlobals.h"
+#include "scheduler/StartUp.h"
 
 #include <QApplication>
 #include <QCloseEvent>

@@ -1,7 +1,7 @@
 #pragma once
 // The main window: the schedule grid (the core's ScheduleView), the schedule's commands and Form.XML.
 
-#include "core/scheduler/ScheduleView.h"
+#include "scheduler/ScheduleView.h"
 
 #include <QMainWindow>
 #include <QPointer>

@@ -4,9 +4,9 @@
 
 #include "core/CommonFile.h"
 #include "core/TWReg.h"
-#include "core/scheduler/Dispatcher.h"
-#include "core/scheduler/Prompter.h"
-#include "core/scheduler/QorloGlobals.h"
+#include "scheduler/Dispatcher.h"
+#include "scheduler/Prompter.h"
+#include "scheduler/QorloGlobals.h"
 
 #include <QItemSelectionModel>
 #include <QMenu>

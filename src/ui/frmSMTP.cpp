@@ -5,8 +5,8 @@
 
 #include "core/Numbers.h"
 #include "core/QorloError.h"
-#include "core/scheduler/Prompter.h"
-#include "core/scheduler/QorloGlobals.h"
+#include "scheduler/Prompter.h"
+#include "scheduler/QorloGlobals.h"
 #include "mail/SmtpLog.h"
 #include "mail/clsSendMail.h"
 

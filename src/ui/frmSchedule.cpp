@@ -4,9 +4,9 @@
 #include "DialogButtons.h"
 
 #include "core/Printers.h"
-#include "core/scheduler/ItemRouter.h"
-#include "core/scheduler/Prompter.h"
-#include "core/scheduler/QorloGlobals.h"
+#include "scheduler/ItemRouter.h"
+#include "scheduler/Prompter.h"
+#include "scheduler/QorloGlobals.h"
 
 #include <QCheckBox>
 #include <QComboBox>

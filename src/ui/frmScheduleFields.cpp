@@ -5,8 +5,8 @@
 #include "core/Clock.h"
 #include "core/CommonFile.h"
 #include "core/DayDate.h"
-#include "core/scheduler/Prompter.h"
-#include "core/scheduler/QorloGlobals.h"
+#include "scheduler/Prompter.h"
+#include "scheduler/QorloGlobals.h"
 
 #include <QCheckBox>
 #include <QComboBox>

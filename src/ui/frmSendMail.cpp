@@ -3,8 +3,8 @@
 #include "DialogButtons.h"
 #include "MailClientEvents.h"
 
-#include "core/scheduler/Prompter.h"
-#include "core/scheduler/QorloGlobals.h"
+#include "scheduler/Prompter.h"
+#include "scheduler/QorloGlobals.h"
 #include "mail/SmtpLog.h"
 #include "mail/clsSendMail.h"
 #include "mail/frmSMTPSendMail.h"

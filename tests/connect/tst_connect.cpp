@@ -2,7 +2,7 @@
 #include "connect/clsMap.h"
 #include "core/LineReader.h"
 #include "core/QorloError.h"
-#include "store/XMLCode.h"
+#include "core/XMLCode.h"
 #include "TestMain.h"
 
 #include <QFile>

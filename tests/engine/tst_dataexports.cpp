@@ -1,8 +1,8 @@
 #include "EngineFixtures.h"
 #include "TestMain.h"
-#include "run/engine/Application.h"
-#include "run/engine/EngineError.h"
-#include "run/engine/Report.h"
+#include "engine/Application.h"
+#include "engine/EngineError.h"
+#include "engine/Report.h"
 
 #include <QTemporaryDir>
 

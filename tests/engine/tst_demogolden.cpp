@@ -3,9 +3,9 @@
 
 #include "Peers.h"
 #include "TestMain.h"
-#include "run/engine/Application.h"
-#include "run/engine/Report.h"
-#include "run/engine/page/HtmlPageSink.h"
+#include "engine/Application.h"
+#include "engine/Report.h"
+#include "engine/page/HtmlPageSink.h"
 #include "tst_page_sample.h"
 
 #include <QDate>

@@ -1,8 +1,8 @@
 #include "EngineFixtures.h"
 #include "Peers.h"
 #include "TestMain.h"
-#include "run/engine/Application.h"
-#include "run/engine/Report.h"
+#include "engine/Application.h"
+#include "engine/Report.h"
 
 #include <QProcess>
 #include <QTemporaryDir>

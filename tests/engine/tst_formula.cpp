@@ -1,6 +1,6 @@
 #include "TestMain.h"
-#include "run/engine/EngineError.h"
-#include "run/engine/Formula.h"
+#include "engine/EngineError.h"
+#include "engine/Formula.h"
 
 #include <QDate>
 

@@ -1,4 +1,4 @@
-#include "run/engine/page/HtmlPageSink.h"
+#include "engine/page/HtmlPageSink.h"
 #include "TestMain.h"
 #include "tst_page_sample.h"
 

@@ -2,7 +2,7 @@
 // A hand-made report for the page renderers' tests: on each page a title, column headings under a
 // line, rows of a three-column table in a box, and a "Page N of M" footer.
 
-#include "run/engine/page/PageModel.h"
+#include "engine/page/PageModel.h"
 
 #include <QProcess>
 #include <QRegularExpression>

@@ -1,4 +1,4 @@
-#include "run/engine/page/TextPageSink.h"
+#include "engine/page/TextPageSink.h"
 #include "TestMain.h"
 #include "tst_page_sample.h"
 

@@ -1,4 +1,4 @@
-#include "run/engine/page/PdfPageSink.h"
+#include "engine/page/PdfPageSink.h"
 #include "Peers.h"
 #include "TestMain.h"
 #include "tst_page_sample.h"

@@ -1,7 +1,7 @@
-#include "run/engine/page/HtmlPageSink.h"
-#include "run/engine/page/PdfPageSink.h"
-#include "run/engine/page/RtfPageSink.h"
-#include "run/engine/page/TextPageSink.h"
+#include "engine/page/HtmlPageSink.h"
+#include "engine/page/PdfPageSink.h"
+#include "engine/page/RtfPageSink.h"
+#include "engine/page/TextPageSink.h"
 #include "TestMain.h"
 #include "tst_page_sample.h"
 

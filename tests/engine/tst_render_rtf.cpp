@@ -1,4 +1,4 @@
-#include "run/engine/page/RtfPageSink.h"
+#include "engine/page/RtfPageSink.h"
 #include "Peers.h"
 #include "TestMain.h"
 #include "tst_page_sample.h"

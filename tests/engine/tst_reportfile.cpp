@@ -1,9 +1,9 @@
 #include "EngineFixtures.h"
 #include "TestMain.h"
-#include "run/engine/Application.h"
-#include "run/engine/EngineError.h"
-#include "run/engine/Report.h"
-#include "run/engine/ReportFile.h"
+#include "engine/Application.h"
+#include "engine/EngineError.h"
+#include "engine/Report.h"
+#include "engine/ReportFile.h"
 
 #include <QTemporaryDir>
 

@@ -1,9 +1,9 @@
 #include "CupsPeerFixture.h"
 #include "Peers.h"
 #include "TestMain.h"
-#include "run/engine/Application.h"
-#include "run/engine/EngineError.h"
-#include "run/engine/Report.h"
+#include "engine/Application.h"
+#include "engine/EngineError.h"
+#include "engine/Report.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>

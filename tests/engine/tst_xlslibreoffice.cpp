@@ -1,5 +1,5 @@
-#include "run/engine/xls/XlsSheetSeries.h"
-#include "run/engine/xls/XlsWorkbook.h"
+#include "engine/xls/XlsSheetSeries.h"
+#include "engine/xls/XlsWorkbook.h"
 #include "Peers.h"
 #include "TestMain.h"
 

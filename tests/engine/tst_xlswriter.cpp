@@ -1,8 +1,8 @@
-#include "run/engine/EngineError.h"
-#include "run/engine/xls/CompoundFile.h"
-#include "run/engine/xls/XlsRk.h"
-#include "run/engine/xls/XlsSheetSeries.h"
-#include "run/engine/xls/XlsWorkbook.h"
+#include "engine/EngineError.h"
+#include "engine/xls/CompoundFile.h"
+#include "engine/xls/XlsRk.h"
+#include "engine/xls/XlsSheetSeries.h"
+#include "engine/xls/XlsWorkbook.h"
 #include "Peers.h"
 #include "TestMain.h"
 

@@ -4,7 +4,7 @@
 #include "TestMain.h"
 
 #include "mail/clsSMTP.h"
-#include "store/XMLCode.h"
+#include "core/XMLCode.h"
 
 using namespace SmtpMailTest;
 using namespace TestSupport;

@@ -11,8 +11,8 @@
 
 #include "core/QorloError.h"
 #include "run/MultiRun.h"
-#include "run/engine/Application.h"
-#include "run/engine/Report.h"
+#include "engine/Application.h"
+#include "engine/Report.h"
 
 using namespace MultiRun;
 using namespace SmtpMailTest;

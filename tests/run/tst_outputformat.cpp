@@ -5,8 +5,8 @@
 
 #include "core/QorloError.h"
 #include "run/OutputFormat.h"
-#include "run/engine/Application.h"
-#include "run/engine/Report.h"
+#include "engine/Application.h"
+#include "engine/Report.h"
 
 #include <QFileInfo>
 #include <QTemporaryDir>

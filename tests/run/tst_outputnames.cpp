@@ -1,8 +1,8 @@
 #include "core/QorloError.h"
 #include "run/MailText.h"
 #include "run/OutputNames.h"
-#include "run/engine/Application.h"
-#include "run/engine/Report.h"
+#include "engine/Application.h"
+#include "engine/Report.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 

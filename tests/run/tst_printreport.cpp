@@ -7,9 +7,9 @@
 
 #include "core/QorloError.h"
 #include "run/PrintReport.h"
-#include "run/engine/Application.h"
-#include "run/engine/EngineError.h"
-#include "run/engine/Report.h"
+#include "engine/Application.h"
+#include "engine/EngineError.h"
+#include "engine/Report.h"
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>

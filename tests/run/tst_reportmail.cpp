@@ -6,8 +6,8 @@
 #include "core/QorloError.h"
 #include "mail/SmtpLog.h"
 #include "run/SMTPMail.h"
-#include "run/engine/Application.h"
-#include "run/engine/Report.h"
+#include "engine/Application.h"
+#include "engine/Report.h"
 
 #include <QSqlDatabase>
 #include <QSqlQuery>

@@ -3,7 +3,7 @@
 // to a schedule in one call, small scripts, and bounded waits.
 
 #include "core/QorloError.h"
-#include "core/scheduler/Prompter.h"
+#include "scheduler/Prompter.h"
 #include "store/clsSchedule.h"
 
 #include <QCoreApplication>

@@ -5,10 +5,10 @@
 #include "core/AppFolder.h"
 #include "core/DayDate.h"
 #include "core/TWReg.h"
-#include "core/scheduler/Dispatcher.h"
-#include "core/scheduler/ListScheduleView.h"
-#include "core/scheduler/QorloGlobals.h"
-#include "core/scheduler/StartUp.h"
+#include "scheduler/Dispatcher.h"
+#include "scheduler/ListScheduleView.h"
+#include "scheduler/QorloGlobals.h"
+#include "scheduler/StartUp.h"
 
 #include <QDir>
 #include <QTemporaryDir>

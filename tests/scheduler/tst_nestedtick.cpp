@@ -5,8 +5,8 @@
 
 #include "core/AppFolder.h"
 #include "core/DayDate.h"
-#include "core/scheduler/Dispatcher.h"
-#include "core/scheduler/QorloGlobals.h"
+#include "scheduler/Dispatcher.h"
+#include "scheduler/QorloGlobals.h"
 
 #include <QDir>
 #include <QTemporaryDir>

@@ -4,10 +4,10 @@
 
 #include "core/AppFolder.h"
 #include "core/TWReg.h"
-#include "core/scheduler/Dispatcher.h"
-#include "core/scheduler/QorloGlobals.h"
-#include "core/scheduler/SingleInstance.h"
-#include "core/scheduler/StartUp.h"
+#include "scheduler/Dispatcher.h"
+#include "scheduler/QorloGlobals.h"
+#include "scheduler/SingleInstance.h"
+#include "scheduler/StartUp.h"
 
 #include <QDir>
 #include <QTemporaryDir>

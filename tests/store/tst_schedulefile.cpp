@@ -4,7 +4,7 @@
 #include "core/Ansi.h"
 #include "core/DayDate.h"
 #include "core/QorloError.h"
-#include "store/XMLCode.h"
+#include "core/XMLCode.h"
 #include "store/clsSchedule.h"
 
 #include <QDir>

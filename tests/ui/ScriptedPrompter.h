@@ -2,7 +2,7 @@
 // A prompter for window tests: records every box and question and gives answers set in advance.
 
 #include "core/QorloError.h"
-#include "core/scheduler/Prompter.h"
+#include "scheduler/Prompter.h"
 
 #include <QList>
 #include <QStringList>

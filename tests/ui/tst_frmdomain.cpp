@@ -1,7 +1,7 @@
 #include "ScriptedPrompter.h"
 #include "UiTestMain.h"
 
-#include "core/scheduler/QorloGlobals.h"
+#include "scheduler/QorloGlobals.h"
 #include "ui/frmDomain.h"
 
 #include <QFile>

@@ -3,8 +3,8 @@
 #include "UiTestMain.h"
 
 #include "core/AppFolder.h"
-#include "core/scheduler/Dispatcher.h"
-#include "core/scheduler/QorloGlobals.h"
+#include "scheduler/Dispatcher.h"
+#include "scheduler/QorloGlobals.h"
 #include "ui/frmMain.h"
 #include "ui/frmSchedule.h"
 

@@ -2,7 +2,7 @@
 #include "ScriptedPrompter.h"
 #include "UiTestMain.h"
 
-#include "core/scheduler/QorloGlobals.h"
+#include "scheduler/QorloGlobals.h"
 #include "ui/frmSendMail.h"
 
 #include <QPlainTextEdit>

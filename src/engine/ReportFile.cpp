@@ -1,0 +1,386 @@
+#include "engine/ReportFile.h"
+
+#include "engine/Codes.h"
+#include "engine/EngineError.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QPageSize>
+
+namespace Engine {
+
+namespace {
+
+constexpr int MaxSubreportDepth = 4;
+
+bool IsKnownValueType(int type)
+{
+    return type == NumberField || type == CurrencyField || type == BooleanField || type == DateField ||
+           type == TimeField || type == StringField || type == DateTimeField;
+}
+
+} // namespace
+
+ReportDefinition ReportFile::Read(const QString &fileName)
+{
+    return ReportFile(fileName, 0).readFile();
+}
+
+ReportFile::ReportFile(QString fileName, int depth) : m_fileName(std::move(fileName)), m_depth(depth) {}
+
+ReportDefinition ReportFile::readFile()
+{
+    QFile file(m_fileName);
+    if (!file.exists())
+        throw EngineError(
+            EngineError::FileNotFound,
+            QStringLiteral("Cannot open report file %1: the file does not exist").arg(m_fileName));
+    if (!file.open(QIODevice::ReadOnly))
+        throw EngineError(
+            EngineError::FileNotFound,
+            QStringLiteral("Cannot open report file %1: %2").arg(m_fileName, file.errorString()));
+    m_xml.setDevice(&file);
+    while (m_xml.readNext() != QXmlStreamReader::StartElement) {
+        if (m_xml.atEnd())
+            fail(m_xml.hasError() ? m_xml.errorString()
+                                  : QStringLiteral("the file holds no <report> element"));
+    }
+    ReportDefinition report = readReport();
+    while (!m_xml.atEnd())
+        m_xml.readNext();
+    if (m_xml.hasError() && m_xml.error() != QXmlStreamReader::PrematureEndOfDocumentError)
+        fail(m_xml.errorString());
+    return report;
+}
+
+ReportDefinition ReportFile::readReport()
+{
+    if (m_xml.name() != QLatin1String("report"))
+        fail(QStringLiteral("expected <report>, found <%1>").arg(m_xml.name()));
+    ReportDefinition report;
+    report.fileName = m_fileName;
+    const QString version = attribute("version", true);
+    bool ok = false;
+    report.version = version.toInt(&ok);
+    if (!ok || report.version < 1)
+        fail(QStringLiteral("version \"%1\" is not a whole number above 0").arg(version));
+    if (report.version > Version)
+        fail(QStringLiteral("version %1 is newer than this engine reads (%2)")
+                 .arg(report.version)
+                 .arg(Version));
+    while (m_xml.readNextStartElement())
+        readChild(report);
+    if (m_xml.hasError())
+        fail(m_xml.errorString());
+    return report;
+}
+
+void ReportFile::readChild(ReportDefinition &report)
+{
+    const auto name = m_xml.name();
+    if (name == QLatin1String("title"))
+        report.title = text();
+    else if (name == QLatin1String("table"))
+        report.tables.append(readTable());
+    else if (name == QLatin1String("parameter"))
+        report.parameters.append(readParameter());
+    else if (name == QLatin1String("query"))
+        report.query = text();
+    else if (name == QLatin1String("layout"))
+        readLayout(report.layout);
+    else if (name == QLatin1String("subreport"))
+        report.subreports.append(readSubreport());
+    else if (name == QLatin1String("alert")) {
+        AlertDefinition alert{attribute("name", true), QString()};
+        alert.condition = text();
+        report.alerts.append(alert);
+    } else if (name == QLatin1String("groupSelection"))
+        report.groupSelection = text();
+    else if (name == QLatin1String("savedData"))
+        report.savedData = readSavedData();
+    else
+        unknownElement();
+}
+
+TableDefinition ReportFile::readTable()
+{
+    TableDefinition table;
+    table.name = attribute("name", true);
+    table.location = attribute("location");
+    if (table.location.isEmpty())
+        table.location = table.name;
+    table.dllName = attribute("dll", true);
+    if (table.dllName != QLatin1String("sqlite") && table.dllName != QLatin1String("psql") &&
+        table.dllName != QLatin1String("odbc"))
+        fail(QStringLiteral("dll \"%1\" of table %2 is not sqlite, psql or odbc")
+                 .arg(table.dllName, table.name));
+    while (m_xml.readNextStartElement()) {
+        if (m_xml.name() != QLatin1String("property"))
+            unknownElement();
+        PropertyDefinition property{attribute("name", true), QString()};
+        property.value = text();
+        table.properties.append(property);
+    }
+    return table;
+}
+
+ParameterDefinition ReportFile::readParameter()
+{
+    ParameterDefinition parameter;
+    parameter.name = attribute("name", true);
+    if (parameter.name.startsWith(QLatin1String("{?")) && parameter.name.endsWith(QLatin1Char('}')))
+        parameter.name = parameter.name.mid(2, parameter.name.size() - 3);
+    parameter.valueType = int(numberAttribute("type", StringField));
+    if (!IsKnownValueType(parameter.valueType))
+        fail(QStringLiteral("type %1 of parameter %2 is not one of 7, 8, 9, 10, 11, 12, 16")
+                 .arg(parameter.valueType)
+                 .arg(parameter.name));
+    parameter.prompt = attribute("prompt");
+    parameter.multiple = flagAttribute("multiple");
+    while (m_xml.readNextStartElement()) {
+        if (m_xml.name() == QLatin1String("default"))
+            parameter.defaultValues.append(text());
+        else if (m_xml.name() == QLatin1String("value"))
+            parameter.currentValues.append(text());
+        else
+            unknownElement();
+    }
+    return parameter;
+}
+
+void ReportFile::readLayout(LayoutDefinition &layout)
+{
+    while (m_xml.readNextStartElement()) {
+        const auto name = m_xml.name();
+        if (name == QLatin1String("page"))
+            readPage(layout);
+        else if (name == QLatin1String("pageHeader"))
+            layout.pageHeader = text();
+        else if (name == QLatin1String("pageFooter"))
+            layout.pageFooter = text();
+        else if (name == QLatin1String("column"))
+            layout.columns.append(readColumn());
+        else if (name == QLatin1String("group"))
+            layout.groups.append(readGroup());
+        else if (name == QLatin1String("grandTotal")) {
+            layout.grandTotals.append(readSummary());
+            m_xml.skipCurrentElement();
+        } else
+            unknownElement();
+    }
+}
+
+void ReportFile::readPage(LayoutDefinition &layout)
+{
+    layout.pageSetInFile = true;
+    const QString size = attribute("size");
+    if (!size.isEmpty()) {
+        static const QList<std::pair<QLatin1String, QPageSize::PageSizeId>> sizes = {
+            {QLatin1String("A4"), QPageSize::A4},
+            {QLatin1String("A3"), QPageSize::A3},
+            {QLatin1String("A5"), QPageSize::A5},
+            {QLatin1String("Letter"), QPageSize::Letter},
+            {QLatin1String("Legal"), QPageSize::Legal}};
+        auto found = std::find_if(sizes.begin(), sizes.end(), [&](const auto &s) { return s.first == size; });
+        if (found == sizes.end())
+            fail(QStringLiteral("page size \"%1\" is not A3, A4, A5, Letter or Legal").arg(size));
+        layout.page.size = QPageSize(found->second).size(QPageSize::Point);
+    }
+    const QString orientation = attribute("orientation");
+    if (orientation == QLatin1String("landscape"))
+        layout.page.landscape = true;
+    else if (!orientation.isEmpty() && orientation != QLatin1String("portrait"))
+        fail(QStringLiteral("orientation \"%1\" is not portrait or landscape").arg(orientation));
+    const QString margins = attribute("margins");
+    if (!margins.isEmpty()) {
+        const QStringList parts = margins.split(QLatin1Char(' '), Qt::SkipEmptyParts);
+        QList<double> values;
+        for (const QString &part : parts) {
+            bool ok = false;
+            values.append(part.toDouble(&ok));
+            if (!ok)
+                fail(QStringLiteral("margin \"%1\" is not a number").arg(part));
+        }
+        if (values.size() != 4)
+            fail(QStringLiteral("margins need four numbers: left top right bottom"));
+        layout.page.margins = QMarginsF(values[0], values[1], values[2], values[3]);
+    }
+    layout.fontSize = numberAttribute("fontSize", layout.fontSize);
+    m_xml.skipCurrentElement();
+}
+
+ColumnDefinition ReportFile::readColumn()
+{
+    ColumnDefinition column;
+    column.field = attribute("field", true);
+    column.caption =
+        m_xml.attributes().hasAttribute(QLatin1String("caption")) ? attribute("caption") : column.field;
+    column.width = numberAttribute("width", column.width);
+    const QString align = attribute("align");
+    if (align == QLatin1String("right"))
+        column.alignment = Qt::AlignRight;
+    else if (align == QLatin1String("center"))
+        column.alignment = Qt::AlignHCenter;
+    else if (!align.isEmpty() && align != QLatin1String("left"))
+        fail(QStringLiteral("align \"%1\" is not left, right or center").arg(align));
+    column.format = attribute("format");
+    m_xml.skipCurrentElement();
+    return column;
+}
+
+GroupDefinition ReportFile::readGroup()
+{
+    GroupDefinition group;
+    group.field = attribute("field", true);
+    group.caption = attribute("caption");
+    if (group.caption.isEmpty())
+        group.caption = QStringLiteral("{value}");
+    group.newPage = flagAttribute("newPage");
+    while (m_xml.readNextStartElement()) {
+        if (m_xml.name() != QLatin1String("subtotal"))
+            unknownElement();
+        group.subtotals.append(readSummary());
+        m_xml.skipCurrentElement();
+    }
+    return group;
+}
+
+SummaryDefinition ReportFile::readSummary()
+{
+    SummaryDefinition summary;
+    summary.field = attribute("field", true);
+    const QString function = attribute("function");
+    static const QStringList functions = {QStringLiteral("sum"), QStringLiteral("count"),
+                                          QStringLiteral("avg"), QStringLiteral("min"),
+                                          QStringLiteral("max")};
+    if (!function.isEmpty() && !functions.contains(function))
+        fail(QStringLiteral("function \"%1\" is not sum, count, avg, min or max").arg(function));
+    if (!function.isEmpty())
+        summary.function = function;
+    return summary;
+}
+
+SubreportDefinition ReportFile::readSubreport()
+{
+    SubreportDefinition subreport;
+    subreport.name = attribute("name", true);
+    subreport.fileName = attribute("file");
+    const qint64 line = m_xml.lineNumber();
+    while (m_xml.readNextStartElement()) {
+        if (m_xml.name() == QLatin1String("link")) {
+            subreport.links.append({attribute("parameter", true), attribute("source", true)});
+            m_xml.skipCurrentElement();
+        } else if (m_xml.name() == QLatin1String("report") && subreport.fileName.isEmpty()) {
+            subreport.report = std::make_shared<ReportDefinition>(readReport());
+        } else
+            unknownElement();
+    }
+    if (m_depth >= MaxSubreportDepth)
+        fail(QStringLiteral("sub-report %1 is nested deeper than %2 levels")
+                 .arg(subreport.name)
+                 .arg(MaxSubreportDepth));
+    if (!subreport.fileName.isEmpty()) {
+        const QString path = QFileInfo(m_fileName).dir().filePath(subreport.fileName);
+        if (!QFileInfo::exists(path))
+            throw EngineError(
+                EngineError::FileNotFound,
+                QStringLiteral("Cannot open report file %1: line %2: sub-report file %3 does not exist")
+                    .arg(m_fileName)
+                    .arg(line)
+                    .arg(path));
+        subreport.report = std::make_shared<ReportDefinition>(ReportFile(path, m_depth + 1).readFile());
+    }
+    if (!subreport.report)
+        fail(
+            QStringLiteral("sub-report %1 needs a file attribute or an inline <report>").arg(subreport.name));
+    return subreport;
+}
+
+RecordStore ReportFile::readSavedData()
+{
+    RecordStore store;
+    QStringList names;
+    QList<int> types;
+    while (m_xml.readNextStartElement()) {
+        if (m_xml.name() == QLatin1String("field")) {
+            names.append(attribute("name", true));
+            types.append(int(numberAttribute("type", StringField)));
+            m_xml.skipCurrentElement();
+            continue;
+        }
+        if (m_xml.name() != QLatin1String("row"))
+            unknownElement();
+        if (store.fieldNames().isEmpty())
+            store.setFields(names, types);
+        RecordStore::Row row;
+        while (m_xml.readNextStartElement()) {
+            if (m_xml.name() != QLatin1String("v"))
+                unknownElement();
+            if (row.size() >= types.size())
+                fail(
+                    QStringLiteral("a saved row has more values than the %1 saved fields").arg(types.size()));
+            const bool null = flagAttribute("null");
+            const QString value = text();
+            row.append(null ? QVariant() : RecordStore::fromText(value, types[row.size()]));
+        }
+        if (row.size() != types.size())
+            fail(QStringLiteral("a saved row has %1 values for %2 saved fields")
+                     .arg(row.size())
+                     .arg(types.size()));
+        store.append(std::move(row));
+    }
+    if (store.fieldNames().isEmpty())
+        store.setFields(names, types);
+    return store;
+}
+
+QString ReportFile::attribute(const char *name, bool required)
+{
+    const QLatin1String key(name);
+    if (required && !m_xml.attributes().hasAttribute(key))
+        fail(QStringLiteral("<%1> needs the attribute %2").arg(m_xml.name(), key));
+    return m_xml.attributes().value(key).toString();
+}
+
+double ReportFile::numberAttribute(const char *name, double fallback)
+{
+    const QString value = attribute(name);
+    if (value.isEmpty())
+        return fallback;
+    bool ok = false;
+    const double number = value.toDouble(&ok);
+    if (!ok)
+        fail(QStringLiteral("%1 \"%2\" of <%3> is not a number")
+                 .arg(QLatin1String(name), value, m_xml.name()));
+    return number;
+}
+
+bool ReportFile::flagAttribute(const char *name)
+{
+    const QString value = attribute(name).toLower();
+    return value == QLatin1String("true") || value == QLatin1String("yes") || value == QLatin1String("1");
+}
+
+QString ReportFile::text()
+{
+    const QString value = m_xml.readElementText(QXmlStreamReader::ErrorOnUnexpectedElement);
+    if (m_xml.hasError())
+        fail(m_xml.errorString());
+    return value;
+}
+
+void ReportFile::fail(const QString &what)
+{
+    throw EngineError(EngineError::BadReportFile, QStringLiteral("Cannot open report file %1: line %2: %3")
+                                                      .arg(m_fileName)
+                                                      .arg(m_xml.lineNumber())
+                                                      .arg(what));
+}
+
+void ReportFile::unknownElement()
+{
+    fail(QStringLiteral("unknown element <%1>").arg(m_xml.name()));
+}
+
+} // namespace Engine

@@ -1,0 +1,45 @@
+#pragma once
+// Reads a report file (.rpt, XML) into a ReportDefinition, sub-report files included.
+
+#include "engine/ReportDefinition.h"
+
+#include <QXmlStreamReader>
+
+namespace Engine {
+
+class ReportFile
+{
+public:
+    // Raises EngineError naming the file, the line and what to fix.
+    static ReportDefinition Read(const QString &fileName);
+    // The version of the format this engine reads and writes.
+    static constexpr int Version = 1;
+
+private:
+    ReportFile(QString fileName, int depth);
+    ReportDefinition readFile();
+    ReportDefinition readReport();
+    void readChild(ReportDefinition &report);
+    TableDefinition readTable();
+    ParameterDefinition readParameter();
+    void readLayout(LayoutDefinition &layout);
+    void readPage(LayoutDefinition &layout);
+    ColumnDefinition readColumn();
+    GroupDefinition readGroup();
+    SummaryDefinition readSummary();
+    SubreportDefinition readSubreport();
+    RecordStore readSavedData();
+
+    QString attribute(const char *name, bool required = false);
+    double numberAttribute(const char *name, double fallback);
+    bool flagAttribute(const char *name);
+    QString text();
+    [[noreturn]] void fail(const QString &what);
+    [[noreturn]] void unknownElement();
+
+    QString m_fileName;
+    int m_depth;
+    QXmlStreamReader m_xml;
+};
+
+} // namespace Engine

@@ -1,0 +1,87 @@
+#include "CommandFolders.h"
+
+#include "mail/MailDocument.h"
+#include "QorloGlobals.h"
+
+#include "core/Clock.h"
+#include "mail/SmtpLog.h"
+
+#include <QDir>
+#include <QFile>
+#include <QScopeGuard>
+
+namespace {
+
+// The command files of the folder in directory order; none while a lock file lies there. One listing
+// serves both tests, so an idle folder costs one directory read.
+QStringList CommandFiles(const QString &path)
+{
+    const QFileInfoList entries = QDir(path).entryInfoList({QStringLiteral("*.xml"), QStringLiteral("*.lck")},
+                                                           QDir::Files | QDir::Hidden, QDir::Unsorted);
+    QStringList files;
+    for (const QFileInfo &entry : entries) {
+        if (entry.suffix().compare(QLatin1String("lck"), Qt::CaseInsensitive) == 0)
+            return {};
+        files.append(entry.fileName());
+    }
+    return files;
+}
+
+void LogCommandFile(QorloGlobals &globals, const QString &logTag, const QString &name)
+{
+    const double now = Now();
+    WriteLogEntry(globals.Log, logTag, now, now, QString(),
+                  QStringLiteral("Process Remote command file: ") + name, 0);
+}
+
+void ShowChanges(QorloGlobals &globals)
+{
+    globals.SaveSchedule();
+    globals.ViewTable();
+    globals.DisplayCaption();
+}
+
+} // namespace
+
+void PollCommandFolders(QorloGlobals &globals)
+{
+    ProcessRemoteFolder(globals, globals.PathOf(QStringLiteral("Remote")), QStringLiteral("REMOTE"));
+    ProcessMailFolder(globals, globals.PathOf(QStringLiteral("Mail")), QStringLiteral("MAIL"));
+}
+
+void ProcessRemoteFolder(QorloGlobals &globals, const QString &path, const QString &logTag)
+{
+    const QStringList files = CommandFiles(path);
+    if (files.isEmpty())
+        return;
+    for (const QString &name : files) {
+        const QString file = path + QLatin1Char('/') + name;
+        globals.Schedule.Load(file);
+        QFile::remove(file);
+        LogCommandFile(globals, logTag, name);
+    }
+    ShowChanges(globals);
+}
+
+void ProcessMailFolder(QorloGlobals &globals, const QString &path, const QString &logTag)
+{
+    // A send pumps events, so a tick can nest inside this pass. It leaves the folder alone: the
+    // document being sent is deleted only when its send ends and would otherwise go out twice.
+    static bool passRunning = false;
+    if (passRunning)
+        return;
+    const QStringList files = CommandFiles(path);
+    if (files.isEmpty())
+        return;
+    passRunning = true;
+    const auto done = qScopeGuard([] { passRunning = false; });
+    SmtpLog::StartSmtpLog(QStringLiteral("QorloMAIL processing inside QorloMANAGER"));
+    for (const QString &name : files) {
+        const QString file = path + QLatin1Char('/') + name;
+        if (!ProcessMailDocument(globals.AppPath, file))
+            globals.View().SetStatusText(QStringLiteral("Invalid XML Doc"));
+        QFile::remove(file);
+        LogCommandFile(globals, logTag, name);
+    }
+    ShowChanges(globals);
+}
