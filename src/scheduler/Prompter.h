@@ -20,12 +20,13 @@ public:
     // process with status 1.
     virtual void FatalError(const QorloError &error) = 0;
     // The wait cursor around a run started by hand.
-    virtual void SetBusy(bool busy) {}
+    virtual void SetBusy(bool /*busy*/) {}
     // A file or a folder the operator picks, starting in `folder`; empty when cancelled, and always
     // on a front without dialogs. `filter` is in the form "Name (*.ext);;Other (*)".
-    virtual QString AskOpenFileName(const QString &title, const QString &folder, const QString &filter)
+    virtual QString AskOpenFileName(const QString & /*title*/, const QString & /*folder*/,
+                                    const QString & /*filter*/)
     {
         return QString();
     }
-    virtual QString AskFolder(const QString &title, const QString &folder) { return QString(); }
+    virtual QString AskFolder(const QString & /*title*/, const QString & /*folder*/) { return QString(); }
 };

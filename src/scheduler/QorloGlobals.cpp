@@ -7,9 +7,9 @@
 #include "core/DayDate.h"
 #include "log/StatusPages.h"
 
-QorloGlobals::QorloGlobals(const QString &appPath, Prompter &prompter)
+QorloGlobals::QorloGlobals(const QString &appPath, Prompter &frontPrompter)
     : AppPath(appPath), Schedule(appPath), Connections(appPath), Log(appPath), TableMap(appPath),
-      Viewer(appPath), prompter(prompter), NextWebRefresh(DayDate::FromParts(2000, 1, 1)),
+      Viewer(appPath), prompter(frontPrompter), NextWebRefresh(DayDate::FromParts(2000, 1, 1)),
       m_listView(Schedule), m_view(&m_listView)
 {
     InstallLogWebPage(Log);

@@ -82,8 +82,8 @@ void TestSmtpMail::textBodyAndMissingFiles()
     QCOMPARE(PartOf(parsed, 0).value(QStringLiteral("text")).toString(),
              QStringLiteral("\nHello\nRegion|Amount\nNorth|10\n"));
     const QStringList log = app.smtpLog().split(QStringLiteral("\r\n"));
-    const auto line = [](const QString &text) -> QString {
-        return QStringLiteral("^\\d\\d:\\d\\d   ") + QRegularExpression::escape(text) + QLatin1Char('$');
+    const auto line = [](const QString &entry) -> QString {
+        return QStringLiteral("^\\d\\d:\\d\\d   ") + QRegularExpression::escape(entry) + QLatin1Char('$');
     };
     for (const QString &expected :
          QStringList{QStringLiteral("Send Report: Sales"),
