@@ -16,7 +16,7 @@ int main(int argc, char **argv)
     GuiPrompter prompter;
     try {
         const QString executable = QCoreApplication::applicationFilePath();
-        QorloGlobals globals(AppFolder::Resolve(executable), prompter);
+        QorloGlobals globals(AppFolder::Enter(executable), prompter);
         SingleInstance instance;
         Dispatcher dispatcher(globals);
         frmMain window(globals, dispatcher);
