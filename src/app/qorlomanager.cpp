@@ -9,10 +9,14 @@
 #include "ui/frmMain.h"
 
 #include <QApplication>
+#include <QIcon>
 
 int main(int argc, char **argv)
 {
     QApplication app(argc, argv);
+    // The icon and desktop entry that the package installs.
+    QGuiApplication::setDesktopFileName(QStringLiteral("qorlomanager"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("qorlomanager")));
     GuiPrompter prompter;
     try {
         const QString executable = QCoreApplication::applicationFilePath();
