@@ -97,7 +97,7 @@ void TestInstances::templateUnitRunsOneScheduleEachFolder()
     }
     QVERIFY(AppTest::ReadFile(salesFolder + u"/QorloLog.XML"_s).contains("Sales figures"));
     QVERIFY(!AppTest::ReadFile(salesFolder + u"/QorloLog.XML"_s).contains("Stock levels"));
-    QVERIFY(AppTest::ReadFile(stockFolder + u"/Web/logstat.htm"_s).contains("Stock levels"));
+    QVERIFY(AppTest::WaitForText(stockFolder + u"/Web/logstat.htm"_s, "Stock levels", 5000));
     QVERIFY(!AppTest::ReadFile(stockFolder + u"/Web/logstat.htm"_s).contains("Sales figures"));
 
     // A third process on the sales folder, named through another path, is refused.

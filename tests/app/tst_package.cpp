@@ -107,7 +107,7 @@ void TestPackage::installedPackageRunsTheExample()
     QVERIFY2(!report.isEmpty(), AppTest::ReadFile(app + u"/QorloLog.XML"_s).constData());
     QVERIFY(AppTest::WaitForText(report, "%%EOF", 10000));
     QVERIFY(AppTest::ReadFile(report).startsWith("%PDF-"));
-    QVERIFY(AppTest::ReadFile(app + u"/QorloLog.XML"_s).contains("Successful output to Output/sales-"));
+    QVERIFY(AppTest::WaitForText(app + u"/QorloLog.XML"_s, "Successful output to Output/sales-", 10000));
     QVERIFY(QFile::exists(app + u"/Help/guide/index.html"_s));
     daemon.stop();
     QCOMPARE(daemon.process()->exitCode(), 0);
