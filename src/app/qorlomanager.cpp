@@ -9,14 +9,18 @@
 #include "ui/frmMain.h"
 
 #include <QApplication>
+#include <QIcon>
 
 int main(int argc, char **argv)
 {
     QApplication app(argc, argv);
+    // The icon and desktop entry that the package installs.
+    QGuiApplication::setDesktopFileName(QStringLiteral("qorlomanager"));
+    QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("qorlomanager")));
     GuiPrompter prompter;
     try {
         const QString executable = QCoreApplication::applicationFilePath();
-        QorloGlobals globals(AppFolder::Resolve(executable), prompter);
+        QorloGlobals globals(AppFolder::Enter(executable), prompter);
         SingleInstance instance;
         Dispatcher dispatcher(globals);
         frmMain window(globals, dispatcher);

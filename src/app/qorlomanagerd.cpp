@@ -80,7 +80,7 @@ int main(int argc, char **argv)
     StderrPrompter prompter;
     try {
         const QString executable = QCoreApplication::applicationFilePath();
-        QorloGlobals globals(AppFolder::Resolve(executable), prompter);
+        QorloGlobals globals(AppFolder::Enter(executable), prompter);
         SingleInstance instance;
         Dispatcher dispatcher(globals);
         if (!StartUp(globals, instance, dispatcher, executable))

@@ -38,4 +38,14 @@ void MakeWorkingFolders(const QString &appPath)
     }
 }
 
+QString Enter(const QString &executablePath)
+{
+    const QString named = qEnvironmentVariable("QORLO_APP_FOLDER");
+    const QString folder =
+        named.isEmpty() ? Resolve(executablePath) : QDir::cleanPath(QDir(named).absolutePath());
+    QDir().mkpath(folder);
+    QDir::setCurrent(folder);
+    return folder;
+}
+
 } // namespace AppFolder

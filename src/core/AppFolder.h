@@ -12,5 +12,9 @@ QString Resolve(const QString &executablePath);
 QStringList WorkingFolderNames();
 // Makes each missing working folder; the command folders are made readable by the owner only.
 void MakeWorkingFolders(const QString &appPath);
+// The application folder of this process: the folder named by the environment variable QORLO_APP_FOLDER
+// (made when missing), else Resolve(). It becomes the working folder, so that relative names in the
+// schedule mean files in it however the program was started.
+QString Enter(const QString &executablePath);
 
 } // namespace AppFolder

@@ -14,7 +14,11 @@
 
 void StartProgram(const QString &program, const QStringList &arguments)
 {
-    if (!QProcess::startDetached(program, arguments))
+    // A name that is a file of the working folder (the application folder) means that file, as a
+    // name without a folder does everywhere in the schedule; only other names are looked up in PATH.
+    const QFileInfo file(program);
+    const QString path = file.isFile() ? file.absoluteFilePath() : program;
+    if (!QProcess::startDetached(path, arguments))
         throw QorloError(QorloError::InvalidCall);
 }
 

@@ -7,6 +7,7 @@
 #include "SingleInstance.h"
 
 #include "core/AppFolder.h"
+#include "core/HelpPages.h"
 #include "core/Printers.h"
 #include "core/TWReg.h"
 
@@ -62,6 +63,7 @@ bool StartUp(QorloGlobals &globals, SingleInstance &instance, Dispatcher &dispat
         return false;
     }
     AppFolder::MakeWorkingFolders(globals.AppPath);
+    HelpPages::Refresh(HelpPages::InstalledFolder(executablePath), globals.PathOf(QStringLiteral("Help")));
     if (Printers::Installed().isEmpty())
         globals.prompter.ShowMessage(QStringLiteral("Printer Setup"),
                                      QStringLiteral("Warning - No printers configured"),
