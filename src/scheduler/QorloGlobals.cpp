@@ -1,5 +1,6 @@
 #include "QorloGlobals.h"
 
+#include "PrinterNames.h"
 #include "Prompter.h"
 
 #include "calendar/NextRun.h"
@@ -12,6 +13,7 @@ QorloGlobals::QorloGlobals(const QString &appPath, Prompter &frontPrompter)
       Viewer(appPath), prompter(frontPrompter), NextWebRefresh(DayDate::FromParts(2000, 1, 1)),
       m_listView(Schedule), m_view(&m_listView)
 {
+    Schedule.PrinterNames = InstalledPrinterNames;
     InstallLogWebPage(Log);
 }
 

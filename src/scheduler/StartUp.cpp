@@ -2,12 +2,12 @@
 
 #include "Dispatcher.h"
 #include "Prompter.h"
+#include "PrinterNames.h"
 #include "QorloGlobals.h"
 #include "ScheduleView.h"
 #include "SingleInstance.h"
 
 #include "core/AppFolder.h"
-#include "core/Printers.h"
 #include "core/TWReg.h"
 
 namespace {
@@ -62,7 +62,7 @@ bool StartUp(QorloGlobals &globals, SingleInstance &instance, Dispatcher &dispat
         return false;
     }
     AppFolder::MakeWorkingFolders(globals.AppPath);
-    if (Printers::Installed().isEmpty())
+    if (InstalledPrinterNames().isEmpty())
         globals.prompter.ShowMessage(QStringLiteral("Printer Setup"),
                                      QStringLiteral("Warning - No printers configured"),
                                      Prompter::Icon::Warning);

@@ -8,7 +8,6 @@
 #include "core/DayDate.h"
 #include "core/LineReader.h"
 #include "core/Numbers.h"
-#include "core/Printers.h"
 #include "core/QorloError.h"
 
 #include <QFileInfo>
@@ -491,8 +490,10 @@ void clsSchedule::Save(const QString &path)
     }
 
     WriteOpenTag(QStringLiteral("ServerPrinters"));
-    for (const PrinterInfo &printer : Printers::Installed())
-        element("MyPrinter", printer.name);
+    if (PrinterNames) {
+        for (const QString &printer : PrinterNames())
+            element("MyPrinter", printer);
+    }
     WriteCloseTag(QStringLiteral("ServerPrinters"));
 
     WriteOpenTag(QStringLiteral("DefaultDomains"));
