@@ -1,5 +1,5 @@
 // Saves and loads a Qorlo.XML of 2000 items with 3000 parameters and prints the times.
-#include "core/Printers.h"
+#include "scheduler/PrinterNames.h"
 #include "store/clsSchedule.h"
 
 #include <QCoreApplication>
@@ -76,6 +76,7 @@ int main(int argc, char **argv)
     QTemporaryDir dir;
     const QString path = dir.filePath(QStringLiteral("Qorlo.XML"));
     clsSchedule schedule(dir.path());
+    schedule.PrinterNames = InstalledPrinterNames;
     Fill(schedule);
 
     const int rounds = 9;
@@ -83,7 +84,7 @@ int main(int argc, char **argv)
     QElapsedTimer timer;
     for (int r = 0; r < rounds; ++r) {
         timer.start();
-        const auto list = Printers::Installed();
+        const QStringList list = InstalledPrinterNames();
         printers.push_back(timer.nsecsElapsed() / 1e6);
 
         double cpu = CpuMs();

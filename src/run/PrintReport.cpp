@@ -4,7 +4,6 @@
 #include "RunState.h"
 
 #include "core/Clock.h"
-#include "core/Printers.h"
 #include "engine/Report.h"
 #include "engine/page/CupsPrinter.h"
 #include "store/clsSchedule.h"
@@ -42,20 +41,20 @@ void PrintOut(RunContext &run, Engine::Report &report, qint16 copies)
 void PrintReport(RunContext &run, Engine::Report &report, const QString &printerName, qint16 copies)
 {
     // An empty name never means the default printer, also on a machine that has none.
-    const QString defaultPrinter = Printers::DefaultPrinterName();
+    const QString defaultPrinter = Engine::CupsPrinter::DefaultPrinterName();
     if (!defaultPrinter.isEmpty() && printerName == defaultPrinter) {
         PrintOut(run, report, copies);
         return;
     }
-    const QList<PrinterInfo> printers = Printers::Installed();
+    const QList<Engine::PrinterInfo> printers = Engine::CupsPrinter::InstalledPrinters();
     if (printers.isEmpty()) {
         LogResult(run, Now(), QStringLiteral("ERROR: Could not print to ") + printerName, 0);
         return;
     }
-    for (const PrinterInfo &printer : printers) {
-        if (printer.name == printerName) {
+    for (const Engine::PrinterInfo &printer : printers) {
+        if (printer.deviceName == printerName) {
             run.state.trap.Guard(
-                [&] { report.SelectPrinter(printer.makeAndModel, printer.name, printer.deviceUri); });
+                [&] { report.SelectPrinter(printer.driverName, printer.deviceName, printer.port); });
             PrintOut(run, report, copies);
             return;
         }

@@ -2,6 +2,7 @@
 
 #include "mail/MailDocument.h"
 #include "QorloGlobals.h"
+#include "ScheduleView.h"
 
 #include "core/Clock.h"
 #include "mail/SmtpLog.h"

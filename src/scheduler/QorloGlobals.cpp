@@ -1,19 +1,26 @@
 #include "QorloGlobals.h"
 
+#include "ListScheduleView.h"
+#include "PrinterNames.h"
 #include "Prompter.h"
 
 #include "calendar/NextRun.h"
 #include "core/Clock.h"
 #include "core/DayDate.h"
 #include "log/StatusPages.h"
+#include "run/RunState.h"
 
 QorloGlobals::QorloGlobals(const QString &appPath, Prompter &frontPrompter)
     : AppPath(appPath), Schedule(appPath), Connections(appPath), Log(appPath), TableMap(appPath),
       Viewer(appPath), prompter(frontPrompter), NextWebRefresh(DayDate::FromParts(2000, 1, 1)),
-      m_listView(Schedule), m_view(&m_listView)
+      m_listView(std::make_unique<ListScheduleView>(Schedule)), m_view(m_listView.get()),
+      m_run(std::make_unique<RunState>())
 {
+    Schedule.PrinterNames = InstalledPrinterNames;
     InstallLogWebPage(Log);
 }
+
+QorloGlobals::~QorloGlobals() = default;
 
 RunContext QorloGlobals::Context()
 {
@@ -21,7 +28,7 @@ RunContext QorloGlobals::Context()
                       Log,
                       Connections,
                       TableMap,
-                      Run,
+                      *m_run,
                       AppPath,
                       [this] { SaveWeb(); },
                       [this](const QString &title, const QString &text) {

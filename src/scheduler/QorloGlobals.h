@@ -2,24 +2,29 @@
 // The global objects of a running scheduler, one of each, with the main window's state that the tick
 // works on and the grid operations that keep NextRunDate current.
 
-#include "ListScheduleView.h"
-
 #include "connect/clsConnect.h"
 #include "connect/clsMap.h"
 #include "log/clsLog.h"
-#include "run/RunState.h"
 #include "store/clsSchedule.h"
 #include "store/clsViewer.h"
 
 #include <QString>
 
+#include <memory>
+
+// Held by pointer, so that the windows that include this header do not depend on the report engine.
+class ListScheduleView;
 class Prompter;
+class ScheduleView;
+struct RunContext;
+struct RunState;
 
 class QorloGlobals
 {
 public:
     // The objects are created in the order of start-up: schedule, connections, log, table map, viewer.
     QorloGlobals(const QString &appPath, Prompter &prompter);
+    ~QorloGlobals();
     QorloGlobals(const QorloGlobals &) = delete;
     QorloGlobals &operator=(const QorloGlobals &) = delete;
 
@@ -30,8 +35,6 @@ public:
     clsMap TableMap;
     clsViewer Viewer;
     Prompter &prompter;
-    // The process-wide state of report runs.
-    RunState Run;
 
     // The earliest NextRun as of the last grid refresh; the cache that keeps idle ticks cheap.
     double NextRunDate = 0;
@@ -66,8 +69,10 @@ public:
 private:
     void CountActive();
 
-    ListScheduleView m_listView;
+    std::unique_ptr<ListScheduleView> m_listView;
     ScheduleView *m_view;
+    // The process-wide state of report runs.
+    std::unique_ptr<RunState> m_run;
     // ActiveCount parses every NextRun; like NextRunDate it follows the grid refreshes, so that the
     // caption of an idle tick costs nothing.
     qint32 m_activeCount = 0;

@@ -2,13 +2,13 @@
 
 #include "Dispatcher.h"
 #include "Prompter.h"
+#include "PrinterNames.h"
 #include "QorloGlobals.h"
 #include "ScheduleView.h"
 #include "SingleInstance.h"
 
 #include "core/AppFolder.h"
 #include "core/HelpPages.h"
-#include "core/Printers.h"
 #include "core/TWReg.h"
 
 namespace {
@@ -64,7 +64,7 @@ bool StartUp(QorloGlobals &globals, SingleInstance &instance, Dispatcher &dispat
     }
     AppFolder::MakeWorkingFolders(globals.AppPath);
     HelpPages::Refresh(HelpPages::InstalledFolder(executablePath), globals.PathOf(QStringLiteral("Help")));
-    if (Printers::Installed().isEmpty())
+    if (InstalledPrinterNames().isEmpty())
         globals.prompter.ShowMessage(QStringLiteral("Printer Setup"),
                                      QStringLiteral("Warning - No printers configured"),
                                      Prompter::Icon::Warning);

@@ -2,12 +2,12 @@
 #include "clsSchedule.h"
 
 #include "core/XMLCode.h"
+#include "ScheduleColumns.h"
 #include "clsScheduleInternal.h"
 #include "core/CommonFile.h"
 #include "core/DayDate.h"
 #include "core/LineReader.h"
 #include "core/Numbers.h"
-#include "core/Printers.h"
 #include "core/QorloError.h"
 
 #include <QFileInfo>
@@ -18,17 +18,14 @@
 
 namespace {
 
-// Tags with an action of their own; the item columns stored without more use their column number.
+// The tags of the settings, parameters and collections; an item column's tag has the column's number.
 enum Tag {
-    tagReportID = 100,
-    tagDeleteReportID,
+    tagDeleteReportID = 100,
     tagLoadNewFile,
     tagLoadNewFolder,
     tagScheduleState,
     tagAutoRun,
-    tagPrinterCopies,
-    tagLongItem, // + column
-    tagSMTPStdMessage = 200,
+    tagSMTPStdMessage,
     tagCollection,
     tagCollectionID,
     tagCollectionItem,
@@ -100,19 +97,15 @@ const TagIndex &TagTable()
         auto add = [&t](const char *name, int code) {
             t.insert(QLatin1Char('<') + QLatin1String(name) + QLatin1Char('>'), code);
         };
-        add("ReportID", tagReportID);
+        for (const ScheduleColumns::ItemColumn &item : ScheduleColumns::Items) {
+            if (item.written != ScheduleColumns::Never)
+                add(item.tag, item.column);
+        }
         add("DeleteReportID", tagDeleteReportID);
         add("LoadNewFile", tagLoadNewFile);
         add("LoadNewFolder", tagLoadNewFolder);
         add("Schedule_State", tagScheduleState);
         add("AutoRun", tagAutoRun);
-        add("PrinterCopies", tagPrinterCopies);
-        add("ReportDescription", int(tagLongItem) + int(clsSchedule::colReportDescription));
-        add("Report-Message", int(tagLongItem) + int(clsSchedule::colRptMessage));
-        add("Notify-Msg", int(tagLongItem) + int(clsSchedule::colNotifyMsg));
-        add("Error-Msg", int(tagLongItem) + int(clsSchedule::colErrorMsg));
-        add("MultiRunLineSuccessMsg", int(tagLongItem) + int(clsSchedule::colMultiRunLineSuccessMsg));
-        add("MultiRunLineErrorMsg", int(tagLongItem) + int(clsSchedule::colMultiRunLineErrorMsg));
         add("SMTP-StdMessage", tagSMTPStdMessage);
         add("Collection", tagCollection);
         add("CollectionID", tagCollectionID);
@@ -137,40 +130,6 @@ const TagIndex &TagTable()
         add("Application", tagApplication);
         add("StartTime", tagStartTime);
         add("StopTime", tagStopTime);
-        // Item columns stored without more.
-        for (int column : {clsSchedule::colName,
-                           clsSchedule::colFile,
-                           clsSchedule::colSchedule,
-                           clsSchedule::colFrequency,
-                           clsSchedule::colFreqTimes,
-                           clsSchedule::colDest,
-                           clsSchedule::colPrinterOrient,
-                           clsSchedule::colLocation,
-                           clsSchedule::colOutputFormat,
-                           clsSchedule::colPrompt,
-                           clsSchedule::colPrinter,
-                           clsSchedule::colEmail,
-                           clsSchedule::colRptToCC,
-                           clsSchedule::colRptToBCC,
-                           clsSchedule::colRptSubject,
-                           clsSchedule::colRptFrom,
-                           clsSchedule::colNotifyTo,
-                           clsSchedule::colErrorTo,
-                           clsSchedule::colMultiRunLineSuccessTo,
-                           clsSchedule::colMultiRunLineErrorTo,
-                           clsSchedule::colGroup,
-                           clsSchedule::colSelFormula,
-                           clsSchedule::colNextRun,
-                           clsSchedule::colLastRun,
-                           clsSchedule::colCustomCalendarFile,
-                           clsSchedule::colNoRecords,
-                           clsSchedule::colEMailAttach,
-                           clsSchedule::colMailAttach,
-                           clsSchedule::colDateStamp,
-                           clsSchedule::colHTMLPages,
-                           clsSchedule::colRetainData,
-                           clsSchedule::colCollectionName})
-            t.insert(QLatin1Char('<') + clsSchedule::ColumnTag(column) + QLatin1Char('>'), column);
         add("LastReport", tagLastReport);
         add("LastReportMsg", tagLastReportMsg);
         add("ParameterReportID", tagParmReportID);
@@ -235,6 +194,19 @@ QString FileDateTime(double value)
            Numbers::FormatZeros(moment.time().minute(), 2);
 }
 
+// Whether an item's column goes into the file. Nothing in a save may throw: the writer would keep the
+// half-written file open.
+bool IsWritten(const ScheduleColumns::ItemColumn &column, const QString &text)
+{
+    switch (column.written) {
+    case ScheduleColumns::Always: return true;
+    case ScheduleColumns::WhenSet: return !text.isEmpty();
+    case ScheduleColumns::WhenCopies: return Numbers::RoundEven(ScheduleInternal::FastValue(text)) >= 1;
+    case ScheduleColumns::Never: return false;
+    }
+    return false;
+}
+
 } // namespace
 
 QString clsSchedule::ApplicationVersion()
@@ -285,23 +257,29 @@ void clsSchedule::readTag(int code, QString &line)
     if (code < 0)
         return;
 
-    if (code < ItemColumnCount) {
-        itemAt(code) = value;
-        return;
-    }
-    auto longValue = [&]() {
-        const QString endTag = code == tagSMTPStdMessage
-                                   ? QStringLiteral("</SMTP-StdMessage>")
-                                   : QStringLiteral("</") + ColumnTag(code - tagLongItem) + QLatin1Char('>');
+    auto longValue = [&](const QString &endTag) {
         if (m_reader)
             return XMLCode::ReadLongElement(*m_reader, line, endTag);
         LineReader none = LineReader::FromText(QString());
         return XMLCode::ReadLongElement(none, line, endTag);
     };
-    if (code >= tagLongItem && code < tagLongItem + ItemColumnCount) {
-        const int column = code - tagLongItem;
-        const QString text = longValue();
-        itemAt(column) = text;
+    if (code < ItemColumnCount) {
+        const ScheduleColumns::ItemColumn &item = ScheduleColumns::Of(code);
+        if (code == colReportID) {
+            if (Confirm(value)) {
+                Find(value);
+            } else {
+                AddNew();
+                SetReportID(value);
+            }
+        } else if (code == colPrinterCopies) {
+            SetPrinterCopies(Numbers::ToInt16(ScheduleInternal::FastValue(value)));
+        } else if (item.form == ScheduleColumns::Long) {
+            const QString text = longValue(QStringLiteral("</") + QLatin1String(item.tag) + QLatin1Char('>'));
+            itemAt(code) = text;
+        } else {
+            itemAt(code) = value;
+        }
         return;
     }
     if (code >= tagDomain0 && code < tagDomain0 + DomainCount) {
@@ -309,14 +287,6 @@ void clsSchedule::readTag(int code, QString &line)
         return;
     }
     switch (code) {
-    case tagReportID:
-        if (Confirm(value)) {
-            Find(value);
-        } else {
-            AddNew();
-            SetReportID(value);
-        }
-        break;
     case tagDeleteReportID:
         Find(value);
         Delete(value);
@@ -332,8 +302,7 @@ void clsSchedule::readTag(int code, QString &line)
     case tagLoadNewFolder: AddFolder2Schedule(value); break;
     case tagScheduleState: Active = value == QLatin1String("Active"); break;
     case tagAutoRun: AutoRun = true; break;
-    case tagPrinterCopies: SetPrinterCopies(Numbers::ToInt16(ScheduleInternal::FastValue(value))); break;
-    case tagSMTPStdMessage: SMTP_StdMessage = longValue(); break;
+    case tagSMTPStdMessage: SMTP_StdMessage = longValue(QStringLiteral("</SMTP-StdMessage>")); break;
     case tagCollection: NewCollectionItem(); break;
     case tagCollectionID: SetCollectionID(value); break;
     case tagCollectionItem: SetCollectionItem(value); break;
@@ -467,57 +436,27 @@ void clsSchedule::Save(const QString &path)
     element("BackupManualFile", BackupManualFile);
     WriteCloseTag(QStringLiteral("Current_Version"));
 
-    static const int firstGroup[] = {colReportID,     colName,      colFile,   colSchedule,
-                                     colFrequency,    colFreqTimes, colDest,   colLocation,
-                                     colOutputFormat, colPrompt,    colPrinter};
-    static const int secondGroup[] = {colPrinterOrient, colEmail,    colGroup,     colSelFormula,
-                                      colNextRun,       colLastRun,  colNoRecords, colEMailAttach,
-                                      colHTMLPages,     colDateStamp};
-    static const int thirdGroup[] = {colCustomCalendarFile,
-                                     colRptToCC,
-                                     colRptToBCC,
-                                     colRptSubject,
-                                     colRptMessage,
-                                     colRptFrom,
-                                     colNotifyTo,
-                                     colNotifyMsg,
-                                     colErrorTo,
-                                     colErrorMsg,
-                                     colReportDescription,
-                                     colRetainData,
-                                     colCollectionName,
-                                     colMultiRunLineSuccessTo,
-                                     colMultiRunLineSuccessMsg,
-                                     colMultiRunLineErrorTo,
-                                     colMultiRunLineErrorMsg,
-                                     colMailAttach};
-    auto isLong = [](int column) {
-        return column == colRptMessage || column == colNotifyMsg || column == colErrorMsg ||
-               column == colReportDescription || column == colMultiRunLineSuccessMsg ||
-               column == colMultiRunLineErrorMsg || column == colMailAttach;
-    };
-    QString tags[ItemColumnCount];
-    for (int column = 0; column < ItemColumnCount; ++column)
-        tags[column] = ColumnTag(column);
+    // The tags as QStrings once, in the order of the table.
+    static const auto tags = [] {
+        std::array<QString, ItemColumnCount> texts;
+        for (size_t i = 0; i < texts.size(); ++i)
+            texts[i] = QLatin1String(ScheduleColumns::Items[i].tag);
+        return texts;
+    }();
 
     WriteOpenTag(QStringLiteral("Report_Schedule"));
     for (int row = 0; row < m_count; ++row) {
         const ItemRow &item = m_items[row];
         WriteOpenTag(QStringLiteral("Report"));
-        for (int column : firstGroup)
-            WriteElement(tags[column], item[column]);
-        // Nothing in a save may throw: the writer would keep the half-written file open.
-        if (Numbers::RoundEven(ScheduleInternal::FastValue(item[colPrinterCopies])) >= 1)
-            WriteElement(tags[colPrinterCopies], item[colPrinterCopies]);
-        for (int column : secondGroup)
-            WriteElement(tags[column], item[column]);
-        for (int column : thirdGroup) {
-            if (item[column].isEmpty())
+        for (size_t i = 0; i < tags.size(); ++i) {
+            const ScheduleColumns::ItemColumn &column = ScheduleColumns::Items[i];
+            const QString &text = item[column.column];
+            if (!IsWritten(column, text))
                 continue;
-            if (isLong(column))
-                WriteLongElement(tags[column], item[column]);
+            if (column.form == ScheduleColumns::Element)
+                WriteElement(tags[i], text);
             else
-                WriteElement(tags[column], item[column]);
+                WriteLongElement(tags[i], text);
         }
         WriteCloseTag(QStringLiteral("Report"));
     }
@@ -551,8 +490,10 @@ void clsSchedule::Save(const QString &path)
     }
 
     WriteOpenTag(QStringLiteral("ServerPrinters"));
-    for (const PrinterInfo &printer : Printers::Installed())
-        element("MyPrinter", printer.name);
+    if (PrinterNames) {
+        for (const QString &printer : PrinterNames())
+            element("MyPrinter", printer);
+    }
     WriteCloseTag(QStringLiteral("ServerPrinters"));
 
     WriteOpenTag(QStringLiteral("DefaultDomains"));

@@ -1,5 +1,6 @@
 #include "clsSchedule.h"
 
+#include "ScheduleColumns.h"
 #include "clsScheduleInternal.h"
 
 #include "core/Clock.h"
@@ -200,52 +201,9 @@ QString clsSchedule::Cell(int row, int column) const
 
 QString clsSchedule::ColumnTag(int column)
 {
-    static const char *const tags[ItemColumnCount] = {
-        "ReportID",
-        "ReportName",
-        "ReportFile",
-        "ReportSchedule",
-        "ReportFrequency",
-        "FreqTimes",
-        "ReportDest",
-        "ReportLocation",
-        "ReportFormat",
-        "ReportPrompt",
-        "ReportPrinter",
-        "ReportEmail",
-        "ReportGroup",
-        "ReportSelectionFormula",
-        "NextRun",
-        "PrinterCopies",
-        "NoRecords",
-        "EMailAttach",
-        "HTMLPages",
-        "PrinterOrientation",
-        "EMailDateStamp",
-        "LastRun",
-        "Custom-Calendar-File",
-        "",
-        "Report-ToCC",
-        "Report-ToBCC",
-        "Report-Subject",
-        "Report-Message",
-        "Report-From",
-        "Notify-To",
-        "Notify-Msg",
-        "Error-To",
-        "Error-Msg",
-        "ReportDescription",
-        "RetainData",
-        "CollectionName",
-        "MultiRunLineSuccessTo",
-        "MultiRunLineSuccessMsg",
-        "MultiRunLineErrorTo",
-        "MultiRunLineErrorMsg",
-        "MailAttach",
-    };
     if (column < 0 || column >= ItemColumnCount)
         OutOfRange();
-    return QString::fromLatin1(tags[column]);
+    return QString::fromLatin1(ScheduleColumns::Of(column).tag);
 }
 
 QString clsSchedule::ReportID() const

@@ -17,6 +17,7 @@
 #include <QtGlobal>
 
 #include <array>
+#include <functional>
 #include <vector>
 
 class LineReader;
@@ -157,6 +158,8 @@ public:
     qint16 NextItemIndex = 0; // row found by NextReportRun
     double StartedAt = 0;
     bool SaveSuspended = false; // while true, Save does nothing
+    // The machine's printers, asked at each Save for the file's printer list; the scheduler sets it.
+    std::function<QStringList()> PrinterNames;
 
     // ---------------------------------------------------------------- item cursor
     int Count() const { return m_count; }

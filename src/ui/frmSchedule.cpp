@@ -3,8 +3,8 @@
 
 #include "DialogButtons.h"
 
-#include "core/Printers.h"
 #include "scheduler/ItemRouter.h"
+#include "scheduler/PrinterNames.h"
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
 
@@ -70,9 +70,7 @@ QStringList NoRecordChoices()
 // The machine's printers; a machine without one offers "No Printer".
 QStringList PrinterNames()
 {
-    QStringList names;
-    for (const PrinterInfo &printer : Printers::Installed())
-        names.append(printer.name);
+    QStringList names = InstalledPrinterNames();
     if (names.isEmpty())
         names.append(QStringLiteral("No Printer"));
     return names;

@@ -490,12 +490,14 @@ void TestScheduleFile::notReadBack()
     s.LastReportID = QStringLiteral("5");
     s.LastReport = QStringLiteral("x");
     s.LastReportDate = DayDate::FromParts(2024, 1, 1);
+    s.PrinterNames = [] { return QStringList{QStringLiteral("Office"), QStringLiteral("Hall & Stairs")}; };
     s.Save(path(QStringLiteral("Qorlo.XML")));
     const QByteArray bytes = ReadBytes(path(QStringLiteral("Qorlo.XML")));
     QVERIFY(bytes.contains("<BackupFrequency>Weekly</BackupFrequency>"));
     QVERIFY(bytes.contains("<BackupDate>01-Jan-2030 00:00</BackupDate>"));
     QVERIFY(bytes.contains("<LastReportID>5</LastReportID>"));
-    QVERIFY(bytes.contains("<ServerPrinters>\r\n"));
+    QVERIFY(bytes.contains("<ServerPrinters>\r\n<MyPrinter>Office</MyPrinter>\r\n"
+                           "<MyPrinter>Hall &amp; Stairs</MyPrinter>\r\n</ServerPrinters>\r\n"));
 
     clsSchedule back(m_dir->path());
     back.Load(path(QStringLiteral("Qorlo.XML")));

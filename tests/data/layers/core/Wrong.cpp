@@ -1,0 +1,4 @@
+#include "Base.h"
+#include "store/Item.h"
+
+#include <QString>

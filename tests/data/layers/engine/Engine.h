@@ -1,0 +1,8 @@
+#pragma once
+
+#include "page/Page.h"
+#include "core/Base.h"
+
+struct Engine
+{
+};

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "engine/Engine.h"
+
+struct Page
+{
+};

@@ -1,0 +1,7 @@
+#pragma once
+
+#include "core/Base.h"
+
+struct Item
+{
+};
