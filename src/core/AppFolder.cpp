@@ -6,13 +6,19 @@
 
 namespace AppFolder {
 
+bool IsSystemFolder(const QString &folder)
+{
+    for (const QLatin1String root : {QLatin1String("/usr"), QLatin1String("/bin"), QLatin1String("/sbin")}) {
+        if (folder == root || folder.startsWith(root + QLatin1Char('/')))
+            return true;
+    }
+    return false;
+}
+
 QString Resolve(const QString &executablePath)
 {
     const QString folder = QFileInfo(executablePath).absolutePath();
-    const bool systemFolder = folder.startsWith(QStringLiteral("/usr/")) ||
-                              folder == QStringLiteral("/usr") || folder.startsWith(QStringLiteral("/bin")) ||
-                              folder.startsWith(QStringLiteral("/sbin"));
-    if (!systemFolder && QFileInfo(folder).isWritable())
+    if (!IsSystemFolder(folder) && QFileInfo(folder).isWritable())
         return folder;
     const QString home = QDir::homePath() + QStringLiteral("/.local/share/QorloMANAGER");
     QDir().mkpath(home);

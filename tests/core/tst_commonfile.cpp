@@ -16,6 +16,7 @@ private Q_SLOTS:
     void pathParts();
     void settingsStore();
     void workingFolders();
+    void systemFolders();
 };
 
 void TestCommonFile::pathParts()
@@ -85,6 +86,15 @@ void TestCommonFile::workingFolders()
     QCOMPARE(AppFolder::Resolve(app.path() + QStringLiteral("/qorlomanagerd")), app.path());
     QCOMPARE(AppFolder::Resolve(QStringLiteral("/usr/bin/qorlomanagerd")),
              QDir::homePath() + QStringLiteral("/.local/share/QorloMANAGER"));
+}
+
+void TestCommonFile::systemFolders()
+{
+    for (const char *folder : {"/usr", "/usr/bin", "/usr/local/bin", "/bin", "/bin/x", "/sbin", "/sbin/x"})
+        QVERIFY2(AppFolder::IsSystemFolder(QLatin1String(folder)), folder);
+    // A name that only begins like a system folder is an ordinary folder.
+    for (const char *folder : {"/binaries/x", "/sbinx/x", "/usrlocal", "/opt/usr", "/home/bin"})
+        QVERIFY2(!AppFolder::IsSystemFolder(QLatin1String(folder)), folder);
 }
 
 QORLO_TEST_MAIN(TestCommonFile)
