@@ -430,7 +430,7 @@ QString ReadTagValue(QStringView line)
     return TagValue(copy);
 }
 
-QString ReadLongElement(LineReader &file, const QString &line, const QString &endTag)
+QString ReadLongElement(LineReader &file, const QString &line, const QString &endTag, EndLine endLine)
 {
     QString value = line.mid(line.indexOf(QLatin1Char('>')) + 1);
     qsizetype end = value.indexOf(endTag);
@@ -440,7 +440,7 @@ QString ReadLongElement(LineReader &file, const QString &line, const QString &en
         const QString next = file.readLine();
         end = next.indexOf(endTag);
         if (end >= 0)
-            return value + next.left(end);
+            return value + (endLine == EndLine::Joined ? kCrLf : QString()) + next.left(end);
         value += kCrLf + next;
     }
     return value;
