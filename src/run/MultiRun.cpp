@@ -1,6 +1,7 @@
 #include "MultiRun.h"
 
 #include "LogResult.h"
+#include "MailSources.h"
 #include "MultiRunDelivery.h"
 #include "OutputFormat.h"
 #include "ReportBinding.h"
@@ -95,7 +96,8 @@ void ReportBadLine(RunContext &run, const QString &text, MultiRun::Totals &total
 
 void AddParameterValues(RunContext &run, Engine::ParameterFieldDefinition &field, const QString &text)
 {
-    const QString value = AddressList::ExpandAddressList(text, run.schedule, run.log);
+    const QString value =
+        AddressList::ExpandAddressList(text, MailSources::ListSources(run.schedule, run.log));
     QStringList pieces{value};
     if (value.contains(QLatin1Char(';')))
         pieces = value.split(QLatin1Char(';'), Qt::SkipEmptyParts);

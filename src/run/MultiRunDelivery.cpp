@@ -1,5 +1,6 @@
 #include "MultiRunDelivery.h"
 
+#include "MailSources.h"
 #include "MailText.h"
 #include "MultiRun.h"
 #include "OutputNames.h"
@@ -180,7 +181,8 @@ void ToPrinters(RunContext &run, const Line &line, Totals &totals)
     // A count beyond 16 bits is recorded as the line's failure and one copy is printed.
     qint16 copies = 1;
     trap.Guard([&] { copies = PrintCopies(line.extra); });
-    const QString printers = AddressList::ExpandAddressList(line.output, schedule, run.log);
+    const QString printers =
+        AddressList::ExpandAddressList(line.output, MailSources::ListSources(schedule, run.log));
     for (const QString &printer : printers.split(QLatin1Char(';')))
         PrintReport(run, *run.state.report, printer, copies);
     if (trap.IsSet()) {

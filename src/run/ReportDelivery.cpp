@@ -1,6 +1,7 @@
 #include "ReportDelivery.h"
 
 #include "LogResult.h"
+#include "MailSources.h"
 #include "OutputNames.h"
 #include "PrintReport.h"
 #include "RunState.h"
@@ -170,7 +171,8 @@ void ToPrinters(RunContext &run, const Delivery &delivery)
 {
     clsSchedule &schedule = run.schedule;
     ErrorTrap &trap = run.state.trap;
-    const QString list = AddressList::ExpandAddressList(schedule.Printer(), schedule, run.log);
+    const QString list =
+        AddressList::ExpandAddressList(schedule.Printer(), MailSources::ListSources(schedule, run.log));
     // The page count of the last good print stands for a failure after it.
     qint32 pages = 0;
     for (const QString &printer : list.split(QLatin1Char(';'))) {
