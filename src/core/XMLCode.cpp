@@ -21,7 +21,8 @@ const QString kCrLf = QStringLiteral("\r\n");
 const QString kMaker = QStringLiteral("Tessaly Works");
 const QString kMakerWebAddress = QStringLiteral("https://www.tessalyworks.example");
 
-// The one open-file state of the writer.
+// The writer's open file: one for the whole process, as the state files' writer has always kept it.
+// Only one file is written at a time; a save never pumps events, so two saves cannot overlap.
 struct OpenFile
 {
     std::unique_ptr<QSaveFile> file;

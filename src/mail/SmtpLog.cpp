@@ -11,6 +11,8 @@ namespace {
 
 const QString kCrLf = QStringLiteral("\r\n");
 
+// One buffer for the whole process, whoever sends: a pass of the Mail folder nested in a run's send
+// starts it afresh, and SMTP.Log shows whatever story came last.
 QString &Buffer()
 {
     static QString buffer;

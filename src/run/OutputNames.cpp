@@ -76,6 +76,7 @@ void MakeFolder(const QString &folder)
 
 } // namespace
 
+// One name for the whole process: the collection that is running, wherever its %c is expanded.
 QString &CurrentCollection()
 {
     static QString collection;
