@@ -1,5 +1,6 @@
 #include "ListFile.h"
 
+#include "core/CommonFile.h"
 #include "core/LineReader.h"
 
 namespace DynDates {
@@ -49,7 +50,7 @@ QString CompleteListPath(const QString &appPath, const QString &name)
 {
     if (name.contains(QLatin1Char('/')))
         return name;
-    return appPath + QLatin1Char('/') + name;
+    return CommonFile::JoinPath(appPath, name);
 }
 
 QStringList ReadListValues(const QString &path)

@@ -1,5 +1,7 @@
 #include "AppFolder.h"
 
+#include "core/CommonFile.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
@@ -20,7 +22,7 @@ QString Resolve(const QString &executablePath)
     const QString folder = QFileInfo(executablePath).absolutePath();
     if (!IsSystemFolder(folder) && QFileInfo(folder).isWritable())
         return folder;
-    const QString home = QDir::homePath() + QStringLiteral("/.local/share/QorloMANAGER");
+    const QString home = CommonFile::JoinPath(QDir::homePath(), QStringLiteral(".local/share/QorloMANAGER"));
     QDir().mkpath(home);
     return home;
 }
@@ -35,7 +37,7 @@ QStringList WorkingFolderNames()
 void MakeWorkingFolders(const QString &appPath)
 {
     for (const QString &name : WorkingFolderNames()) {
-        const QString path = appPath + QLatin1Char('/') + name;
+        const QString path = CommonFile::JoinPath(appPath, name);
         if (QFileInfo::exists(path))
             continue;
         QDir().mkdir(path);

@@ -38,6 +38,11 @@ QString FolderOf(const QString &path)
     return slash < 0 ? path : path.left(slash);
 }
 
+QString JoinPath(const QString &folder, const QString &name)
+{
+    return folder + QLatin1Char('/') + name;
+}
+
 QString ComputerName()
 {
     return QSysInfo::machineHostName();

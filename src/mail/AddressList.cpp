@@ -1,5 +1,6 @@
 #include "AddressList.h"
 
+#include "core/CommonFile.h"
 #include "core/LineReader.h"
 
 #include <QFileInfo>
@@ -10,7 +11,7 @@ namespace {
 
 QString ListFilePath(const QString &name, const QString &appPath)
 {
-    return name.contains(QLatin1Char('/')) ? name : appPath + QLatin1Char('/') + name;
+    return name.contains(QLatin1Char('/')) ? name : CommonFile::JoinPath(appPath, name);
 }
 
 QString Unquoted(const QString &line)

@@ -2,6 +2,7 @@
 
 #include "core/Ansi.h"
 #include "core/Clock.h"
+#include "core/CommonFile.h"
 
 #include <QSaveFile>
 
@@ -46,7 +47,7 @@ void AddSmtpLog(const QString &text)
 
 void FlushSmtpLog(const QString &appPath)
 {
-    QSaveFile file(appPath + QStringLiteral("/SMTP.Log"));
+    QSaveFile file(CommonFile::JoinPath(appPath, QStringLiteral("SMTP.Log")));
     if (!file.open(QIODevice::WriteOnly))
         return;
     file.write(Ansi::Encode(Buffer() + kCrLf));

@@ -89,7 +89,7 @@ void frmSMTPSendMail::AppendHTMLFolder(const QString &path, const QString &mainF
     const QString folder = CommonFile::FolderOf(path);
     QStringList attachments;
     for (const QString &name : QDir(folder).entryList(QDir::Files, QDir::Name)) {
-        const QString file = folder + QLatin1Char('/') + name;
+        const QString file = CommonFile::JoinPath(folder, name);
         if (file == mainFile)
             AppendTextFile(file);
         else

@@ -11,6 +11,7 @@
 
 #include "calendar/EvaluateDate.h"
 #include "core/Clock.h"
+#include "core/CommonFile.h"
 #include "core/DayDate.h"
 #include "core/LineReader.h"
 #include "core/Numbers.h"
@@ -226,7 +227,7 @@ void RunMultiRun(RunContext &run, const QString &fileName)
                           QStringLiteral(" errors)");
     LogResult(run, start, total, totals.pages);
     SendTotalMail(run, total, totals.errors);
-    schedule.Save(run.appPath + QStringLiteral("/Qorlo.XML"));
+    schedule.Save(CommonFile::JoinPath(run.appPath, QStringLiteral("Qorlo.XML")));
 }
 
 namespace MultiRun {

@@ -200,7 +200,8 @@ void ToPrinters(RunContext &run, const Line &line, Totals &totals)
 QString MultiRunFolder(const QString &appPath, qint16 counter)
 {
     const QString folder =
-        appPath + QStringLiteral("/Multirun/MR-") + Numbers::FormatZeros(counter, 5) + QLatin1Char('/');
+        CommonFile::JoinPath(appPath, QStringLiteral("Multirun/MR-") + Numbers::FormatZeros(counter, 5)) +
+        QLatin1Char('/');
     QDir staging(folder);
     if (!staging.exists()) {
         OutputNames::MakeFolders(folder);

@@ -92,7 +92,7 @@ void ToDisk(RunContext &run, Delivery &delivery)
     QString output = schedule.Field(clsSchedule::colLocation);
     // Exporting over the open report goes through a temporary file, copied at the end of the run.
     if (schedule.File() == output) {
-        output = run.appPath + QStringLiteral("/Output/Temp.ctl");
+        output = CommonFile::JoinPath(run.appPath, QStringLiteral("Output/Temp.ctl"));
         delivery.tempFile = output;
     }
     if (output.isEmpty())
@@ -125,7 +125,7 @@ void ByMail(RunContext &run, const Delivery &delivery)
     clsSchedule &schedule = run.schedule;
     ErrorTrap &trap = run.state.trap;
     Engine::ExportOptions &options = run.state.report->ExportOptions();
-    const QString staging = run.appPath + QStringLiteral("/SMTP/");
+    const QString staging = CommonFile::JoinPath(run.appPath, QStringLiteral("SMTP/"));
     EmptyStagingFolder(staging);
     SmtpLog::StartSmtpLog(QStringLiteral("Send Report: ") + schedule.Name());
 

@@ -4,6 +4,7 @@
 #include "QorloGlobals.h"
 
 #include "core/Clock.h"
+#include "core/CommonFile.h"
 #include "mail/SmtpLog.h"
 
 #include <QDir>
@@ -55,7 +56,7 @@ void ProcessRemoteFolder(QorloGlobals &globals, const QString &path, const QStri
     if (files.isEmpty())
         return;
     for (const QString &name : files) {
-        const QString file = path + QLatin1Char('/') + name;
+        const QString file = CommonFile::JoinPath(path, name);
         globals.Schedule.Load(file);
         QFile::remove(file);
         LogCommandFile(globals, logTag, name);
@@ -77,7 +78,7 @@ void ProcessMailFolder(QorloGlobals &globals, const QString &path, const QString
     const auto done = qScopeGuard([] { passRunning = false; });
     SmtpLog::StartSmtpLog(QStringLiteral("QorloMAIL processing inside QorloMANAGER"));
     for (const QString &name : files) {
-        const QString file = path + QLatin1Char('/') + name;
+        const QString file = CommonFile::JoinPath(path, name);
         if (!ProcessMailDocument(globals.AppPath, file))
             globals.View().SetStatusText(QStringLiteral("Invalid XML Doc"));
         QFile::remove(file);

@@ -4,6 +4,7 @@
 
 #include "calendar/NextRun.h"
 #include "core/Clock.h"
+#include "core/CommonFile.h"
 #include "core/DayDate.h"
 #include "log/StatusPages.h"
 
@@ -31,7 +32,7 @@ RunContext QorloGlobals::Context()
 
 QString QorloGlobals::PathOf(const QString &name) const
 {
-    return AppPath + QLatin1Char('/') + name;
+    return CommonFile::JoinPath(AppPath, name);
 }
 
 void QorloGlobals::SaveSchedule()
