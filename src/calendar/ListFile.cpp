@@ -1,6 +1,5 @@
 #include "ListFile.h"
 
-#include "core/CommonFile.h"
 #include "core/LineReader.h"
 
 namespace DynDates {
@@ -45,13 +44,6 @@ QStringList LineValues(const QString &line)
 }
 
 } // namespace
-
-QString CompleteListPath(const QString &appPath, const QString &name)
-{
-    if (name.contains(QLatin1Char('/')))
-        return name;
-    return CommonFile::JoinPath(appPath, name);
-}
 
 QStringList ReadListValues(const QString &path)
 {

@@ -43,6 +43,11 @@ QString JoinPath(const QString &folder, const QString &name)
     return folder + QLatin1Char('/') + name;
 }
 
+QString CompletePath(const QString &folder, const QString &name)
+{
+    return name.contains(QLatin1Char('/')) ? name : JoinPath(folder, name);
+}
+
 QString ComputerName()
 {
     return QSysInfo::machineHostName();

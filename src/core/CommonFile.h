@@ -16,6 +16,8 @@ QString FileNameOnly(const QString &path);
 QString FolderOf(const QString &path);
 // `name` in `folder`: the two joined by the separator. The name may hold folders of its own.
 QString JoinPath(const QString &folder, const QString &name);
+// A name without "/" is a file in `folder`; a name with one is a path of its own.
+QString CompletePath(const QString &folder, const QString &name);
 // The machine's name.
 QString ComputerName();
 

@@ -9,11 +9,6 @@ namespace AddressList {
 
 namespace {
 
-QString ListFilePath(const QString &name, const QString &appPath)
-{
-    return name.contains(QLatin1Char('/')) ? name : CommonFile::JoinPath(appPath, name);
-}
-
 QString Unquoted(const QString &line)
 {
     const QLatin1Char quote('"');
@@ -56,7 +51,8 @@ QString ExpandListFiles(const QString &text, const Sources &sources)
         const qsizetype close = open < 0 ? -1 : result.indexOf(QLatin1Char('>'), open + 1);
         if (close < 0)
             return result;
-        const QString path = ListFilePath(result.mid(open + 1, close - open - 1), sources.appPath);
+        const QString path =
+            CommonFile::CompletePath(sources.appPath, result.mid(open + 1, close - open - 1));
         if (!QFileInfo(path).isFile()) {
             // Logged once per expansion; going past the reference is what keeps this from looping.
             if (!missing.contains(path)) {

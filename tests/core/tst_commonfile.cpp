@@ -36,6 +36,11 @@ void TestCommonFile::pathParts()
     QCOMPARE(FolderOf(QStringLiteral("/a/b/sales.rpt")), QStringLiteral("/a/b"));
     QCOMPARE(FolderOf(QStringLiteral("/a/b/")), QStringLiteral("/a/b"));
     QCOMPARE(FolderOf(QStringLiteral("sales.rpt")), QStringLiteral("sales.rpt"));
+    // A name without a folder lies in the given folder.
+    QCOMPARE(CompletePath(QStringLiteral("/app"), QStringLiteral("holiday.lst")),
+             QStringLiteral("/app/holiday.lst"));
+    QCOMPARE(CompletePath(QStringLiteral("/app"), QStringLiteral("/etc/x.lst")),
+             QStringLiteral("/etc/x.lst"));
 }
 
 void TestCommonFile::settingsStore()
