@@ -2,6 +2,7 @@
 
 #include "NextRun.h"
 
+#include "core/CommonFile.h"
 #include "core/DayDate.h"
 #include "store/clsSchedule.h"
 
@@ -34,7 +35,7 @@ QString ProcessAdvance(clsSchedule &schedule, double moment)
 {
     int count = 0;
     AdvanceSchedule(schedule, moment, true, count);
-    schedule.Save(schedule.AppPath + QStringLiteral("/Qorlo.XML"));
+    schedule.Save(CommonFile::JoinPath(schedule.AppPath, QStringLiteral("Qorlo.XML")));
     return QString::number(count) +
            QStringLiteral(" items in schedule have now been advanced to process after ") +
            FormatDateTime(moment);

@@ -2,6 +2,7 @@
 
 #include "ListFile.h"
 
+#include "core/CommonFile.h"
 #include "core/Clock.h"
 #include "core/DayDate.h"
 #include "core/QorloError.h"
@@ -49,7 +50,7 @@ double NextCustomCalendarDate(const clsSchedule &schedule, QString &path, double
 {
     if (path.isEmpty())
         return 0;
-    path = CompleteListPath(schedule.AppPath, path);
+    path = CommonFile::CompletePath(schedule.AppPath, path);
     if (!QFileInfo(path).isFile())
         return Unusable();
     const std::vector<double> dates = ReadCalendar(path, reference);

@@ -2,6 +2,7 @@
 
 #include "ListFile.h"
 
+#include "core/CommonFile.h"
 #include "core/DayDate.h"
 #include "core/QorloError.h"
 #include "store/clsSchedule.h"
@@ -40,7 +41,7 @@ void LoadHolidays(clsSchedule &schedule)
     table.count = 0;
     if (schedule.Holiday_List.isEmpty())
         return;
-    schedule.Holiday_List = CompleteListPath(schedule.AppPath, schedule.Holiday_List);
+    schedule.Holiday_List = CommonFile::CompletePath(schedule.AppPath, schedule.Holiday_List);
     if (!QFileInfo(schedule.Holiday_List).isFile())
         return;
     for (const QString &value : ReadListValues(schedule.Holiday_List)) {

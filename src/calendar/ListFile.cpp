@@ -45,13 +45,6 @@ QStringList LineValues(const QString &line)
 
 } // namespace
 
-QString CompleteListPath(const QString &appPath, const QString &name)
-{
-    if (name.contains(QLatin1Char('/')))
-        return name;
-    return appPath + QLatin1Char('/') + name;
-}
-
 QStringList ReadListValues(const QString &path)
 {
     QStringList values;

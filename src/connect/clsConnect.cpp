@@ -1,5 +1,6 @@
 #include "clsConnect.h"
 
+#include "core/CommonFile.h"
 #include "core/LineReader.h"
 #include "core/QorloError.h"
 #include "core/XMLCode.h"
@@ -13,7 +14,7 @@ const QString kYes = QStringLiteral("Yes");
 } // namespace
 
 clsConnect::clsConnect(const QString &appPath)
-    : Connection_File(appPath + QStringLiteral("/Connect.XML")), m_appPath(appPath)
+    : Connection_File(CommonFile::JoinPath(appPath, QStringLiteral("Connect.XML"))), m_appPath(appPath)
 {
 }
 
@@ -120,8 +121,9 @@ void clsConnect::ReadTags(QString &line)
 
 void clsConnect::Save()
 {
-    const QString target =
-        Connection_File.isEmpty() ? m_appPath + QStringLiteral("/Connect.XML") : Connection_File;
+    const QString target = Connection_File.isEmpty()
+                               ? CommonFile::JoinPath(m_appPath, QStringLiteral("Connect.XML"))
+                               : Connection_File;
     if (OpenXML(target, QStringLiteral("ConnectionDoc"), QString(), FileAccess::OwnerOnly)
             .startsWith(QLatin1String("Err")))
         return;

@@ -1,5 +1,6 @@
 #include "clsMap.h"
 
+#include "core/CommonFile.h"
 #include "core/LineReader.h"
 #include "core/QorloError.h"
 #include "core/XMLCode.h"
@@ -68,7 +69,8 @@ void clsMap::ReadTags(QString &line)
 
 void clsMap::Save()
 {
-    if (OpenXML(m_appPath + QStringLiteral("/TableMap.XML"), QStringLiteral("TableMappingDoc"))
+    if (OpenXML(CommonFile::JoinPath(m_appPath, QStringLiteral("TableMap.XML")),
+                QStringLiteral("TableMappingDoc"))
             .startsWith(QLatin1String("Err")))
         return;
     for (int row = 0; row < m_count; ++row) {

@@ -1,20 +1,28 @@
 #include "AppFolder.h"
 
+#include "core/CommonFile.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QStandardPaths>
 
 namespace AppFolder {
 
+bool IsSystemFolder(const QString &folder)
+{
+    for (const QLatin1String root : {QLatin1String("/usr"), QLatin1String("/bin"), QLatin1String("/sbin")}) {
+        if (folder == root || folder.startsWith(root + QLatin1Char('/')))
+            return true;
+    }
+    return false;
+}
+
 QString Resolve(const QString &executablePath)
 {
     const QString folder = QFileInfo(executablePath).absolutePath();
-    const bool systemFolder = folder.startsWith(QStringLiteral("/usr/")) ||
-                              folder == QStringLiteral("/usr") || folder.startsWith(QStringLiteral("/bin")) ||
-                              folder.startsWith(QStringLiteral("/sbin"));
-    if (!systemFolder && QFileInfo(folder).isWritable())
+    if (!IsSystemFolder(folder) && QFileInfo(folder).isWritable())
         return folder;
-    const QString home = QDir::homePath() + QStringLiteral("/.local/share/QorloMANAGER");
+    const QString home = CommonFile::JoinPath(QDir::homePath(), QStringLiteral(".local/share/QorloMANAGER"));
     QDir().mkpath(home);
     return home;
 }
@@ -29,7 +37,7 @@ QStringList WorkingFolderNames()
 void MakeWorkingFolders(const QString &appPath)
 {
     for (const QString &name : WorkingFolderNames()) {
-        const QString path = appPath + QLatin1Char('/') + name;
+        const QString path = CommonFile::JoinPath(appPath, name);
         if (QFileInfo::exists(path))
             continue;
         QDir().mkdir(path);

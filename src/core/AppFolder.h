@@ -6,6 +6,8 @@
 
 namespace AppFolder {
 
+// /usr, /bin, /sbin and the folders below them.
+bool IsSystemFolder(const QString &folder);
 // The executable's folder when it is writable and not a system folder, else ~/.local/share/QorloMANAGER.
 QString Resolve(const QString &executablePath);
 // The working folders below the application folder, in the order they are made.

@@ -38,6 +38,16 @@ QString FolderOf(const QString &path)
     return slash < 0 ? path : path.left(slash);
 }
 
+QString JoinPath(const QString &folder, const QString &name)
+{
+    return folder + QLatin1Char('/') + name;
+}
+
+QString CompletePath(const QString &folder, const QString &name)
+{
+    return name.contains(QLatin1Char('/')) ? name : JoinPath(folder, name);
+}
+
 QString ComputerName()
 {
     return QSysInfo::machineHostName();

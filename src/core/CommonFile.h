@@ -1,5 +1,5 @@
 #pragma once
-// Pure helpers that take file paths apart; "/" is the separator.
+// Pure helpers that take file paths apart and put them together; "/" is the separator.
 
 #include <QString>
 
@@ -14,6 +14,10 @@ QString FileBaseName(const QString &path);
 QString FileNameOnly(const QString &path);
 // The part before the last "/"; the path itself without one.
 QString FolderOf(const QString &path);
+// `name` in `folder`: the two joined by the separator. The name may hold folders of its own.
+QString JoinPath(const QString &folder, const QString &name);
+// A name without "/" is a file in `folder`; a name with one is a path of its own.
+QString CompletePath(const QString &folder, const QString &name);
 // The machine's name.
 QString ComputerName();
 

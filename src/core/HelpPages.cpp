@@ -1,5 +1,7 @@
 #include "HelpPages.h"
 
+#include "CommonFile.h"
+
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
@@ -21,7 +23,7 @@ void Refresh(const QString &source, const QString &helpFolder)
     QDirIterator pages(source, QDir::Files | QDir::NoSymLinks, QDirIterator::Subdirectories);
     while (pages.hasNext()) {
         const QFileInfo page(pages.next());
-        const QString target = helpFolder + QLatin1Char('/') + from.relativeFilePath(page.filePath());
+        const QString target = CommonFile::JoinPath(helpFolder, from.relativeFilePath(page.filePath()));
         const QFileInfo present(target);
         if (present.exists() && present.lastModified() == page.lastModified())
             continue;

@@ -1,5 +1,6 @@
 #include "TWReg.h"
 
+#include "CommonFile.h"
 #include "Numbers.h"
 
 #include <QSettings>
@@ -14,7 +15,7 @@ constexpr int kReadLimit = 254;
 
 QString SettingsFile(const QString &program)
 {
-    return SettingsFolder() + QLatin1Char('/') + program + QStringLiteral(".ini");
+    return CommonFile::JoinPath(SettingsFolder(), program + QStringLiteral(".ini"));
 }
 
 QString Key(const QString &section, const QString &name)
@@ -39,8 +40,8 @@ void WriteRaw(const QString &program, const QString &key, const QString &value)
 
 QString SettingsFolder()
 {
-    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
-           QStringLiteral("/Tessaly Works");
+    return CommonFile::JoinPath(QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation),
+                                QStringLiteral("Tessaly Works"));
 }
 
 QString ReadApplicationValue(const QString &name)

@@ -21,7 +21,8 @@ const QString kCrLf = QStringLiteral("\r\n");
 const QString kMaker = QStringLiteral("Tessaly Works");
 const QString kMakerWebAddress = QStringLiteral("https://www.tessalyworks.example");
 
-// The one open-file state of the writer.
+// The writer's open file: one for the whole process, as the state files' writer has always kept it.
+// Only one file is written at a time; a save never pumps events, so two saves cannot overlap.
 struct OpenFile
 {
     std::unique_ptr<QSaveFile> file;
@@ -430,7 +431,7 @@ QString ReadTagValue(QStringView line)
     return TagValue(copy);
 }
 
-QString ReadLongElement(LineReader &file, const QString &line, const QString &endTag)
+QString ReadLongElement(LineReader &file, const QString &line, const QString &endTag, EndLine endLine)
 {
     QString value = line.mid(line.indexOf(QLatin1Char('>')) + 1);
     qsizetype end = value.indexOf(endTag);
@@ -440,7 +441,7 @@ QString ReadLongElement(LineReader &file, const QString &line, const QString &en
         const QString next = file.readLine();
         end = next.indexOf(endTag);
         if (end >= 0)
-            return value + next.left(end);
+            return value + (endLine == EndLine::Joined ? kCrLf : QString()) + next.left(end);
         value += kCrLf + next;
     }
     return value;

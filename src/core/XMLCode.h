@@ -40,8 +40,16 @@ QStringView LineTag(QStringView line);
 QString TagValue(QString &line);
 // The same value, leaving the line as it is; a line without escapes is read without a copy.
 QString ReadTagValue(QStringView line);
+// Whether the text in front of a long element's end tag, on a later line, follows the value directly
+// (state files) or after CR LF like every line before it (mail documents).
+enum class EndLine {
+    Attached,
+    Joined,
+};
+
 // The value of a long element whose first (already decoded) line is `line`, reading further lines.
-QString ReadLongElement(LineReader &file, const QString &line, const QString &endTag);
+QString ReadLongElement(LineReader &file, const QString &line, const QString &endTag,
+                        EndLine endLine = EndLine::Attached);
 
 QString EncodeText(const QString &clear);
 QString DecodeText(const QString &coded);

@@ -2,6 +2,7 @@
 
 #include "clsLog.h"
 #include "core/Ansi.h"
+#include "core/CommonFile.h"
 #include "core/QorloError.h"
 
 #include <QSaveFile>
@@ -39,7 +40,7 @@ QString ExportLogCsv(const clsLog &log)
     if (log.Count() == 0)
         return QStringLiteral("No log entries to display");
 
-    const QString path = log.AppPath() + QStringLiteral("/QorloLog.csv");
+    const QString path = CommonFile::JoinPath(log.AppPath(), QStringLiteral("QorloLog.csv"));
     QStringList lines = {
         QStringLiteral("\"ReportID\",\"Start\",\"Finish\",\"NextRun\",\"Description\",\"Pages\"")};
     for (int row = 0; row <= log.Count(); ++row)

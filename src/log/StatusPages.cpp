@@ -32,7 +32,7 @@ QByteArray PageBytes(const QString &text)
 // Replaces AppPath/Web/name whole with the lines, each ended by CR LF.
 void WritePage(const QString &appPath, const QString &name, const QStringList &lines)
 {
-    QSaveFile file(appPath + QStringLiteral("/Web/") + name);
+    QSaveFile file(CommonFile::JoinPath(appPath, QStringLiteral("Web/") + name));
     if (!file.open(QIODevice::WriteOnly))
         return;
     file.write(PageBytes(lines.join(QStringLiteral("\r\n")) + QStringLiteral("\r\n")));

@@ -1,6 +1,7 @@
 #include "clsLog.h"
 
 #include "core/Clock.h"
+#include "core/CommonFile.h"
 #include "core/DayDate.h"
 #include "core/LineReader.h"
 #include "core/Numbers.h"
@@ -72,7 +73,7 @@ clsLog::clsLog(const QString &appPath) : m_appPath(appPath), m_rows(UpperBound +
 
 QString clsLog::FileName() const
 {
-    return m_appPath + QStringLiteral("/QorloLog.XML");
+    return CommonFile::JoinPath(m_appPath, QStringLiteral("QorloLog.XML"));
 }
 
 void clsLog::AddNew()

@@ -1,21 +1,13 @@
 #include "AddressList.h"
 
-#include "core/Clock.h"
+#include "core/CommonFile.h"
 #include "core/LineReader.h"
-#include "log/clsLog.h"
-#include "store/clsSchedule.h"
 
 #include <QFileInfo>
-#include <QStringList>
 
 namespace AddressList {
 
 namespace {
-
-QString ListFilePath(const QString &name, const QString &appPath)
-{
-    return name.contains(QLatin1Char('/')) ? name : appPath + QLatin1Char('/') + name;
-}
 
 QString Unquoted(const QString &line)
 {
@@ -42,12 +34,12 @@ QString CollectLines(const QString &path, const QString &text)
 
 } // namespace
 
-QString ExpandAddressList(const QString &text, const clsSchedule &schedule, clsLog &log)
+QString ExpandAddressList(const QString &text, const Sources &sources)
 {
-    return ExpandDomainShortcuts(ExpandListFiles(text, schedule, log), schedule);
+    return ExpandDomainShortcuts(ExpandListFiles(text, sources), sources.domains);
 }
 
-QString ExpandListFiles(const QString &text, const clsSchedule &schedule, clsLog &log)
+QString ExpandListFiles(const QString &text, const Sources &sources)
 {
     QString result = text;
     QStringList used;
@@ -59,13 +51,14 @@ QString ExpandListFiles(const QString &text, const clsSchedule &schedule, clsLog
         const qsizetype close = open < 0 ? -1 : result.indexOf(QLatin1Char('>'), open + 1);
         if (close < 0)
             return result;
-        const QString path = ListFilePath(result.mid(open + 1, close - open - 1), schedule.AppPath);
+        const QString path =
+            CommonFile::CompletePath(sources.appPath, result.mid(open + 1, close - open - 1));
         if (!QFileInfo(path).isFile()) {
             // Logged once per expansion; going past the reference is what keeps this from looping.
             if (!missing.contains(path)) {
                 missing.append(path);
-                WriteLogEntry(log, schedule.ProcessingID, Now(), Now(), QString(),
-                              QStringLiteral("Cannot find list file: ") + path, 0);
+                if (sources.logMissing)
+                    sources.logMissing(QStringLiteral("Cannot find list file: ") + path);
             }
             from = close + 1;
             continue;
@@ -78,11 +71,11 @@ QString ExpandListFiles(const QString &text, const clsSchedule &schedule, clsLog
     }
 }
 
-QString ExpandDomainShortcuts(const QString &text, const clsSchedule &schedule)
+QString ExpandDomainShortcuts(const QString &text, const QStringList &domains)
 {
     QString result = text;
-    for (int index = 0; index < clsSchedule::DomainCount; ++index) {
-        const QString domain = schedule.Domain(index);
+    for (qsizetype index = 0; index < domains.size(); ++index) {
+        const QString &domain = domains.at(index);
         if (!domain.isEmpty())
             result.replace(QLatin1Char('@') + QString::number(index), QLatin1Char('@') + domain);
     }

@@ -2,13 +2,9 @@
 
 #include "core/Clock.h"
 
-#include <QCoreApplication>
-#include <QThread>
-
 namespace {
 
 constexpr float kSecondsPerDay = 86400.0f;
-constexpr int kTurnMs = 10;
 
 } // namespace
 
@@ -23,10 +19,4 @@ MailDeadline::MailDeadline(qint32 seconds) : m_start(float(SecondsSinceMidnight(
 bool MailDeadline::Passed() const
 {
     return m_start + float(m_timer.elapsed()) / 1000.0f >= m_end;
-}
-
-void PumpAndSleep()
-{
-    QCoreApplication::processEvents();
-    QThread::msleep(kTurnMs);
 }

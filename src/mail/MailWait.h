@@ -1,5 +1,5 @@
 #pragma once
-// The deadline of the mail client's polling waits and the one turn of its loop.
+// The deadline of the mail client's waits and the interval of their turns.
 
 #include <QElapsedTimer>
 #include <QtGlobal>
@@ -18,5 +18,5 @@ private:
     QElapsedTimer m_timer;
 };
 
-// One turn of a wait: deliver pending events, then sleep 10 ms.
-void PumpAndSleep();
+// The longest a turn of a wait sleeps when no event comes (see WaitForNextEvent).
+constexpr int kMailTurnMs = 10;

@@ -5,6 +5,7 @@
 #include "MailWait.h"
 #include "MimeEncoders.h"
 
+#include "core/EventWait.h"
 #include "core/Clock.h"
 #include "core/DayDate.h"
 #include "core/QorloError.h"
@@ -238,7 +239,7 @@ bool clsSendMail::DrainSocket()
                 RaiseTimeout();
                 return false;
             }
-            PumpAndSleep();
+            WaitForNextEvent(kMailTurnMs);
         }
     }
     return true;

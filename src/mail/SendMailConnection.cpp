@@ -5,6 +5,7 @@
 #include "MailWait.h"
 #include "MimeEncoders.h"
 
+#include "core/EventWait.h"
 #include "core/Ansi.h"
 #include "core/Numbers.h"
 #include "core/QorloError.h"
@@ -17,6 +18,13 @@ namespace {
 
 const QString kWrongStateText =
     QStringLiteral("Wrong protocol or connection state for the requested transaction or request");
+
+// Whether a read ends a reply: its last line has no "-" after the code.
+bool EndsReply(const QString &reply)
+{
+    const QStringList lines = reply.split(QStringLiteral("\r\n"), Qt::SkipEmptyParts);
+    return !lines.isEmpty() && lines.last().mid(3, 1) != QLatin1String("-");
+}
 
 } // namespace
 
@@ -126,6 +134,10 @@ bool clsSendMail::SayHello()
 
 bool clsSendMail::StartTls()
 {
+    // The hello reply may come in pieces: a piece that arrived after STARTTLS would be taken for its
+    // answer, and the server's real answer for the first bytes of the handshake.
+    if (!WaitForFlag(m_replyEnded, m_connectTimeout, true))
+        return false;
     Q_EMIT Status(QStringLiteral("Starting TLS Encryption..."));
     m_replyOk = false;
     SendLine(QStringLiteral("STARTTLS"));
@@ -212,7 +224,7 @@ bool clsSendMail::WaitForFlag(const bool &flag, qint32 seconds, bool raiseOnTime
         }
         if (m_failed)
             return false;
-        PumpAndSleep();
+        WaitForNextEvent(kMailTurnMs);
     }
     return flag;
 }
@@ -222,6 +234,7 @@ void clsSendMail::OnDataArrival()
     if (SocketState() != Open)
         return;
     const QString reply = Ansi::Decode(m_socket->readAll());
+    m_replyEnded = EndsReply(reply);
     const QString code = reply.left(3).toUpper();
     if (code == QLatin1String("220") || code == QLatin1String("221") || code == QLatin1String("251")) {
         m_replyOk = true;

@@ -2,6 +2,7 @@
 
 #include "core/Ansi.h"
 #include "core/Clock.h"
+#include "core/CommonFile.h"
 
 #include <QSaveFile>
 
@@ -11,6 +12,8 @@ namespace {
 
 const QString kCrLf = QStringLiteral("\r\n");
 
+// One buffer for the whole process, whoever sends: a pass of the Mail folder nested in a run's send
+// starts it afresh, and SMTP.Log shows whatever story came last.
 QString &Buffer()
 {
     static QString buffer;
@@ -44,7 +47,7 @@ void AddSmtpLog(const QString &text)
 
 void FlushSmtpLog(const QString &appPath)
 {
-    QSaveFile file(appPath + QStringLiteral("/SMTP.Log"));
+    QSaveFile file(CommonFile::JoinPath(appPath, QStringLiteral("SMTP.Log")));
     if (!file.open(QIODevice::WriteOnly))
         return;
     file.write(Ansi::Encode(Buffer() + kCrLf));

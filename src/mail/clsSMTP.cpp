@@ -83,9 +83,10 @@ void clsSMTP::ReadTags(LineReader &file, QString &line)
     else if (tag == QLatin1String("<Subject>"))
         Subject = value;
     else if (tag == QLatin1String("<Body>"))
-        Body = XMLCode::ReadLongElement(file, line, QStringLiteral("</Body>"));
+        Body = XMLCode::ReadLongElement(file, line, QStringLiteral("</Body>"), XMLCode::EndLine::Joined);
     else if (tag == QLatin1String("<HTMLBody>"))
-        m_msgHTML = XMLCode::ReadLongElement(file, line, QStringLiteral("</HTMLBody>"));
+        m_msgHTML =
+            XMLCode::ReadLongElement(file, line, QStringLiteral("</HTMLBody>"), XMLCode::EndLine::Joined);
     else if (tag == QLatin1String("<HTML-File>"))
         HTMLFileText = QFileInfo::exists(value) ? WholeFile(value) : QString();
     else if (tag == QLatin1String("<Find>"))

@@ -87,7 +87,9 @@ clsSendMail::~clsSendMail()
 void clsSendMail::LoadSettings()
 {
     const auto text = [this](const char *key) { return GetSavedSetting(QLatin1String(key), QString()); };
-    const auto number = [&](const char *key, qint32 fallback) { return TextNumber(text(key), fallback); };
+    const auto number = [this](const char *key, qint32 fallback) {
+        return TextNumber(GetSavedSetting(QLatin1String(key), QString::number(fallback)), fallback);
+    };
     m_connectRetry = number("ConnectRetry", 4);
     m_connectTimeout = number("ConnectTimeout", 40);
     m_emailAddressValidation = number("EmailValidation", 1);

@@ -2,11 +2,8 @@
 
 #include "SmtpLog.h"
 
-#include "core/Clock.h"
 #include "core/CommonFile.h"
 #include "core/LineReader.h"
-#include "log/clsLog.h"
-#include "store/clsSchedule.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -19,9 +16,10 @@ const QString kCrLf = QStringLiteral("\r\n");
 
 } // namespace
 
-frmSMTPSendMail::frmSMTPSendMail(clsSchedule &schedule, clsLog &log, TextExpander expandMailText,
-                                 QObject *parent)
-    : QObject(parent), m_schedule(schedule), m_log(log), m_expandMailText(std::move(expandMailText))
+frmSMTPSendMail::frmSMTPSendMail(const SmtpSettings &settings, const QString &appPath,
+                                 FailureLogger logFailure, TextExpander expandMailText, QObject *parent)
+    : QObject(parent), m_settings(settings), m_appPath(appPath), m_logFailure(std::move(logFailure)),
+      m_expandMailText(std::move(expandMailText))
 {
 }
 
@@ -50,7 +48,7 @@ void frmSMTPSendMail::SendMail()
     mail.SetSMTPHost(MailServer);
     mail.SetFrom(MailFrom);
     mail.SetRecipient(MailTo);
-    UseScheduleServer(mail, m_schedule);
+    m_settings.ApplyTo(mail);
     if (!MailCc.isEmpty())
         mail.SetCcRecipient(MailCc);
     if (!MailBcc.isEmpty())
@@ -62,17 +60,6 @@ void frmSMTPSendMail::SendMail()
         mail.SetAsHTML(true);
     mail.Send();
     m_sendMail.reset();
-}
-
-void frmSMTPSendMail::UseScheduleServer(clsSendMail &mail, const clsSchedule &schedule)
-{
-    mail.SetSMTPPort(schedule.SMTP_Port);
-    mail.SetEncryption(schedule.SMTP_Encryption);
-    if (schedule.SMTPAuthentication == QLatin1String("Yes")) {
-        mail.SetUseAuthentication(true);
-        mail.SetUsername(schedule.SMTPUser);
-        mail.SetPassword(schedule.SMTPPassword);
-    }
 }
 
 void frmSMTPSendMail::AppendFile(const QString &path)
@@ -102,7 +89,7 @@ void frmSMTPSendMail::AppendHTMLFolder(const QString &path, const QString &mainF
     const QString folder = CommonFile::FolderOf(path);
     QStringList attachments;
     for (const QString &name : QDir(folder).entryList(QDir::Files, QDir::Name)) {
-        const QString file = folder + QLatin1Char('/') + name;
+        const QString file = CommonFile::JoinPath(folder, name);
         if (file == mainFile)
             AppendTextFile(file);
         else
@@ -125,19 +112,15 @@ void frmSMTPSendMail::CloseForm()
 void frmSMTPSendMail::poSendMail_SendFailed(const QString &text)
 {
     AddSmtpLog(QStringLiteral("Send failed to ") + MailTo + QStringLiteral("  Failure=") + text + kCrLf);
-    FlushSmtpLog(m_schedule.AppPath);
-    const double now = Now();
-    // A run always has its item at the cursor; without one the entry goes without a next run.
-    const QString nextRun = m_schedule.Position() >= 0 ? m_schedule.NextRun() : QString();
-    WriteLogEntry(
-        m_log, m_schedule.ProcessingID, now, now, nextRun,
-        m_schedule.ProcessingName + QStringLiteral(": Error Sending Email (") + text + QLatin1Char(')'), 0);
+    FlushSmtpLog(m_appPath);
+    if (m_logFailure)
+        m_logFailure(text);
 }
 
 void frmSMTPSendMail::poSendMail_SendSuccesful()
 {
     AddSmtpLog(QStringLiteral("Message sent to ") + MailTo + kCrLf);
-    FlushSmtpLog(m_schedule.AppPath);
+    FlushSmtpLog(m_appPath);
 }
 
 void frmSMTPSendMail::poSendMail_Status(const QString &text)

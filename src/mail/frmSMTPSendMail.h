@@ -1,6 +1,7 @@
 #pragma once
 // The sender of one run message: collects fields and files, owns the mail client, logs its story.
 
+#include "mail/SmtpSettings.h"
 #include "mail/clsSendMail.h"
 
 #include <QObject>
@@ -8,18 +9,18 @@
 #include <functional>
 #include <memory>
 
-class clsLog;
-class clsSchedule;
-
 class frmSMTPSendMail : public QObject
 {
     Q_OBJECT
 public:
     // The substitution a run applies to subject and body; an empty one leaves the text as it is.
     using TextExpander = std::function<QString(const QString &)>;
+    // Records a failed send where the caller keeps its story; the text is the client's explanation.
+    using FailureLogger = std::function<void(const QString &explanation)>;
 
-    frmSMTPSendMail(clsSchedule &schedule, clsLog &log, TextExpander expandMailText = {},
-                    QObject *parent = nullptr);
+    // SMTP.Log lies in `appPath`.
+    frmSMTPSendMail(const SmtpSettings &settings, const QString &appPath, FailureLogger logFailure = {},
+                    TextExpander expandMailText = {}, QObject *parent = nullptr);
     ~frmSMTPSendMail() override;
 
     QString MailServer;
@@ -34,9 +35,6 @@ public:
 
     // The client of the message between StartMail and SendMail, else null.
     clsSendMail *poSendMail() const { return m_sendMail.get(); }
-
-    // What every mail of the schedule takes from its settings: port, encryption and authentication.
-    static void UseScheduleServer(clsSendMail &mail, const clsSchedule &schedule);
 
     // The order is fixed: StartMail, fields, Append..., SendMail, CloseForm. The Append calls need
     // the client that StartMail makes.
@@ -56,8 +54,9 @@ private:
     bool PathFound(const QString &path, const QString &noPathText, const QString &missingText) const;
     QString Expanded(const QString &text) const;
 
-    clsSchedule &m_schedule;
-    clsLog &m_log;
+    const SmtpSettings m_settings;
+    const QString m_appPath;
+    FailureLogger m_logFailure;
     TextExpander m_expandMailText;
     std::unique_ptr<clsSendMail> m_sendMail;
 };

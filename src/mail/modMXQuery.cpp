@@ -32,6 +32,8 @@ struct State
     QList<MXRecord> mxRecords;
 };
 
+// One state for the whole process: the name servers are discovered at the first query and kept until
+// the program ends, and every query replaces the records of the one before.
 State &Module()
 {
     static State state;

@@ -1,6 +1,7 @@
 #include "MailText.h"
 
 #include "OutputNames.h"
+#include "core/CommonFile.h"
 #include "core/LineReader.h"
 #include "engine/Report.h"
 #include "engine/ValueFormat.h"
@@ -55,7 +56,7 @@ QString ReadTextIfFile(const QString &text, const QString &appPath)
 {
     if (text.toLower() != QLatin1String("{$subject.txt}"))
         return text;
-    const QString path = appPath + QStringLiteral("/Subject.txt");
+    const QString path = CommonFile::JoinPath(appPath, QStringLiteral("Subject.txt"));
     if (!QFileInfo::exists(path))
         return text;
     LineReader reader(path);

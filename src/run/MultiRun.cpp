@@ -1,6 +1,7 @@
 #include "MultiRun.h"
 
 #include "LogResult.h"
+#include "MailSources.h"
 #include "MultiRunDelivery.h"
 #include "OutputFormat.h"
 #include "ReportBinding.h"
@@ -10,6 +11,7 @@
 
 #include "calendar/EvaluateDate.h"
 #include "core/Clock.h"
+#include "core/CommonFile.h"
 #include "core/DayDate.h"
 #include "core/LineReader.h"
 #include "core/Numbers.h"
@@ -95,7 +97,8 @@ void ReportBadLine(RunContext &run, const QString &text, MultiRun::Totals &total
 
 void AddParameterValues(RunContext &run, Engine::ParameterFieldDefinition &field, const QString &text)
 {
-    const QString value = AddressList::ExpandAddressList(text, run.schedule, run.log);
+    const QString value =
+        AddressList::ExpandAddressList(text, MailSources::ListSources(run.schedule, run.log));
     QStringList pieces{value};
     if (value.contains(QLatin1Char(';')))
         pieces = value.split(QLatin1Char(';'), Qt::SkipEmptyParts);
@@ -224,7 +227,7 @@ void RunMultiRun(RunContext &run, const QString &fileName)
                           QStringLiteral(" errors)");
     LogResult(run, start, total, totals.pages);
     SendTotalMail(run, total, totals.errors);
-    schedule.Save(run.appPath + QStringLiteral("/Qorlo.XML"));
+    schedule.Save(CommonFile::JoinPath(run.appPath, QStringLiteral("Qorlo.XML")));
 }
 
 namespace MultiRun {

@@ -1,5 +1,6 @@
 #include "MultiRunDelivery.h"
 
+#include "MailSources.h"
 #include "MailText.h"
 #include "MultiRun.h"
 #include "OutputNames.h"
@@ -180,7 +181,8 @@ void ToPrinters(RunContext &run, const Line &line, Totals &totals)
     // A count beyond 16 bits is recorded as the line's failure and one copy is printed.
     qint16 copies = 1;
     trap.Guard([&] { copies = PrintCopies(line.extra); });
-    const QString printers = AddressList::ExpandAddressList(line.output, schedule, run.log);
+    const QString printers =
+        AddressList::ExpandAddressList(line.output, MailSources::ListSources(schedule, run.log));
     for (const QString &printer : printers.split(QLatin1Char(';')))
         PrintReport(run, *run.state.report, printer, copies);
     if (trap.IsSet()) {
@@ -198,7 +200,8 @@ void ToPrinters(RunContext &run, const Line &line, Totals &totals)
 QString MultiRunFolder(const QString &appPath, qint16 counter)
 {
     const QString folder =
-        appPath + QStringLiteral("/Multirun/MR-") + Numbers::FormatZeros(counter, 5) + QLatin1Char('/');
+        CommonFile::JoinPath(appPath, QStringLiteral("Multirun/MR-") + Numbers::FormatZeros(counter, 5)) +
+        QLatin1Char('/');
     QDir staging(folder);
     if (!staging.exists()) {
         OutputNames::MakeFolders(folder);

@@ -55,7 +55,7 @@ void SetHtmlOptions(RunContext &run, Engine::ExportOptions &options, int formatT
     // The stored text: an empty Location means the shared default page, not the item's default path.
     QString name = run.schedule.Field(clsSchedule::colLocation);
     if (name.isEmpty())
-        name = run.appPath + QStringLiteral("/Output/default.html");
+        name = CommonFile::JoinPath(run.appPath, QStringLiteral("Output/default.html"));
     if (CommonFile::FileExtension(name) != QLatin1StringView("html"))
         name = CommonFile::ChangeExtension(name, QStringLiteral("html"));
     options.FormatType = formatType;

@@ -76,6 +76,7 @@ void MakeFolder(const QString &folder)
 
 } // namespace
 
+// One name for the whole process: the collection that is running, wherever its %c is expanded.
 QString &CurrentCollection()
 {
     static QString collection;
@@ -132,7 +133,7 @@ QString FixFileExtension(const QString &name, const QString &baseFile, const QSt
     };
     QString result = name;
     if (!result.contains(QLatin1Char('/')) && !result.contains(QLatin1Char(':')))
-        result = CommonFile::FolderOf(baseFile) + QLatin1Char('/') + result;
+        result = CommonFile::JoinPath(CommonFile::FolderOf(baseFile), result);
     const auto found = std::find_if(extensions.begin(), extensions.end(),
                                     [&](const auto &entry) { return entry.first == format; });
     if (found == extensions.end())

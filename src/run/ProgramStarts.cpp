@@ -3,6 +3,7 @@
 #include "RunState.h"
 
 #include "core/Clock.h"
+#include "core/CommonFile.h"
 #include "core/DayDate.h"
 #include "core/QorloError.h"
 #include "core/TWReg.h"
@@ -49,5 +50,5 @@ void RunGlobalProcess(RunContext &run, const QString &file)
     const QString executable = words.takeFirst();
     StartProgram(executable, words);
     schedule.SetLastRun(FormatDateTime(Now()));
-    schedule.Save(run.appPath + QStringLiteral("/Qorlo.XML"));
+    schedule.Save(CommonFile::JoinPath(run.appPath, QStringLiteral("Qorlo.XML")));
 }

@@ -6,6 +6,7 @@
 #include "calendar/EvaluateDate.h"
 #include "connect/clsMap.h"
 #include "core/Ansi.h"
+#include "core/CommonFile.h"
 #include "core/DayDate.h"
 #include "core/Numbers.h"
 #include "core/QorloError.h"
@@ -182,7 +183,7 @@ bool ConnectTable(RunContext &run, Engine::DatabaseTable &table, const QString &
 
 void WriteConnectionListing(const QString &appPath, Engine::Report &report)
 {
-    QSaveFile file(appPath + QStringLiteral("/Connect.txt"));
+    QSaveFile file(CommonFile::JoinPath(appPath, QStringLiteral("Connect.txt")));
     if (!file.open(QIODevice::WriteOnly))
         throw QorloError(QorloError::PathFileAccess);
     file.write(Ansi::Encode(DescribeConnections(report)));

@@ -1,6 +1,7 @@
 #include "ReportDelivery.h"
 
 #include "LogResult.h"
+#include "MailSources.h"
 #include "OutputNames.h"
 #include "PrintReport.h"
 #include "RunState.h"
@@ -91,7 +92,7 @@ void ToDisk(RunContext &run, Delivery &delivery)
     QString output = schedule.Field(clsSchedule::colLocation);
     // Exporting over the open report goes through a temporary file, copied at the end of the run.
     if (schedule.File() == output) {
-        output = run.appPath + QStringLiteral("/Output/Temp.ctl");
+        output = CommonFile::JoinPath(run.appPath, QStringLiteral("Output/Temp.ctl"));
         delivery.tempFile = output;
     }
     if (output.isEmpty())
@@ -124,7 +125,7 @@ void ByMail(RunContext &run, const Delivery &delivery)
     clsSchedule &schedule = run.schedule;
     ErrorTrap &trap = run.state.trap;
     Engine::ExportOptions &options = run.state.report->ExportOptions();
-    const QString staging = run.appPath + QStringLiteral("/SMTP/");
+    const QString staging = CommonFile::JoinPath(run.appPath, QStringLiteral("SMTP/"));
     EmptyStagingFolder(staging);
     SmtpLog::StartSmtpLog(QStringLiteral("Send Report: ") + schedule.Name());
 
@@ -170,7 +171,8 @@ void ToPrinters(RunContext &run, const Delivery &delivery)
 {
     clsSchedule &schedule = run.schedule;
     ErrorTrap &trap = run.state.trap;
-    const QString list = AddressList::ExpandAddressList(schedule.Printer(), schedule, run.log);
+    const QString list =
+        AddressList::ExpandAddressList(schedule.Printer(), MailSources::ListSources(schedule, run.log));
     // The page count of the last good print stands for a failure after it.
     qint32 pages = 0;
     for (const QString &printer : list.split(QLatin1Char(';'))) {

@@ -83,5 +83,5 @@ void RunCollection(RunContext &run)
               0);
     ClearRunState(schedule);
     OutputNames::CurrentCollection().clear();
-    schedule.Save(run.appPath + QStringLiteral("/Qorlo.XML"));
+    schedule.Save(CommonFile::JoinPath(run.appPath, QStringLiteral("Qorlo.XML")));
 }

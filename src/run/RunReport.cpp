@@ -8,6 +8,7 @@
 #include "SMTPMail.h"
 
 #include "core/Clock.h"
+#include "core/CommonFile.h"
 #include "core/DayDate.h"
 #include "core/QorloError.h"
 #include "store/clsSchedule.h"
@@ -110,7 +111,7 @@ void EndRun(RunContext &run, const Delivery &delivery)
     state.report.reset();
     state.application.reset();
     schedule.SetLastRun(FormatDateTime(Now()));
-    schedule.Save(run.appPath + QStringLiteral("/Qorlo.XML"));
+    schedule.Save(CommonFile::JoinPath(run.appPath, QStringLiteral("Qorlo.XML")));
     if (delivery.tempFile.isEmpty())
         return;
     const QString target = schedule.Field(clsSchedule::colLocation);

@@ -1,5 +1,6 @@
 #include "SMTPMail.h"
 
+#include "MailSources.h"
 #include "MailText.h"
 
 #include "core/Clock.h"
@@ -16,6 +17,7 @@
 #include <QThread>
 
 using AddressList::ExpandAddressList;
+using MailSources::ListSources;
 using namespace SmtpLog;
 
 namespace SMTPMail {
@@ -27,11 +29,26 @@ QString ExpandMailText(const MailRun &run, const QString &text)
     return OutputNames::ExpandMailText(text, run.report, run.schedule.AppPath);
 }
 
+// A failed send goes in the run log against the running item.
+void LogSendFailure(const MailRun &run, const QString &explanation)
+{
+    const clsSchedule &schedule = run.schedule;
+    const double now = Now();
+    // A run always has its item at the cursor; without one the entry goes without a next run.
+    const QString nextRun = schedule.Position() >= 0 ? schedule.NextRun() : QString();
+    WriteLogEntry(run.log, schedule.ProcessingID, now, now, nextRun,
+                  schedule.ProcessingName + QStringLiteral(": Error Sending Email (") + explanation +
+                      QLatin1Char(')'),
+                  0);
+}
+
 // A sender whose subject and body pass the run's substitution.
 std::unique_ptr<frmSMTPSendMail> StartSender(const MailRun &run)
 {
     auto sender = std::make_unique<frmSMTPSendMail>(
-        run.schedule, run.log, [run](const QString &text) { return ExpandMailText(run, text); });
+        MailSources::ServerSettings(run.schedule), run.schedule.AppPath,
+        [run](const QString &explanation) { LogSendFailure(run, explanation); },
+        [run](const QString &text) { return ExpandMailText(run, text); });
     sender->StartMail();
     sender->MailServer = run.schedule.SMTP_Server;
     return sender;
@@ -79,7 +96,7 @@ void SendNotice(const MailRun &run, const QString &to, const QString &subject, c
         return;
     const auto sender = StartSender(run);
     sender->MailFrom = run.schedule.SMTP_From;
-    sender->MailTo = ExpandAddressList(run.schedule.NotifyTo(), run.schedule, run.log);
+    sender->MailTo = ExpandAddressList(run.schedule.NotifyTo(), ListSources(run.schedule, run.log));
     sender->MailSubject = subject;
     sender->MailBody = message;
     sender->SendMail();
@@ -100,9 +117,9 @@ void SendReportMail(const MailRun &run, const QString &to, const QString &output
     }
     const auto sender = StartSender(run);
     sender->MailFrom = schedule.RptFrom().isEmpty() ? schedule.SMTP_From : schedule.RptFrom();
-    sender->MailTo = ExpandAddressList(to, schedule, run.log);
-    sender->MailCc = ExpandAddressList(schedule.RptToCC(), schedule, run.log);
-    sender->MailBcc = ExpandAddressList(schedule.RptToBCC(), schedule, run.log);
+    sender->MailTo = ExpandAddressList(to, ListSources(schedule, run.log));
+    sender->MailCc = ExpandAddressList(schedule.RptToCC(), ListSources(schedule, run.log));
+    sender->MailBcc = ExpandAddressList(schedule.RptToBCC(), ListSources(schedule, run.log));
     sender->MailSubject = subject.isEmpty() ? schedule.Name() : ExpandMailText(run, subject);
     if (!schedule.RptMessage().isEmpty())
         sender->AppendTextMsg(ExpandMailText(run, schedule.RptMessage()));
@@ -139,7 +156,7 @@ void SendNoDataMail(const MailRun &run)
     if (choice == QLatin1String("notify administrator")) {
         sender->AppendTextMsg(QStringLiteral("No data found when processing the report:") + schedule.Name() +
                               QStringLiteral("  (ID=") + schedule.ReportID() + QLatin1Char(')'));
-        sender->MailTo = ExpandAddressList(schedule.SMTP_From, schedule, run.log);
+        sender->MailTo = ExpandAddressList(schedule.SMTP_From, ListSources(schedule, run.log));
         sender->SendMail();
         logText =
             QStringLiteral("No Data found when processing the Report.  Sending message to administrator=") +
@@ -147,7 +164,7 @@ void SendNoDataMail(const MailRun &run)
     } else if (choice == QLatin1String("notify recipient")) {
         sender->AppendTextMsg(QStringLiteral("No data found when processing report:") + schedule.File() +
                               QStringLiteral("  (ID=") + schedule.ProcessingID + QLatin1Char(')'));
-        sender->MailTo = ExpandAddressList(schedule.Email(), schedule, run.log);
+        sender->MailTo = ExpandAddressList(schedule.Email(), ListSources(schedule, run.log));
         sender->SendMail();
         logText = QStringLiteral("No Data in Report.  Sending message to recipients=") + schedule.Email();
     } else if (choice == QLatin1String("no report is sent")) {

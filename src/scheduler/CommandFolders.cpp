@@ -5,6 +5,7 @@
 #include "ScheduleView.h"
 
 #include "core/Clock.h"
+#include "core/CommonFile.h"
 #include "mail/SmtpLog.h"
 
 #include <QDir>
@@ -56,7 +57,7 @@ void ProcessRemoteFolder(QorloGlobals &globals, const QString &path, const QStri
     if (files.isEmpty())
         return;
     for (const QString &name : files) {
-        const QString file = path + QLatin1Char('/') + name;
+        const QString file = CommonFile::JoinPath(path, name);
         globals.Schedule.Load(file);
         QFile::remove(file);
         LogCommandFile(globals, logTag, name);
@@ -78,7 +79,7 @@ void ProcessMailFolder(QorloGlobals &globals, const QString &path, const QString
     const auto done = qScopeGuard([] { passRunning = false; });
     SmtpLog::StartSmtpLog(QStringLiteral("QorloMAIL processing inside QorloMANAGER"));
     for (const QString &name : files) {
-        const QString file = path + QLatin1Char('/') + name;
+        const QString file = CommonFile::JoinPath(path, name);
         if (!ProcessMailDocument(globals.AppPath, file))
             globals.View().SetStatusText(QStringLiteral("Invalid XML Doc"));
         QFile::remove(file);

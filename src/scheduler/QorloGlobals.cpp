@@ -6,6 +6,7 @@
 
 #include "calendar/NextRun.h"
 #include "core/Clock.h"
+#include "core/CommonFile.h"
 #include "core/DayDate.h"
 #include "log/StatusPages.h"
 #include "run/RunState.h"
@@ -38,7 +39,7 @@ RunContext QorloGlobals::Context()
 
 QString QorloGlobals::PathOf(const QString &name) const
 {
-    return AppPath + QLatin1Char('/') + name;
+    return CommonFile::JoinPath(AppPath, name);
 }
 
 void QorloGlobals::SaveSchedule()

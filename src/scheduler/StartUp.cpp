@@ -8,6 +8,7 @@
 #include "SingleInstance.h"
 
 #include "core/AppFolder.h"
+#include "core/CommonFile.h"
 #include "core/HelpPages.h"
 #include "core/TWReg.h"
 
@@ -82,10 +83,13 @@ void RegisterApplication(const QString &appPath, const QString &executablePath)
     if (!scheduler.isEmpty() && scheduler != kProgram)
         return;
     TWReg::SaveApplicationValue(QStringLiteral("Scheduler"), kProgram);
-    TWReg::SaveApplicationValue(QStringLiteral("Mailbox"), appPath + QStringLiteral("/Mail"));
-    TWReg::SaveApplicationValue(QStringLiteral("RemoteFolder"), appPath + QStringLiteral("/Remote"));
+    TWReg::SaveApplicationValue(QStringLiteral("Mailbox"),
+                                CommonFile::JoinPath(appPath, QStringLiteral("Mail")));
+    TWReg::SaveApplicationValue(QStringLiteral("RemoteFolder"),
+                                CommonFile::JoinPath(appPath, QStringLiteral("Remote")));
     // The family's log folder is the Remote folder, deliberately.
-    TWReg::SaveApplicationValue(QStringLiteral("LogFolder"), appPath + QStringLiteral("/Remote"));
+    TWReg::SaveApplicationValue(QStringLiteral("LogFolder"),
+                                CommonFile::JoinPath(appPath, QStringLiteral("Remote")));
 }
 
 void LoadMainWindow(QorloGlobals &globals)

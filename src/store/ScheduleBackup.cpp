@@ -63,8 +63,10 @@ void SetNextBackup(clsSchedule &schedule)
 
 QString BackupFileName(const clsSchedule &schedule, double day)
 {
-    return schedule.AppPath + QStringLiteral("/Backup/Qorlo") +
-           DayDate::ToDate(day).toString(QStringLiteral("yyyyMMdd")) + QStringLiteral(".xml");
+    return CommonFile::JoinPath(schedule.AppPath,
+                                QStringLiteral("Backup/Qorlo") +
+                                    DayDate::ToDate(day).toString(QStringLiteral("yyyyMMdd")) +
+                                    QStringLiteral(".xml"));
 }
 
 double FileNameDate(const QString &name)
@@ -97,7 +99,7 @@ void PurgeOldFiles(const QString &pattern)
     for (const QString &name : names) {
         if (FileNameDate(name) >= cutoff)
             continue;
-        QFile file(folder + QLatin1Char('/') + name);
+        QFile file(CommonFile::JoinPath(folder, name));
         if (!file.remove())
             throw QorloError(file.exists() ? QorloError::PermissionDenied : QorloError::FileNotFound);
     }
@@ -117,7 +119,7 @@ bool BackupIfDue(clsSchedule &schedule, const std::function<void()> &saveWeb)
     if (saveWeb)
         saveWeb();
     schedule.Save(schedule.FileName);
-    PurgeOldFiles(schedule.AppPath + QStringLiteral("/Backup/Qorlo*.xml"));
+    PurgeOldFiles(CommonFile::JoinPath(schedule.AppPath, QStringLiteral("Backup/Qorlo*.xml")));
     return true;
 }
 

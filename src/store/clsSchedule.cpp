@@ -29,7 +29,7 @@ clsSchedule::clsSchedule(const QString &appPath)
 {
     m_items.resize(1);
     AppPath = appPath;
-    FileName = appPath + QStringLiteral("/Qorlo.XML");
+    FileName = CommonFile::JoinPath(appPath, QStringLiteral("Qorlo.XML"));
     StartedAt = Now();
     BackupDate = StartedAt - 1;
 }
@@ -243,8 +243,8 @@ QString clsSchedule::Location() const
     if (!location.isEmpty())
         return location;
     const QString &file = itemAt(colFile);
-    return AppPath + QStringLiteral("/Output/") + CommonFile::FileBaseName(file) + QLatin1Char('.') +
-           CommonFile::FileExtension(file);
+    return CommonFile::JoinPath(AppPath, QStringLiteral("Output/") + CommonFile::FileBaseName(file) +
+                                             QLatin1Char('.') + CommonFile::FileExtension(file));
 }
 
 qint16 clsSchedule::PrinterCopies() const
@@ -415,7 +415,7 @@ void clsSchedule::AddFolder2Schedule(const QString &path)
             continue;
         AddNew();
         SetName(name);
-        SetFile(folder + QLatin1Char('/') + name);
+        SetFile(CommonFile::JoinPath(folder, name));
         SetSchedule(QStringLiteral("N"));
         SetFreqTimes(QStringLiteral("1"));
         SetFrequency(QStringLiteral("W"));

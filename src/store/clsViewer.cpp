@@ -1,5 +1,6 @@
 #include "clsViewer.h"
 
+#include "core/CommonFile.h"
 #include "core/XMLCode.h"
 #include "core/LineReader.h"
 #include "core/Numbers.h"
@@ -67,7 +68,7 @@ void clsViewer::Initialise()
     Viewer_State = QStringLiteral("Normal");
     Viewer_Option = QStringLiteral("Folder");
     Viewer_Col = 3000;
-    InstanceFolder = m_appPath + QStringLiteral("/Instance");
+    InstanceFolder = CommonFile::JoinPath(m_appPath, QStringLiteral("Instance"));
     SortCol.clear();
 }
 
@@ -122,7 +123,8 @@ void clsViewer::ReadTags(QString &line)
 
 void clsViewer::Save() const
 {
-    if (OpenXML(m_appPath + QStringLiteral("/Form.XML"), QStringLiteral("ViewerSettingsDoc"))
+    if (OpenXML(CommonFile::JoinPath(m_appPath, QStringLiteral("Form.XML")),
+                QStringLiteral("ViewerSettingsDoc"))
             .startsWith(QLatin1String("Err")))
         return;
     WriteOpenTag(QStringLiteral("ViewerSettings"));

@@ -8,6 +8,7 @@
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
 #include "mail/SmtpLog.h"
+#include "mail/SmtpSettings.h"
 #include "mail/clsSendMail.h"
 
 #include <QCheckBox>
@@ -167,12 +168,13 @@ void frmSMTP::SendTestMessage()
     mail.SetRecipient(m_testTo->text());
     mail.SetSubject(QStringLiteral("Test message from QorloMANAGER"));
     mail.SetMessage(QStringLiteral("Here is a test message from QorloMANAGER"));
-    mail.SetSMTPPort(Numbers::TextToInt32(m_port->text()));
-    mail.SetEncryption(m_globals.Schedule.SMTP_Encryption);
-    if (m_secure->isChecked()) {
-        mail.SetUseAuthentication(true);
-        mail.SetUsername(m_user->text());
-        mail.SetPassword(m_password->text());
-    }
+    const SmtpSettings fields{m_server->text(),
+                              m_from->text(),
+                              Numbers::TextToInt32(m_port->text()),
+                              m_globals.Schedule.SMTP_Encryption,
+                              m_secure->isChecked() ? QStringLiteral("Yes") : QStringLiteral("No"),
+                              m_user->text(),
+                              m_password->text()};
+    fields.ApplyTo(mail);
     mail.Send();
 }

@@ -135,8 +135,8 @@ void frmSchedule::ShowDestinationTabs(bool filling)
     show(tabEachRun, dest == QLatin1String("M"));
     const QString file = m_globals.Schedule.File();
     if (!filling && dest == QLatin1String("M") && txtMRFile->text().isEmpty() && !file.isEmpty())
-        txtMRFile->setText(CommonFile::FolderOf(file) + QLatin1Char('/') + CommonFile::FileBaseName(file) +
-                           QStringLiteral("-mr.txt"));
+        txtMRFile->setText(CommonFile::JoinPath(CommonFile::FolderOf(file),
+                                                CommonFile::FileBaseName(file) + QStringLiteral("-mr.txt")));
     SetOptions();
 }
 

@@ -7,7 +7,7 @@
 #include "scheduler/QorloGlobals.h"
 #include "mail/SmtpLog.h"
 #include "mail/clsSendMail.h"
-#include "mail/frmSMTPSendMail.h"
+#include "run/MailSources.h"
 
 #include <QDialogButtonBox>
 #include <QPlainTextEdit>
@@ -52,12 +52,12 @@ void frmSendMail::cmdSend_Click()
 void frmSendMail::SendHelpMessage(const QString &text)
 {
     SmtpLog::StartSmtpLog(QStringLiteral("Sending Help Message"));
-    const clsSchedule &schedule = m_globals.Schedule;
+    const SmtpSettings settings = MailSources::ServerSettings(m_globals.Schedule);
     MailClientEvents events(m_globals.prompter, m_globals.AppPath);
     clsSendMail &mail = events.poSendMail();
-    mail.SetSMTPHost(schedule.SMTP_Server);
-    mail.SetFrom(schedule.SMTP_From);
-    frmSMTPSendMail::UseScheduleServer(mail, schedule);
+    mail.SetSMTPHost(settings.server);
+    mail.SetFrom(settings.from);
+    settings.ApplyTo(mail);
     mail.SetRecipient(QStringLiteral(QORLO_SUPPORT_MAILBOX));
     mail.SetSubject(QStringLiteral("QorloMANAGER help request "));
     mail.SetMessage(text);

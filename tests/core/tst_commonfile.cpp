@@ -16,6 +16,7 @@ private Q_SLOTS:
     void pathParts();
     void settingsStore();
     void workingFolders();
+    void systemFolders();
 };
 
 void TestCommonFile::pathParts()
@@ -35,6 +36,11 @@ void TestCommonFile::pathParts()
     QCOMPARE(FolderOf(QStringLiteral("/a/b/sales.rpt")), QStringLiteral("/a/b"));
     QCOMPARE(FolderOf(QStringLiteral("/a/b/")), QStringLiteral("/a/b"));
     QCOMPARE(FolderOf(QStringLiteral("sales.rpt")), QStringLiteral("sales.rpt"));
+    // A name without a folder lies in the given folder.
+    QCOMPARE(CompletePath(QStringLiteral("/app"), QStringLiteral("holiday.lst")),
+             QStringLiteral("/app/holiday.lst"));
+    QCOMPARE(CompletePath(QStringLiteral("/app"), QStringLiteral("/etc/x.lst")),
+             QStringLiteral("/etc/x.lst"));
 }
 
 void TestCommonFile::settingsStore()
@@ -85,6 +91,15 @@ void TestCommonFile::workingFolders()
     QCOMPARE(AppFolder::Resolve(app.path() + QStringLiteral("/qorlomanagerd")), app.path());
     QCOMPARE(AppFolder::Resolve(QStringLiteral("/usr/bin/qorlomanagerd")),
              QDir::homePath() + QStringLiteral("/.local/share/QorloMANAGER"));
+}
+
+void TestCommonFile::systemFolders()
+{
+    for (const char *folder : {"/usr", "/usr/bin", "/usr/local/bin", "/bin", "/bin/x", "/sbin", "/sbin/x"})
+        QVERIFY2(AppFolder::IsSystemFolder(QLatin1String(folder)), folder);
+    // A name that only begins like a system folder is an ordinary folder.
+    for (const char *folder : {"/binaries/x", "/sbinx/x", "/usrlocal", "/opt/usr", "/home/bin"})
+        QVERIFY2(!AppFolder::IsSystemFolder(QLatin1String(folder)), folder);
 }
 
 QORLO_TEST_MAIN(TestCommonFile)

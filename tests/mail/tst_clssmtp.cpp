@@ -15,6 +15,7 @@ class TestClsSMTP : public QObject
 private Q_SLOTS:
     void plainDocument();
     void htmlBodyAndFile();
+    void bodyLinesJoined();
     void passwordsInFileOrder();
     void locksAndBadDocuments();
     void documentSent();
@@ -60,7 +61,8 @@ void TestClsSMTP::plainDocument()
     QCOMPARE(document.From, QStringLiteral("desk@example.com"));
     QCOMPARE(document.To, QStringLiteral("boss@example.com;team@example.com"));
     QCOMPARE(document.Subject, QStringLiteral("Orders & returns"));
-    QCOMPARE(document.Body, QStringLiteral("First line & more\r\nSecond line"));
+    // The end tag on a line of its own ends the body with an empty line.
+    QCOMPARE(document.Body, QStringLiteral("First line & more\r\nSecond line\r\n"));
     QCOMPARE(document.Attach, QStringLiteral("\r\n") + box.path(QStringLiteral("orders.csv")) +
                                   QStringLiteral("\r\n") + box.path(QStringLiteral("notes.txt")));
     QCOMPARE(document.SMTP_Port, qint16(2525));
@@ -86,7 +88,7 @@ void TestClsSMTP::htmlBodyAndFile()
              QStringLiteral("<html><body>\r\n<p>Total: 1,234.50 and again 1,234.50 for $NAME$</p>\r\n"
                             "<img src=\"chart.png\">\r\n</body></html>"));
     QCOMPARE(document.MsgHTML(),
-             QStringLiteral("<h1>Week 9</h1>\r\n<p>See below</p>\r\n") + document.HTMLFileText);
+             QStringLiteral("<h1>Week 9</h1>\r\n<p>See below</p>\r\n\r\n") + document.HTMLFileText);
     QCOMPARE(document.FindText, QString());
 
     // A named file that is missing leaves the HTML body alone.
@@ -96,6 +98,17 @@ void TestClsSMTP::htmlBodyAndFile()
     QCOMPARE(document.MsgHTML(), QStringLiteral("Only this"));
     document.SetMsgHTML(QStringLiteral("Set"));
     QCOMPARE(document.MsgHTML(), QStringLiteral("Set"));
+}
+
+void TestClsSMTP::bodyLinesJoined()
+{
+    Mailbox box;
+    box.write(QStringLiteral("lines.xml"), "<QorloMAILDoc>\r\n<Body>Line one\r\nLine two</Body>\r\n"
+                                           "<HTMLBody><p>one</p>\r\n\r\n<p>two</p></HTMLBody>\r\n");
+    clsSMTP document;
+    document.Load(box.path(QStringLiteral("lines.xml")));
+    QCOMPARE(document.Body, QStringLiteral("Line one\r\nLine two"));
+    QCOMPARE(document.MsgHTML(), QStringLiteral("<p>one</p>\r\n\r\n<p>two</p>"));
 }
 
 void TestClsSMTP::passwordsInFileOrder()
@@ -172,13 +185,13 @@ void TestClsSMTP::documentSent()
     QCOMPARE(PartNames(plain),
              QStringList({QString(), QStringLiteral("orders.csv"), QStringLiteral("notes.txt")}));
     QCOMPARE(PartOf(plain, 0).value(QStringLiteral("text")).toString(),
-             QStringLiteral("First line & more\nSecond line\n"));
+             QStringLiteral("First line & more\nSecond line\n\n"));
     QCOMPARE(PartOf(plain, 2).value(QStringLiteral("size")).toInt(), 12);
 
     const QJsonObject html = ParseMessage(peer.messages().at(1));
     QCOMPARE(html.value(QStringLiteral("content_type")).toString(), QStringLiteral("multipart/related"));
     const QString page = PartOf(html, 0).value(QStringLiteral("text")).toString();
-    QVERIFY(page.startsWith(QStringLiteral("<h1>Week 9</h1>\n<p>See below</p>\n<html>")));
+    QVERIFY(page.startsWith(QStringLiteral("<h1>Week 9</h1>\n<p>See below</p>\n\n<html>")));
     QVERIFY(page.contains(QStringLiteral("<img src=\"cid:chart.png\">")));
     QVERIFY(!page.contains(QStringLiteral("Plain text")));
     QCOMPARE(PartOf(html, 1).value(QStringLiteral("content_id")).toString(), QStringLiteral("<chart.png>"));

@@ -30,6 +30,7 @@ private Q_SLOTS:
     void silentServerAndMidnight();
     void configurationFaults();
     void persistentSettings();
+    void partialPersistentSettings();
     void hostLookupsAndPing();
 
 private:
@@ -488,6 +489,29 @@ void TestSendMail::persistentSettings()
         QSettings(file, QSettings::IniFormat).value(QStringLiteral("Settings/PersistentSettings")).toString(),
         QStringLiteral("1"));
     // The other cases start from the table's defaults.
+    QFile::remove(file);
+}
+
+void TestSendMail::partialPersistentSettings()
+{
+    const QString file = TWReg::SettingsFolder() + QStringLiteral("/QorloSendMail.ini");
+    {
+        QSettings stored(file, QSettings::IniFormat);
+        stored.setValue(QStringLiteral("Settings/PersistentSettings"), QStringLiteral("1"));
+        stored.setValue(QStringLiteral("Settings/RemoteHost"), QStringLiteral("mail.example.com"));
+        stored.setValue(QStringLiteral("Settings/MessageTimeout"), QStringLiteral(" "));
+    }
+    // Keys that are missing, or stored empty, read with the defaults of the table, not as 0.
+    const clsSendMail mail;
+    QCOMPARE(mail.SMTPHost(), QStringLiteral("mail.example.com"));
+    QCOMPARE(mail.ConnectRetry(), 4);
+    QCOMPARE(mail.ConnectTimeout(), 40);
+    QCOMPARE(mail.EmailAddressValidation(), 1);
+    QCOMPARE(mail.EncodeType(), 0);
+    QCOMPARE(mail.MessageTimeout(), 60);
+    QCOMPARE(mail.SMTPHostValidation(), 3);
+    QCOMPARE(mail.SMTPPort(), 25);
+    QCOMPARE(mail.UseAuthentication(), false);
     QFile::remove(file);
 }
 

@@ -5,6 +5,7 @@
 
 #include "core/QorloError.h"
 #include "mail/SmtpLog.h"
+#include "run/MailSources.h"
 #include "run/SMTPMail.h"
 #include "engine/Application.h"
 #include "engine/Report.h"
@@ -25,6 +26,7 @@ private Q_SLOTS:
     void reportByFormat();
     void extraFilesAndMessages();
     void missingServerOrSender();
+    void scheduleForTheMailCode();
     void noDataChoices();
     void noticesGoToNotifyList();
     void mailPause();
@@ -241,6 +243,38 @@ void TestReportMail::missingServerOrSender()
     SendReportMail({app.schedule, app.log, m_report.get()}, QStringLiteral("boss@example.com"), QString(),
                    QString());
     QCOMPARE(app.schedule.ErrorMsg(), QStringLiteral("ERROR: No STMP server or sender specified"));
+}
+
+void TestReportMail::scheduleForTheMailCode()
+{
+    // A send that fails is written in the run log against the running item, with its next run.
+    MailApp app(1);
+    SendReportMail({app.schedule, app.log, m_report.get()}, QStringLiteral("not an address"), QString(),
+                   QString());
+    QCOMPARE(app.logEntries(),
+             QStringList{QStringLiteral("7|Sales: Error Sending Email (Missing or Invalid "
+                                        "Recipient E-mail Address\r\n)|02-Mar-2026 06:00")});
+
+    app.schedule.SMTPAuthentication = QStringLiteral("Yes");
+    app.schedule.SMTPUser = QStringLiteral("mailer");
+    app.schedule.SMTPPassword = QStringLiteral("s3cret");
+    app.schedule.SMTP_Encryption = QStringLiteral("STARTTLS");
+    const SmtpSettings settings = MailSources::ServerSettings(app.schedule);
+    QCOMPARE(QStringList({settings.server, settings.from, QString::number(settings.port), settings.encryption,
+                          settings.authentication, settings.user, settings.password}),
+             QStringList({QStringLiteral("127.0.0.1"), QStringLiteral("scheduler@example.com"),
+                          QStringLiteral("1"), QStringLiteral("STARTTLS"), QStringLiteral("Yes"),
+                          QStringLiteral("mailer"), QStringLiteral("s3cret")}));
+
+    // Address lists: the schedule's folder and shortcuts; a missing list is logged against the item
+    // processed when it is found missing.
+    app.schedule.SaveDomain(9, QStringLiteral("example.net"));
+    const AddressList::Sources sources = MailSources::ListSources(app.schedule, app.log);
+    app.schedule.ProcessingID = QStringLiteral("17");
+    QCOMPARE(AddressList::ExpandAddressList(QStringLiteral("a@9;<gone.lst>"), sources),
+             QStringLiteral("a@example.net;<gone.lst>"));
+    QCOMPARE(app.logEntries().last(),
+             QStringLiteral("17|Cannot find list file: ") + app.path(QStringLiteral("gone.lst")) + u'|');
 }
 
 void TestReportMail::noDataChoices()

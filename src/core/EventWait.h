@@ -1,0 +1,5 @@
+#pragma once
+// The one turn of every wait loop that pumps events: deliver what is pending, or sleep until the next
+// event arrives, but no longer than the loop's interval, so that a reply wakes the waiter at once.
+
+void WaitForNextEvent(int maxMs);
