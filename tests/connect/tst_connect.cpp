@@ -3,6 +3,7 @@
 #include "core/LineReader.h"
 #include "core/QorloError.h"
 #include "core/XMLCode.h"
+#include "Files.h"
 #include "TestMain.h"
 
 #include <QFile>
@@ -21,13 +22,9 @@ private Q_SLOTS:
     void applyTableMap();
 };
 
-namespace {
+using TestSupport::ReadFile;
 
-QByteArray ReadAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+namespace {
 
 void AddConnection(clsConnect &list, const QString &dll, const QString &server, const QString &db,
                    const QString &user, const QString &password)
@@ -97,7 +94,7 @@ void TestConnect::findAndDelete()
     QCOMPARE(list.Count(), qint16(0));
 
     // Capacity is checked only when a cell of the 152nd row is touched.
-    for (int row = 0; row <= clsConnect::UpperBound; ++row)
+    for (int row = 0; row < 151; ++row)
         list.AddNew();
     list.SetServer(QStringLiteral("last"));
     list.AddNew();
@@ -119,8 +116,8 @@ void TestConnect::connectionRoundTrip()
     list.Save();
     const QString path = list.Connection_File;
     QCOMPARE(QFile::permissions(path) & 0x0077, QFileDevice::Permissions()); // owner only
-    QVERIFY(!ReadAll(path).contains("lock"));
-    QVERIFY(!ReadAll(path).contains("p&amp;ss"));
+    QVERIFY(!ReadFile(path).contains("lock"));
+    QVERIFY(!ReadFile(path).contains("p&amp;ss"));
 
     clsConnect fresh(app.path());
     fresh.EncodeOptions = QStringLiteral("No"); // the file's own setting wins before the rows
@@ -138,10 +135,10 @@ void TestConnect::connectionRoundTrip()
     QCOMPARE(fresh.Password(), QStringLiteral("~~~"));
 
     const QStringList first = DecodedLines(path);
-    const QByteArray firstBytes = ReadAll(path);
+    const QByteArray firstBytes = ReadFile(path);
     fresh.Save();
     QCOMPARE(DecodedLines(path), first);
-    QVERIFY(ReadAll(path) != firstBytes); // new noise at every save
+    QVERIFY(ReadFile(path) != firstBytes); // new noise at every save
 
     // A missing file leaves an empty list and still names the file.
     const QString missing = app.filePath(QStringLiteral("none.XML"));
@@ -160,7 +157,7 @@ void TestConnect::passwordForms()
                   QStringLiteral("clear pw"));
     AddConnection(list, QString(), QStringLiteral("s"), QStringLiteral("d"), QStringLiteral("v"), QString());
     list.Save();
-    QByteArray bytes = ReadAll(list.Connection_File);
+    QByteArray bytes = ReadFile(list.Connection_File);
     QVERIFY(bytes.contains("<ConnectPassword>clear pw</ConnectPassword>"));
     QVERIFY(bytes.contains("<ConnectPassword></ConnectPassword>"));
     QVERIFY(!bytes.contains("lock")); // the editor's lock stays scrambled
@@ -168,7 +165,7 @@ void TestConnect::passwordForms()
     list.EncodeOptions = QStringLiteral("Yes");
     list.Connection_Password.clear();
     list.Save();
-    bytes = ReadAll(list.Connection_File);
+    bytes = ReadFile(list.Connection_File);
     QVERIFY(!bytes.contains("Connection_Password"));
     QVERIFY(!bytes.contains("clear pw"));
     // Empty text codes as the single character of code k + 64.
@@ -218,7 +215,7 @@ void TestConnect::tableMapFile()
     map.SetNewTable(QString());
     map.Save();
     const QString path = app.filePath(QStringLiteral("TableMap.XML"));
-    const QByteArray first = ReadAll(path);
+    const QByteArray first = ReadFile(path);
     QCOMPARE(first.count("<TableMap>"), 4);
     QVERIFY(
         first.contains("<TableMap>\r\n<ReportMapID></ReportMapID>\r\n<OriginalTable>test</OriginalTable>"));
@@ -229,7 +226,7 @@ void TestConnect::tableMapFile()
     fresh.Locate(2);
     QCOMPARE(fresh.NewTable(), QStringLiteral("live.Orders & <x>"));
     fresh.Save();
-    QCOMPARE(ReadAll(path), first);
+    QCOMPARE(ReadFile(path), first);
     fresh.Load(path); // adds, as the caller clears first
     QCOMPARE(fresh.Count(), qint16(8));
 

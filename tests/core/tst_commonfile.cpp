@@ -7,6 +7,9 @@
 #include <QSettings>
 #include <QTemporaryDir>
 
+#include <pwd.h>
+#include <unistd.h>
+
 using namespace CommonFile;
 
 class TestCommonFile : public QObject
@@ -16,6 +19,7 @@ private Q_SLOTS:
     void pathParts();
     void settingsStore();
     void workingFolders();
+    void freshHomeForEveryTest();
 };
 
 void TestCommonFile::pathParts()
@@ -39,7 +43,6 @@ void TestCommonFile::pathParts()
 
 void TestCommonFile::settingsStore()
 {
-    QVERIFY(TWReg::SettingsFolder().startsWith(QString::fromLocal8Bit(qgetenv("XDG_CONFIG_HOME"))));
     QCOMPARE(TWReg::ReadSetting(QStringLiteral("System"), QStringLiteral("Missing"), QStringLiteral("dflt")),
              QStringLiteral("dflt"));
 
@@ -79,12 +82,27 @@ void TestCommonFile::workingFolders()
     QTemporaryDir app;
     QVERIFY(QDir(app.path()).mkdir(QStringLiteral("Web")));
     AppFolder::MakeWorkingFolders(app.path());
-    for (const QString &name : AppFolder::WorkingFolderNames())
-        QVERIFY2(QFileInfo(app.path() + QLatin1Char('/') + name).isDir(), qPrintable(name));
+    QCOMPARE(QDir(app.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name),
+             QStringList({QStringLiteral("Backup"), QStringLiteral("Help"), QStringLiteral("Mail"),
+                          QStringLiteral("Multirun"), QStringLiteral("Output"), QStringLiteral("Remote"),
+                          QStringLiteral("SMTP"), QStringLiteral("Spool"), QStringLiteral("Web")}));
     QCOMPARE(QFileInfo(app.path() + QStringLiteral("/Remote")).permissions() & 0x0077, QFile::Permissions());
     QCOMPARE(AppFolder::Resolve(app.path() + QStringLiteral("/qorlomanagerd")), app.path());
     QCOMPARE(AppFolder::Resolve(QStringLiteral("/usr/bin/qorlomanagerd")),
              QDir::homePath() + QStringLiteral("/.local/share/QorloMANAGER"));
+}
+
+// The test main gives the process a home and a settings folder of its own, so that nothing lands in
+// the home folder of whoever runs the tests.
+void TestCommonFile::freshHomeForEveryTest()
+{
+    const QString home = QDir::homePath();
+    QVERIFY2(home.startsWith(QDir::tempPath() + QStringLiteral("/qorlo-home-")), qPrintable(home));
+    QVERIFY(home != QString::fromLocal8Bit(getpwuid(getuid())->pw_dir));
+    QCOMPARE(QDir(home).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name),
+             QStringList({QStringLiteral(".cache"), QStringLiteral(".config"), QStringLiteral(".local")}));
+    QCOMPARE(QString::fromLocal8Bit(qgetenv("XDG_CONFIG_HOME")), home + QStringLiteral("/.config"));
+    QVERIFY(TWReg::SettingsFolder().startsWith(home + QStringLiteral("/.config/")));
 }
 
 QORLO_TEST_MAIN(TestCommonFile)

@@ -1,5 +1,6 @@
 #include "core/LineReader.h"
 #include "core/XMLCode.h"
+#include "Files.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 
@@ -22,13 +23,9 @@ private Q_SLOTS:
     void lockFile();
 };
 
-namespace {
+using TestSupport::ReadFile;
 
-QByteArray ReadAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+namespace {
 
 // Writes one element, reads the file back and returns the value of its element line.
 QString RoundTrip(const QString &folder, const QString &value)
@@ -71,15 +68,14 @@ void TestXMLCode::headerAndLines()
     QCOMPARE(CloseXML(), QStringLiteral("XML File closed"));
     QCOMPARE(CloseXML(), QStringLiteral("XML already closed"));
 
-    const QList<QByteArray> lines = ReadAll(path).split('\n');
+    const QList<QByteArray> lines = ReadFile(path).split('\n');
     QCOMPARE(lines.size(), 15); // 14 lines, each ended by CR LF
     for (qsizetype i = 0; i + 1 < lines.size(); ++i)
         QVERIFY2(lines.at(i).endsWith('\r'), lines.at(i).constData());
     QCOMPARE(lines.at(0), QByteArray("<?xml version=\"1.0\" encoding=\"utf-8\"?>\r"));
     QVERIFY(lines.at(1).startsWith("<!-- XML File Created by "));
     QVERIFY(lines.at(3).contains("2026"));
-    QCOMPARE(lines.at(4),
-             QByteArray("<!-- QorloMANAGER version 10.0 (" QT_STRINGIFY(QORLO_REVISION) ") -->\r"));
+    QCOMPARE(lines.at(4), QByteArray("<!-- QorloMANAGER version 10.0 (1) -->\r"));
     QCOMPARE(lines.at(6), QByteArray("<!-- File " + path.toLocal8Bit() + " Created 05-Mar-2026-->\r"));
     QCOMPARE(lines.at(7), QByteArray("<TestDoc a=\"1\">\r"));
     // The last character of a value is written raw as a Windows-1252 byte, the others as references;
@@ -94,7 +90,7 @@ void TestXMLCode::headerAndLines()
     QCOMPARE(WriteOpenTag(QStringLiteral("G"), QStringLiteral("x=\"y\"")), QStringLiteral("<G x=\"y\">"));
     OpenXML(path, QString());
     CloseXML();
-    QCOMPARE(ReadAll(path).count('\n'), 7);
+    QCOMPARE(ReadFile(path).count('\n'), 7);
 }
 
 void TestXMLCode::openFailureAndAtomicReplace()
@@ -113,12 +109,12 @@ void TestXMLCode::openFailureAndAtomicReplace()
     CloseXML();
     QCOMPARE(QFile::permissions(path) & 0x0077, QFileDevice::Permissions()); // nothing for group, others
     QVERIFY(QFile::permissions(path).testFlag(QFileDevice::ReadOwner));
-    const QByteArray before = ReadAll(path);
+    const QByteArray before = ReadFile(path);
     OpenXML(path, QStringLiteral("Doc"), QString(), FileAccess::OwnerOnly);
     WriteElement(QStringLiteral("A"), QStringLiteral("new"));
-    QCOMPARE(ReadAll(path), before);
+    QCOMPARE(ReadFile(path), before);
     CloseXML();
-    QVERIFY(ReadAll(path).contains("<A>new</A>"));
+    QVERIFY(ReadFile(path).contains("<A>new</A>"));
     QCOMPARE(QFile::permissions(path) & 0x0077, QFileDevice::Permissions());
 
     // A second open closes the first file without its root tag.
@@ -126,7 +122,7 @@ void TestXMLCode::openFailureAndAtomicReplace()
     OpenXML(first, QStringLiteral("Doc"));
     OpenXML(dir.filePath(QStringLiteral("Second.XML")), QStringLiteral("Doc"));
     CloseXML();
-    QVERIFY(ReadAll(first).endsWith("<Doc>\r\n"));
+    QVERIFY(ReadFile(first).endsWith("<Doc>\r\n"));
 }
 
 void TestXMLCode::escapeRoundTrip()
@@ -260,7 +256,7 @@ void TestXMLCode::lockFile()
     const ClockGuard guard(clock);
     const QString path = dir.filePath(QStringLiteral("job.lck"));
     CreateLockFile(path);
-    QCOMPARE(ReadAll(path), QByteArray("Lock File Created : 21-Nov-2026\r\n"));
+    QCOMPARE(ReadFile(path), QByteArray("Lock File Created : 21-Nov-2026\r\n"));
     CreateLockFile(dir.filePath(QStringLiteral("missing/job.lck"))); // swallowed
 }
 

@@ -1,4 +1,5 @@
-#include "EngineFixtures.h"
+#include "Files.h"
+#include "SalesReport.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/EngineError.h"
@@ -7,7 +8,7 @@
 #include <QTemporaryDir>
 
 using namespace Engine;
-using namespace EngineFixtures;
+using namespace TestSupport;
 
 class TestDataExports : public QObject
 {
@@ -86,13 +87,10 @@ void TestDataExports::goldenFiles()
         options.CharStringDelimiter = QStringLiteral("'");
     }
     const QByteArray actual = contents(exportTo(formatType, QStringLiteral("out")));
-    const QString goldenPath = TestSupport::DataFile(QStringLiteral("engine/exports/") + golden);
-    if (qEnvironmentVariableIsSet(
-            "QORLO_WRITE_GOLDEN")) { // refresh after a deliberate change, then review the diff
-        QFile file(goldenPath);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(actual);
-    }
+    const QString goldenPath = DataFile(QStringLiteral("engine/exports/") + golden);
+    // Refresh after a deliberate change, then review the difference.
+    if (qEnvironmentVariableIsSet("QORLO_WRITE_GOLDEN"))
+        WriteFile(goldenPath, actual);
     QCOMPARE(actual, contents(goldenPath));
 }
 

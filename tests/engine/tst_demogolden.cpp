@@ -1,12 +1,13 @@
 // Every demo report in every export format, against expected files (binary formats through their
 // readers' text), and the content of the Excel, word-processor and PDF files as their readers see it.
 
+#include "Files.h"
 #include "Peers.h"
+#include "Readers.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/Report.h"
 #include "engine/page/HtmlPageSink.h"
-#include "tst_page_sample.h"
 
 #include <QDate>
 #include <QLocale>
@@ -15,9 +16,9 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTemporaryDir>
-#include <QUrl>
 
 using namespace Engine;
+using namespace TestSupport;
 
 namespace {
 
@@ -226,19 +227,11 @@ private:
     QTemporaryDir m_dir;
     Application m_application;
     QHash<QString, int> m_pages;
-    QString m_python;
-    QString m_pdftotext;
-    QString m_pdfinfo;
-    QString m_soffice;
 };
 
 void TestDemoGolden::initTestCase()
 {
     QVERIFY(m_dir.isValid());
-    m_python = TestSupport::DebianPython();
-    m_pdftotext = TestSupport::FindProgram(QStringLiteral("pdftotext"));
-    m_pdfinfo = TestSupport::FindProgram(QStringLiteral("pdfinfo"));
-    m_soffice = TestSupport::FindProgram(QStringLiteral("soffice"));
     // The reports run on a copy, so that no export lands in the source tree.
     const QDir demo(QStringLiteral(QORLO_SOURCE_DIR "/demo"));
     for (const QString &name : demo.entryList(QDir::Files))
@@ -285,12 +278,9 @@ QString TestDemoGolden::readable(const QString &report, const Format &format)
     switch (format.reader) {
     case Reader::Excel:
         text = QString::fromUtf8(
-            PageSample::ReadWith(m_python, {TestSupport::PeerScript(QStringLiteral("xls_dump.py")), path}));
+            ProgramOutput(DebianPython(), {PeerScript(QStringLiteral("xls_dump.py")), path}));
         break;
-    case Reader::Pdf:
-        text = QString::fromUtf8(
-            PageSample::ReadWith(m_pdftotext, {QStringLiteral("-layout"), path, QStringLiteral("-")}));
-        break;
+    case Reader::Pdf: text = PdfText(path, 0, true); break;
     case Reader::Text:
         if (format.type != DhtmlFormat) {
             text = ReadText(path);
@@ -337,12 +327,10 @@ void TestDemoGolden::goldenFiles()
     QFETCH(QString, report);
     QFETCH(int, format);
     const Format &type = Formats[format];
-    QORLO_REQUIRE_PEER(type.reader != Reader::Pdf || !m_pdftotext.isEmpty(), QStringLiteral("poppler-utils"));
-    QORLO_REQUIRE_PEER(type.reader != Reader::Excel || QFileInfo(m_python).isExecutable(),
-                       QStringLiteral("python3-xlrd"));
-    const QString golden =
-        TestSupport::DataFile(QStringLiteral("engine/golden/") + FileName(report, type) +
-                              (type.reader == Reader::Text ? QString() : QStringLiteral(".txt")));
+    QORLO_REQUIRE_PEER(type.reader != Reader::Pdf || PopplerInstalled(), QStringLiteral("poppler-utils"));
+    QORLO_REQUIRE_PEER(type.reader != Reader::Excel || XlrdInstalled(), QStringLiteral("python3-xlrd"));
+    const QString golden = DataFile(QStringLiteral("engine/golden/") + FileName(report, type) +
+                                    (type.reader == Reader::Text ? QString() : QStringLiteral(".txt")));
     // A runaway export is reported by its size rather than read into memory (remove the expected file to
     // write one that grows by much).
     const qint64 size = QFileInfo(output(report, type)).size();
@@ -352,26 +340,21 @@ void TestDemoGolden::goldenFiles()
         qPrintable(QStringLiteral("%1 bytes written, %2 expected").arg(size).arg(QFileInfo(golden).size())));
     const QString actual = readable(report, type);
     // Refresh after a deliberate change, then review the difference.
-    if (qEnvironmentVariableIsSet("QORLO_WRITE_GOLDEN")) {
-        QFile file(golden);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(actual.toUtf8());
-    }
+    if (qEnvironmentVariableIsSet("QORLO_WRITE_GOLDEN"))
+        WriteFile(golden, actual.toUtf8());
     QCOMPARE(actual, ReadText(golden));
 }
 
 void TestDemoGolden::pagesAgree()
 {
-    QORLO_REQUIRE_PEER(!m_pdftotext.isEmpty() && !m_pdfinfo.isEmpty(), QStringLiteral("poppler-utils"));
+    QORLO_REQUIRE_PEER(PopplerInstalled(), QStringLiteral("poppler-utils"));
     const Format &text = FormatOf(PaginatedTextFormat);
     const Format &pdf = FormatOf(PdfFormat);
     for (const DemoReport &report : Reports) {
         const QString name = QLatin1String(report.name);
         const int count = m_pages.value(name);
         QVERIFY2(count > 0, report.name);
-        const QString info = QString::fromUtf8(PageSample::ReadWith(m_pdfinfo, {output(name, pdf)}));
-        QVERIFY2(info.contains(QRegularExpression(QStringLiteral("Pages:\\s+%1\\n").arg(count))),
-                 qPrintable(name + QLatin1Char('\n') + info));
+        QVERIFY2(PdfPages(output(name, pdf)) == count, qPrintable(name));
         const QStringList textPages = ReadText(output(name, text)).split(QLatin1Char('\f'));
         // pdftotext ends every page with a form feed.
         QStringList pdfPages = readable(name, pdf).split(QLatin1Char('\f'));
@@ -402,7 +385,7 @@ void TestDemoGolden::xmlHoldsEveryRecord()
 
 void TestDemoGolden::pageFormatsShowTheLines()
 {
-    QORLO_REQUIRE_PEER(!m_pdftotext.isEmpty(), QStringLiteral("pdftotext (poppler-utils)"));
+    QORLO_REQUIRE_PEER(PopplerInstalled(), QStringLiteral("poppler-utils"));
     for (const DemoReport &report : Reports) {
         const QStringList wanted = expected(report, {Part::Detail, Part::Total, Part::Subreport}, false);
         QVERIFY(!wanted.isEmpty());
@@ -417,7 +400,7 @@ void TestDemoGolden::pageFormatsShowTheLines()
 
 void TestDemoGolden::excelWorkbooks()
 {
-    QORLO_REQUIRE_PEER(QFileInfo(m_python).isExecutable(), QStringLiteral("python3-xlrd"));
+    QORLO_REQUIRE_PEER(XlrdInstalled(), QStringLiteral("python3-xlrd"));
     for (const DemoReport &report : Reports) {
         const QStringList details = expected(report, {Part::Detail}, true);
         const QStringList totals = expected(report, {Part::Total}, true);
@@ -443,20 +426,14 @@ void TestDemoGolden::excelWorkbooks()
 
 void TestDemoGolden::wordProcessorText()
 {
-    QORLO_REQUIRE_PEER(!m_soffice.isEmpty(), QStringLiteral("LibreOffice (libreoffice-writer-nogui)"));
+    QORLO_REQUIRE_PEER(!LibreOffice().isEmpty(), QStringLiteral("LibreOffice (libreoffice-writer-nogui)"));
     QStringList files;
     for (const DemoReport &report : Reports)
         for (const int type : {RichTextFormat, WordFormat})
             files.append(output(QLatin1String(report.name), FormatOf(type)));
     // One conversion for every file: LibreOffice takes seconds to start.
     const QString out = m_dir.filePath(QStringLiteral("converted"));
-    const QString profile = QUrl::fromLocalFile(m_dir.filePath(QStringLiteral("profile"))).toString();
-    QVERIFY(PageSample::Run(m_soffice,
-                            QStringList{QStringLiteral("-env:UserInstallation=") + profile,
-                                        QStringLiteral("--headless"), QStringLiteral("--convert-to"),
-                                        QStringLiteral("txt"), QStringLiteral("--outdir"), out} +
-                                files,
-                            nullptr, 300000));
+    QVERIFY(ConvertWithLibreOffice(files, QStringLiteral("txt"), out));
     for (const DemoReport &report : Reports) {
         const QStringList wanted = expected(report, {Part::Detail, Part::Total, Part::Subreport}, false);
         for (const int type : {RichTextFormat, WordFormat}) {

@@ -1,13 +1,15 @@
-#include "EngineFixtures.h"
+#include "SalesReport.h"
+#include "Files.h"
 #include "Peers.h"
+#include "Readers.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/Report.h"
 
-#include <QProcess>
 #include <QTemporaryDir>
 
 using namespace Engine;
+using namespace TestSupport;
 
 class TestExcelExport : public QObject
 {
@@ -35,11 +37,9 @@ private:
                            "    print(s.name, s.nrows)\n"
                            "    for r in [int(x) for x in sys.argv[2:] if int(x) < s.nrows]:\n"
                            "        print('|'.join('%d:%s' % (c.ctype, c.value) for c in s.row(r)))\n");
-        QProcess python;
-        python.start(TestSupport::DebianPython(), QStringList{QStringLiteral("-c"), script, file} + wanted);
-        if (!python.waitForFinished(60000) || python.exitCode() != 0)
-            return {QString::fromUtf8(python.readAllStandardError())};
-        return QString::fromUtf8(python.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+        return QString::fromUtf8(
+                   ProgramOutput(DebianPython(), QStringList{QStringLiteral("-c"), script, file} + wanted))
+            .split(QLatin1Char('\n'), Qt::SkipEmptyParts);
     }
     QString exportDemo(int formatType, const QString &name)
     {
@@ -53,9 +53,7 @@ private:
 
 void TestExcelExport::initTestCase()
 {
-    QProcess probe;
-    probe.start(TestSupport::DebianPython(), {QStringLiteral("-c"), QStringLiteral("import xlrd")});
-    QORLO_REQUIRE_PEER(probe.waitForFinished(30000) && probe.exitCode() == 0, QStringLiteral("python3-xlrd"));
+    QORLO_REQUIRE_PEER(XlrdInstalled(), QStringLiteral("python3-xlrd"));
 }
 
 void TestExcelExport::reportWithGroupsAndTotals()
@@ -108,11 +106,10 @@ void TestExcelExport::dataOnlyTypedCells()
 void TestExcelExport::rowsContinueOnFurtherSheets()
 {
     const QDir folder(m_dir.path());
-    EngineFixtures::MakeSalesDatabase(folder.filePath(QStringLiteral("sales.db")));
-    const QString path =
-        EngineFixtures::SalesReport(folder, QStringLiteral("many.rpt"),
-                                    QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 "
-                                                   "FROM n WHERE i < 70000) SELECT i FROM n"));
+    MakeSalesDatabase(folder.filePath(QStringLiteral("sales.db")));
+    const QString path = SalesReport(folder, QStringLiteral("many.rpt"),
+                                     QStringLiteral("WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 "
+                                                    "FROM n WHERE i < 70000) SELECT i FROM n"));
     auto report = m_application.OpenReport(path);
     report->ExportOptions().FormatType = ExcelDataOnlyFormat;
     report->ExportOptions().DiskFileName = folder.filePath(QStringLiteral("many.xls"));

@@ -1,6 +1,7 @@
 #include "engine/page/HtmlPageSink.h"
+#include "Files.h"
+#include "PageSample.h"
 #include "TestMain.h"
-#include "tst_page_sample.h"
 
 #include <QDir>
 #include <QFile>
@@ -21,10 +22,9 @@ private Q_SLOTS:
 
 namespace {
 
-QString ReadFile(const QString &path)
+QString ReadText(const QString &path)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return QString::fromUtf8(TestSupport::ReadFile(path));
 }
 
 // The navigator's entries in order, a link as "caption=href", plain text as "caption".
@@ -53,7 +53,7 @@ void TestPageHtml::onePageFile()
     QVERIFY2(!sink.failed(), qPrintable(sink.errorString()));
     QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{QStringLiteral("sales.html")});
 
-    const QString html = ReadFile(file);
+    const QString html = ReadText(file);
     QVERIFY(html.startsWith(QStringLiteral("<!DOCTYPE html>")));
     QVERIFY(html.contains(QStringLiteral("<meta charset=\"utf-8\">")));
     QVERIFY(html.contains(QStringLiteral("<title>Sales &amp; Co</title>")));
@@ -92,9 +92,9 @@ void TestPageHtml::separatePagesWithNavigator()
     QCOMPARE(files, (QStringList{QStringLiteral("my sales.html"), QStringLiteral("my sales2.html"),
                                  QStringLiteral("my sales3.html")}));
 
-    const QString first = ReadFile(file);
-    const QString second = ReadFile(dir.filePath(QStringLiteral("my sales2.html")));
-    const QString third = ReadFile(dir.filePath(QStringLiteral("my sales3.html")));
+    const QString first = ReadText(file);
+    const QString second = ReadText(dir.filePath(QStringLiteral("my sales2.html")));
+    const QString third = ReadText(dir.filePath(QStringLiteral("my sales3.html")));
     for (const QString *page : {&first, &second, &third}) {
         QCOMPARE(page->count(QStringLiteral("<div class=\"page\"")), 1);
         QVERIFY(page->contains(QStringLiteral("<meta charset=\"utf-8\">")));
@@ -128,14 +128,14 @@ void TestPageHtml::separatePagesWithoutNavigator()
     QVERIFY2(!sink.failed(), qPrintable(sink.errorString()));
     QCOMPARE(QDir(dir.path()).entryList(QDir::Files, QDir::Name),
              (QStringList{QStringLiteral("plain.htm"), QStringLiteral("plain2.htm")}));
-    QVERIFY(!ReadFile(dir.filePath(QStringLiteral("plain2.htm"))).contains(QStringLiteral("navigator\">")));
+    QVERIFY(!ReadText(dir.filePath(QStringLiteral("plain2.htm"))).contains(QStringLiteral("navigator\">")));
 
     // No pages at all still gives the named file, an empty document.
     const QString empty = dir.filePath(QStringLiteral("empty.html"));
     HtmlPageSink nothing(empty, {true, true});
     PageSample::Render(nothing, PageSample::Setup(false), 0);
     QVERIFY(!nothing.failed());
-    QVERIFY(ReadFile(empty).endsWith(QStringLiteral("</html>\n")));
+    QVERIFY(ReadText(empty).endsWith(QStringLiteral("</html>\n")));
 }
 
 void TestPageHtml::unwritableTarget()

@@ -1,6 +1,7 @@
 #include "engine/page/TextPageSink.h"
+#include "Files.h"
+#include "PageSample.h"
 #include "TestMain.h"
-#include "tst_page_sample.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -32,8 +33,7 @@ QString Render(const QString &file, const TextPageOptions &options, QList<Page> 
     }
     if (sink.failed())
         return QStringLiteral("FAILED: ") + sink.errorString();
-    QFile out(file);
-    return out.open(QIODevice::ReadOnly) ? QString::fromUtf8(out.readAll()) : QString();
+    return QString::fromUtf8(TestSupport::ReadFile(file));
 }
 
 QString Row(int row)

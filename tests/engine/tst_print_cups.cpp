@@ -1,18 +1,22 @@
+// Printing through CUPS to a private server: the printer list, jobs and their ends, the page sink
+// and a whole report.
+#include "engine/Application.h"
 #include "engine/Codes.h"
+#include "engine/EngineError.h"
+#include "engine/Report.h"
 #include "engine/page/CupsPrinter.h"
 #include "engine/page/PdfPageSink.h"
 #include "engine/page/PrintPageSink.h"
-#include "CupsPeerFixture.h"
-#include "Peers.h"
+#include "CupsPeer.h"
+#include "Files.h"
+#include "PageSample.h"
+#include "Readers.h"
 #include "TestMain.h"
-#include "tst_page_sample.h"
 
-#include <QDeadlineTimer>
-#include <QFileInfo>
 #include <QTemporaryDir>
-#include <QThread>
 
 using namespace Engine;
+using namespace TestSupport;
 
 class TestPrintCups : public QObject
 {
@@ -22,11 +26,13 @@ private Q_SLOTS:
     void printerList();
     void twoCopiesLandscape();
     void printPageSink();
+    void reportPrintsEveryPageAndCopy();
+    void reportOnUnknownPrinterFails();
     void failures();
 
 private:
     QTemporaryDir m_dir;
-    TestSupport::PeerProcess m_cups;
+    PeerProcess m_cups;
     QString m_printed; // the file the printer writes each job to
 };
 
@@ -71,16 +77,18 @@ void TestPrintCups::twoCopiesLandscape()
     QCOMPARE(printer.waitForJob(job, 60000), int(ProgressCompleted));
 
     // Two copies of two pages, turned on the printer's paper.
-    QCOMPARE(TestSupport::PrintedPagesAndRotation(pdf), qMakePair(2, 0));
-    const auto [pages, rotation] = TestSupport::PrintedPagesAndRotation(m_printed);
-    QCOMPARE(pages, 4);
+    QCOMPARE(PdfPages(pdf), 2);
+    QCOMPARE(PdfRotation(pdf), 0);
+    QCOMPARE(PdfPages(m_printed), 4);
+    const int rotation = PdfRotation(m_printed);
     QVERIFY2(rotation == 90 || rotation == 270, qPrintable(QString::number(rotation)));
 
     // The same document in portrait, once: nothing turned.
     const int portrait = printer.submit(pdf, 1, PortraitOrientation, QStringLiteral("Sales"));
     QVERIFY2(portrait > job, qPrintable(printer.errorString()));
     QCOMPARE(printer.waitForJob(portrait, 60000), int(ProgressCompleted));
-    QCOMPARE(TestSupport::PrintedPagesAndRotation(m_printed), qMakePair(2, 0));
+    QCOMPARE(PdfPages(m_printed), 2);
+    QCOMPARE(PdfRotation(m_printed), 0);
 }
 
 void TestPrintCups::printPageSink()
@@ -93,7 +101,8 @@ void TestPrintCups::printPageSink()
     QVERIFY2(!sink.failed(), qPrintable(sink.errorString()));
     QVERIFY(sink.jobId() > 0);
     QCOMPARE(sink.progress(), int(ProgressCompleted));
-    QCOMPARE(TestSupport::PrintedPagesAndRotation(m_printed), qMakePair(3, 0));
+    QCOMPARE(PdfPages(m_printed), 3);
+    QCOMPARE(PdfRotation(m_printed), 0);
 
     printer.select(QString(), QStringLiteral("NoSuchPrinter"), QString());
     PrintPageSink lost(printer, 1, DefaultPaperOrientation, 5000);
@@ -105,6 +114,37 @@ void TestPrintCups::printPageSink()
     QCOMPARE(lost.jobId(), 0);
 }
 
+void TestPrintCups::reportPrintsEveryPageAndCopy()
+{
+    Application application;
+    auto report = application.OpenReport(QStringLiteral(QORLO_SOURCE_DIR "/demo/sales-parameters.rpt"));
+    report->ParameterFields().Item(3).AddCurrentValue(QStringLiteral("2024-05-31"));
+    report->SelectPrinter(QStringLiteral("Generic PDF Printer"), Printer, QString());
+    report->setPaperOrientation(PortraitOrientation);
+    report->PrintOut(false, 2);
+    QCOMPARE(report->PrintingStatus().Progress(), int(ProgressCompleted));
+    const int pages = report->PrintingStatus().NumberOfPages();
+    QVERIFY(pages > 1);
+    QCOMPARE(PdfPages(m_printed), 2 * pages);
+}
+
+void TestPrintCups::reportOnUnknownPrinterFails()
+{
+    Application application;
+    auto report = application.OpenReport(QStringLiteral(QORLO_SOURCE_DIR "/demo/region-summary.rpt"));
+    report->ParameterFields().Item(1).AddCurrentValue(QStringLiteral("North"));
+    report->SelectPrinter(QString(), QStringLiteral("NoSuchPrinter"), QString());
+    try {
+        report->PrintOut(false, 1);
+        QFAIL("a printer that does not exist cannot print");
+    } catch (const EngineError &error) {
+        QCOMPARE(error.number(), int(EngineError::PrintFailed));
+        QVERIFY(!error.description().isEmpty());
+    }
+    QCOMPARE(report->PrintingStatus().Progress(), int(ProgressFailed));
+}
+
+// Last, as it leaves the printer stopped.
 void TestPrintCups::failures()
 {
     const QString pdf = m_dir.filePath(QStringLiteral("one.pdf"));
@@ -132,18 +172,14 @@ void TestPrintCups::failures()
              qPrintable(printer.errorString()));
 
     // A document the printer's filter cannot read halts the job.
-    QFile broken(m_dir.filePath(QStringLiteral("broken.pdf")));
-    QVERIFY(broken.open(QIODevice::WriteOnly));
-    broken.write("%PDF-1.4\n1 0 obj << /Type /Catalog /Pages 9 0 R >> endobj\n%%EOF\n");
-    broken.close();
-    const int halted = printer.submit(broken.fileName(), 1, 0, QStringLiteral("Broken"));
+    const QString broken = WriteFile(m_dir.filePath(QStringLiteral("broken.pdf")),
+                                     "%PDF-1.4\n1 0 obj << /Type /Catalog /Pages 9 0 R >> endobj\n%%EOF\n");
+    const int halted = printer.submit(broken, 1, 0, QStringLiteral("Broken"));
     QVERIFY2(halted > 0, qPrintable(printer.errorString()));
     QCOMPARE(printer.waitForJob(halted, 60000), int(ProgressHalted));
 
     // On a stopped printer a job waits; the wait gives up at its limit.
-    const QString cupsdisable = TestSupport::FindProgram(QStringLiteral("cupsdisable"));
-    QVERIFY(!cupsdisable.isEmpty());
-    QVERIFY(PageSample::Run(cupsdisable, {Printer}));
+    QVERIFY(RunProgram(FindProgram(QStringLiteral("cupsdisable")), {Printer}));
     const int waiting = printer.submit(pdf, 1, 0, QStringLiteral("Waiting"));
     QVERIFY2(waiting > 0, qPrintable(printer.errorString()));
     QCOMPARE(printer.waitForJob(waiting, 300), int(ProgressFailed));

@@ -1,6 +1,6 @@
-#include "EngineFixtures.h"
+#include "DatabasePeers.h"
 #include "Peers.h"
-#include "PostgresPeer.h"
+#include "SalesReport.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/EngineError.h"
@@ -9,7 +9,7 @@
 #include <QTemporaryDir>
 
 using namespace Engine;
-using namespace EngineFixtures;
+using namespace TestSupport;
 
 class TestRecords : public QObject
 {
@@ -251,23 +251,11 @@ void TestRecords::demoAlertsAgreeWithSql()
 
 void TestRecords::odbcDataSource()
 {
-    const QString driver = QStringLiteral("/usr/lib/x86_64-linux-gnu/odbc/libsqlite3odbc.so");
-    QORLO_REQUIRE_PEER(QFile::exists(driver) && QSqlDatabase::isDriverAvailable(QStringLiteral("QODBC")),
-                       QStringLiteral("libsqliteodbc and the Qt ODBC driver"));
+    QORLO_REQUIRE_PEER(OdbcInstalled(), QStringLiteral("libsqliteodbc and the Qt ODBC driver"));
     QTemporaryDir dir;
     const QDir folder(dir.path());
     MakeSalesDatabase(dir.filePath(QStringLiteral("sales.db")));
-    QFile odbcinst(folder.filePath(QStringLiteral("odbcinst.ini")));
-    QVERIFY(odbcinst.open(QIODevice::WriteOnly));
-    odbcinst.write("[SQLite3]\nDriver=" + driver.toUtf8() + "\n");
-    odbcinst.close();
-    QFile odbc(folder.filePath(QStringLiteral("odbc.ini")));
-    QVERIFY(odbc.open(QIODevice::WriteOnly));
-    odbc.write("[QorloSales]\nDriver=SQLite3\nDatabase=" + dir.filePath(QStringLiteral("sales.db")).toUtf8() +
-               "\n");
-    odbc.close();
-    qputenv("ODBCSYSINI", QFile::encodeName(dir.path()));
-    qputenv("ODBCINI", QFile::encodeName(odbc.fileName()));
+    MakeOdbcDataSource(dir.path(), QStringLiteral("QorloSales"), dir.filePath(QStringLiteral("sales.db")));
 
     const QString path = WriteReport(folder, QStringLiteral("odbc.rpt"), QStringLiteral(R"(
 <table name="Sales" location="sales" dll="odbc"><property name="DSN">QorloSales</property></table>
@@ -294,7 +282,7 @@ void TestRecords::odbcDataSource()
 
 void TestRecords::postgresServer()
 {
-    QORLO_REQUIRE_PEER(PostgresPeer::Installed() && QSqlDatabase::isDriverAvailable(QStringLiteral("QPSQL")),
+    QORLO_REQUIRE_PEER(PostgresPeer::Installed(),
                        QStringLiteral("PostgreSQL 15 and the Qt PostgreSQL driver"));
     PostgresPeer server;
     QVERIFY2(server.start(QStringLiteral("s3cret")), qPrintable(server.error()));

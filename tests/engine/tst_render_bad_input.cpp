@@ -2,8 +2,9 @@
 #include "engine/page/PdfPageSink.h"
 #include "engine/page/RtfPageSink.h"
 #include "engine/page/TextPageSink.h"
+#include "Files.h"
+#include "PageSample.h"
 #include "TestMain.h"
-#include "tst_page_sample.h"
 
 #include <QFile>
 #include <QTemporaryDir>
@@ -49,8 +50,7 @@ QByteArray Render(PageSink &sink, const QString &file)
     sink.begin(setup, 1);
     sink.addPage(HostilePage());
     sink.end();
-    QFile out(file);
-    return !sink.failed() && out.open(QIODevice::ReadOnly) ? out.readAll() : QByteArray();
+    return sink.failed() ? QByteArray() : TestSupport::ReadFile(file);
 }
 
 } // namespace

@@ -1,14 +1,16 @@
 #include "engine/page/RtfPageSink.h"
+#include "Files.h"
+#include "PageSample.h"
 #include "Peers.h"
+#include "Readers.h"
 #include "TestMain.h"
-#include "tst_page_sample.h"
 
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QUrl>
 
 using namespace Engine;
+using namespace TestSupport;
 
 class TestRenderRtf : public QObject
 {
@@ -20,29 +22,12 @@ private Q_SLOTS:
     void unwritableTarget();
 
 private:
-    // Converts the files with LibreOffice into `format` in `outDir`; false when it failed.
-    bool Convert(const QStringList &files, const QString &format, const QString &outDir);
-    QString m_soffice;
-    QString m_pdfinfo;
-    QString m_pdftotext;
+    QString text(const QString &name) const { return QString::fromUtf8(ReadFile(m_dir.filePath(name))); }
     QTemporaryDir m_dir;
 };
 
-namespace {
-
-QString ReadFile(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-}
-
-} // namespace
-
 void TestRenderRtf::initTestCase()
 {
-    m_soffice = TestSupport::FindProgram(QStringLiteral("soffice"));
-    m_pdfinfo = TestSupport::FindProgram(QStringLiteral("pdfinfo"));
-    m_pdftotext = TestSupport::FindProgram(QStringLiteral("pdftotext"));
     QVERIFY(m_dir.isValid());
     // The rich text document of three pages and the landscape Word document of two pages.
     RtfPageSink rtf(m_dir.filePath(QStringLiteral("sales.rtf")));
@@ -53,27 +38,9 @@ void TestRenderRtf::initTestCase()
     QVERIFY2(!word.failed(), qPrintable(word.errorString()));
 }
 
-bool TestRenderRtf::Convert(const QStringList &files, const QString &format, const QString &outDir)
-{
-    const QString profile = QUrl::fromLocalFile(m_dir.filePath(QStringLiteral("profile"))).toString();
-    const QStringList arguments = QStringList{QStringLiteral("-env:UserInstallation=") + profile,
-                                              QStringLiteral("--headless"),
-                                              QStringLiteral("--convert-to"),
-                                              format,
-                                              QStringLiteral("--outdir"),
-                                              outDir} +
-                                  files;
-    PageSample::Run(m_soffice, arguments, nullptr, 180000);
-    for (const QString &file : files)
-        if (!QFile::exists(outDir + QLatin1Char('/') + QFileInfo(file).completeBaseName() + QLatin1Char('.') +
-                           format))
-            return false;
-    return true;
-}
-
 void TestRenderRtf::rtfContent()
 {
-    const QString rtf = ReadFile(m_dir.filePath(QStringLiteral("sales.rtf")));
+    const QString rtf = text(QStringLiteral("sales.rtf"));
     QVERIFY(rtf.startsWith(QStringLiteral("{\\rtf1\\ansi")));
     QVERIFY(rtf.trimmed().endsWith(QLatin1Char('}')));
     QCOMPARE(rtf.count(QLatin1Char('{')) - rtf.count(QStringLiteral("\\{")),
@@ -89,34 +56,31 @@ void TestRenderRtf::rtfContent()
     // Each page's heading line and table box, placed on the page in twips.
     QCOMPARE(rtf.count(QStringLiteral("{\\shp{")), 6);
     QCOMPARE(rtf.count(QStringLiteral("\\shpleft800\\shptop1920\\shpright8800\\shpbottom1920")), 3);
-    const QString word = ReadFile(m_dir.filePath(QStringLiteral("wide.doc")));
+    const QString word = text(QStringLiteral("wide.doc"));
     QVERIFY(word.contains(QStringLiteral("\\paperw11200\\paperh10000")));
     QVERIFY(word.contains(QStringLiteral("\\landscape")));
 }
 
 void TestRenderRtf::openedByWordProcessor()
 {
-    QORLO_REQUIRE_PEER(!m_soffice.isEmpty() && !m_pdfinfo.isEmpty() && !m_pdftotext.isEmpty(),
+    QORLO_REQUIRE_PEER(!LibreOffice().isEmpty() && PopplerInstalled(),
                        QStringLiteral("LibreOffice and poppler-utils"));
     const QStringList files{m_dir.filePath(QStringLiteral("sales.rtf")),
                             m_dir.filePath(QStringLiteral("wide.doc"))};
     const QString out = m_dir.filePath(QStringLiteral("out"));
-    QVERIFY2(Convert(files, QStringLiteral("pdf"), out), "LibreOffice did not convert to PDF");
-    QVERIFY2(Convert(files, QStringLiteral("txt"), out), "LibreOffice did not convert to text");
+    QVERIFY2(ConvertWithLibreOffice(files, QStringLiteral("pdf"), out), "LibreOffice did not convert to PDF");
+    QVERIFY2(ConvertWithLibreOffice(files, QStringLiteral("txt"), out),
+             "LibreOffice did not convert to text");
 
     // The word processor lays the document out on the same pages and paper.
     const QString salesPdf = out + QStringLiteral("/sales.pdf");
-    const QString info = QString::fromUtf8(PageSample::ReadWith(m_pdfinfo, {salesPdf}));
-    QVERIFY2(info.contains(QRegularExpression(QStringLiteral("Pages:\\s+3\\n"))), qPrintable(info));
-    QVERIFY2(PageSample::SameSize(PageSample::PdfPageSize(info), QSizeF(500, 560)), qPrintable(info));
-    const QString wideInfo =
-        QString::fromUtf8(PageSample::ReadWith(m_pdfinfo, {out + QStringLiteral("/wide.pdf")}));
-    QVERIFY2(wideInfo.contains(QRegularExpression(QStringLiteral("Pages:\\s+2\\n"))), qPrintable(wideInfo));
-    QVERIFY2(PageSample::SameSize(PageSample::PdfPageSize(wideInfo), QSizeF(560, 500)), qPrintable(wideInfo));
+    const QString widePdf = out + QStringLiteral("/wide.pdf");
+    QCOMPARE(PdfPages(salesPdf), 3);
+    QVERIFY2(SameSize(PdfPageSize(salesPdf), QSizeF(500, 560)), qPrintable(PdfInfo(salesPdf)));
+    QCOMPARE(PdfPages(widePdf), 2);
+    QVERIFY2(SameSize(PdfPageSize(widePdf), QSizeF(560, 500)), qPrintable(PdfInfo(widePdf)));
     for (int number = 1; number <= 3; ++number) {
-        const QString n = QString::number(number);
-        const QString page = QString::fromUtf8(PageSample::ReadWith(
-            m_pdftotext, {QStringLiteral("-f"), n, QStringLiteral("-l"), n, salesPdf, QStringLiteral("-")}));
+        const QString page = PdfText(salesPdf, number);
         QVERIFY2(page.contains(QStringLiteral("Page %1 of 3").arg(number)), qPrintable(page));
         QVERIFY(page.contains(
             QStringLiteral("R%1").arg(number * PageSample::RowsPerPage, 3, 10, QLatin1Char('0'))));
@@ -124,7 +88,7 @@ void TestRenderRtf::openedByWordProcessor()
 
     // Each row is one paragraph with its texts at tab stops, in order.
     const QStringList lines =
-        ReadFile(out + QStringLiteral("/sales.txt")).split(QRegularExpression(QStringLiteral("\\r?\\n")));
+        text(QStringLiteral("out/sales.txt")).split(QRegularExpression(QStringLiteral("\\r?\\n")));
     int previous = -1;
     for (int row = 1; row <= 3 * PageSample::RowsPerPage; ++row) {
         const QString expected = QStringLiteral("\tR%1\t%2\t%3")
@@ -135,8 +99,7 @@ void TestRenderRtf::openedByWordProcessor()
         previous = line;
     }
     QVERIFY(lines.contains(QStringLiteral("\tPage 3 of 3")));
-    QVERIFY(
-        ReadFile(out + QStringLiteral("/wide.txt")).contains(QStringLiteral("\tR016\tCustomer 16\t200.00")));
+    QVERIFY(text(QStringLiteral("out/wide.txt")).contains(QStringLiteral("\tR016\tCustomer 16\t200.00")));
 }
 
 void TestRenderRtf::unwritableTarget()

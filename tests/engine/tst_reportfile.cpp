@@ -1,4 +1,5 @@
-#include "EngineFixtures.h"
+#include "Files.h"
+#include "SalesReport.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/EngineError.h"
@@ -8,7 +9,7 @@
 #include <QTemporaryDir>
 
 using namespace Engine;
-using EngineFixtures::WriteReport;
+using namespace TestSupport;
 
 class TestReportFile : public QObject
 {
@@ -150,21 +151,15 @@ void TestReportFile::badFilesNameLineAndFault()
         qPrintable(failure));
     QVERIFY2(failure.contains(expected), qPrintable(failure));
 
-    QFile truncated(dir.filePath(QStringLiteral("truncated.rpt")));
-    QVERIFY(truncated.open(QIODevice::WriteOnly));
-    truncated.write("<?xml version=\"1.0\"?>\n<report version=\"1\">\n<title>Half</title>\n<layout>\n<column "
-                    "field=\"a\"");
-    truncated.close();
-    QVERIFY(failureOf(truncated.fileName())
-                .startsWith(QStringLiteral("Cannot open report file ") + truncated.fileName() +
-                            QStringLiteral(": line ")));
+    const QString truncated =
+        WriteFile(dir.filePath(QStringLiteral("truncated.rpt")),
+                  "<?xml version=\"1.0\"?>\n<report version=\"1\">\n<title>Half</title>\n"
+                  "<layout>\n<column field=\"a\"");
+    QVERIFY(failureOf(truncated).startsWith(QStringLiteral("Cannot open report file ") + truncated +
+                                            QStringLiteral(": line ")));
     QVERIFY(failureOf(dir.filePath(QStringLiteral("none.rpt"))).contains(QLatin1String("does not exist")));
-    QFile newer(dir.filePath(QStringLiteral("newer.rpt")));
-    QVERIFY(newer.open(QIODevice::WriteOnly));
-    newer.write("<report version=\"7\"/>");
-    newer.close();
-    QVERIFY(
-        failureOf(newer.fileName()).contains(QLatin1String("version 7 is newer than this engine reads (1)")));
+    const QString newer = WriteFile(dir.filePath(QStringLiteral("newer.rpt")), "<report version=\"7\"/>");
+    QVERIFY(failureOf(newer).contains(QLatin1String("version 7 is newer than this engine reads (1)")));
     const QString formula = WriteReport(QDir(dir.path()), QStringLiteral("formula.rpt"),
                                         QStringLiteral("<alert name=\"Big\">amount &gt;&gt; 5</alert>"));
     try {

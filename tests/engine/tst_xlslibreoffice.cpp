@@ -1,14 +1,15 @@
 #include "engine/xls/XlsSheetSeries.h"
 #include "engine/xls/XlsWorkbook.h"
+#include "Files.h"
 #include "Peers.h"
+#include "Readers.h"
 #include "TestMain.h"
 
 #include <QDateTime>
-#include <QFile>
-#include <QProcess>
 #include <QTemporaryDir>
 
 using namespace Engine;
+using namespace TestSupport;
 
 // A second reader: LibreOffice opens the workbooks and saves what it sees.
 class TestXlsLibreOffice : public QObject
@@ -21,11 +22,13 @@ private Q_SLOTS:
     void readsLargeSharedStringTables();
 
 private:
-    bool convert(const QStringList &files, const QString &format);
-    QString text(const QString &name) const;
+    bool convert(const QStringList &files, const QString &format)
+    {
+        return ConvertWithLibreOffice(files, format, m_dir.path());
+    }
+    QString text(const QString &name) const { return QString::fromUtf8(ReadFile(m_dir.filePath(name))); }
 
     QTemporaryDir m_dir;
-    QString m_soffice;
     QString m_sales;
     QString m_large;
 };
@@ -33,8 +36,7 @@ private:
 // Every test reads the same two workbooks, converted by one call each for speed.
 void TestXlsLibreOffice::initTestCase()
 {
-    m_soffice = TestSupport::FindProgram(QStringLiteral("soffice"));
-    QORLO_REQUIRE_PEER(!m_soffice.isEmpty(), QStringLiteral("soffice (libreoffice-calc-nogui)"));
+    QORLO_REQUIRE_PEER(!LibreOffice().isEmpty(), QStringLiteral("soffice (libreoffice-calc-nogui)"));
 
     XlsWorkbook sales;
     XlsSheet &sheet = sales.addSheet(QStringLiteral("Sales"));
@@ -71,28 +73,6 @@ void TestXlsLibreOffice::initTestCase()
         {m_sales, m_large},
         QStringLiteral("csv:Text - txt - csv (StarCalc):44,34,76,1,,1033,false,false,true,false,false,-1")));
     QVERIFY(convert({m_sales}, QStringLiteral("fods")));
-}
-
-bool TestXlsLibreOffice::convert(const QStringList &files, const QString &format)
-{
-    QTemporaryDir profile;
-    QProcess soffice;
-    soffice.start(m_soffice, QStringList{QStringLiteral("-env:UserInstallation=file://") + profile.path(),
-                                         QStringLiteral("--headless"), QStringLiteral("--convert-to"), format,
-                                         QStringLiteral("--outdir"), m_dir.path()} +
-                                 files);
-    const bool finished = soffice.waitForFinished(240000);
-    if (!finished || soffice.exitCode() != 0)
-        qWarning("soffice failed: %s", soffice.readAllStandardError().constData());
-    return finished && soffice.exitCode() == 0;
-}
-
-QString TestXlsLibreOffice::text(const QString &name) const
-{
-    QFile file(m_dir.filePath(name));
-    if (!file.open(QIODevice::ReadOnly))
-        return QStringLiteral("(no file %1)").arg(name);
-    return QString::fromUtf8(file.readAll());
 }
 
 void TestXlsLibreOffice::readsValuesAsShown()

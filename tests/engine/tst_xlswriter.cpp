@@ -3,7 +3,9 @@
 #include "engine/xls/XlsRk.h"
 #include "engine/xls/XlsSheetSeries.h"
 #include "engine/xls/XlsWorkbook.h"
+#include "Files.h"
 #include "Peers.h"
+#include "Readers.h"
 #include "TestMain.h"
 
 #include <QBuffer>
@@ -16,40 +18,9 @@
 #include <cstring>
 
 using namespace Engine;
+using namespace TestSupport;
 
 namespace {
-
-// What xlrd read from a file (tests/peers/xls_dump.py), or why it could not.
-struct Dump
-{
-    bool ok = false;
-    QString problem;
-    QStringList lines;
-};
-
-Dump ReadWithXlrd(const QString &file, const QStringList &options = {})
-{
-    QProcess python;
-    python.start(TestSupport::DebianPython(),
-                 QStringList{TestSupport::PeerScript(QStringLiteral("xls_dump.py"))} + options +
-                     QStringList{file});
-    Dump dump;
-    if (!python.waitForFinished(120000)) {
-        dump.problem = QStringLiteral("xls_dump.py did not finish");
-        return dump;
-    }
-    dump.problem = QString::fromUtf8(python.readAllStandardError());
-    dump.ok = python.exitCode() == 0 && dump.problem.isEmpty();
-    dump.lines =
-        QString::fromUtf8(python.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
-    return dump;
-}
-
-bool XlrdInstalled()
-{
-    return QProcess::execute(TestSupport::DebianPython(),
-                             {QStringLiteral("-c"), QStringLiteral("import xlrd")}) == 0;
-}
 
 bool SameBits(double a, double b)
 {
@@ -123,11 +94,11 @@ void TestXlsWriter::cellsAndStyles()
     sheet.writeText(6, 3, QStringLiteral("before"));
     sheet.writeText(6, 3, QStringLiteral("after"));
 
-    const Dump dump = ReadWithXlrd(saved(book, QStringLiteral("cells.xls")));
+    const XlsDump dump = DumpXls(saved(book, QStringLiteral("cells.xls")));
     QVERIFY2(dump.ok, qPrintable(dump.problem));
-    QFile expected(TestSupport::DataFile(QStringLiteral("engine/xls/cells.expected.txt")));
-    QVERIFY(expected.open(QIODevice::ReadOnly));
-    QCOMPARE(dump.lines, QString::fromUtf8(expected.readAll()).split(QLatin1Char('\n'), Qt::SkipEmptyParts));
+    QCOMPARE(dump.lines,
+             QString::fromUtf8(ReadFile(DataFile(QStringLiteral("engine/xls/cells.expected.txt"))))
+                 .split(QLatin1Char('\n'), Qt::SkipEmptyParts));
 }
 
 void TestXlsWriter::formulasAndSheetNames()
@@ -153,7 +124,7 @@ void TestXlsWriter::formulasAndSheetNames()
     for (int i = 1; i < book.sheetCount(); ++i)
         book.sheet(i).writeText(i, i, QStringLiteral("on ") + book.sheet(i).name());
 
-    const Dump dump = ReadWithXlrd(saved(book, QStringLiteral("formulas.xls")));
+    const XlsDump dump = DumpXls(saved(book, QStringLiteral("formulas.xls")));
     QVERIFY2(dump.ok, qPrintable(dump.problem));
     const QStringList expected{
         QStringLiteral("sheet \"Orders\" rows=6 cols=1"),
@@ -198,7 +169,7 @@ void TestXlsWriter::longSharedStringTable()
         sheet.writeText(i, 1, texts[(i * 7) % texts.size()]); // every text used twice
     }
 
-    const Dump dump = ReadWithXlrd(saved(book, QStringLiteral("strings.xls")));
+    const XlsDump dump = DumpXls(saved(book, QStringLiteral("strings.xls")));
     QVERIFY2(dump.ok, qPrintable(dump.problem));
     QCOMPARE(dump.lines.size(), 1 + 2 * texts.size());
     for (int i = 0; i < texts.size(); ++i) {
@@ -227,7 +198,7 @@ void TestXlsWriter::spillToSecondSheet()
     }
     QCOMPARE(series.sheets().size(), 2);
 
-    const Dump dump = ReadWithXlrd(saved(book, QStringLiteral("spill.xls")));
+    const XlsDump dump = DumpXls(saved(book, QStringLiteral("spill.xls")));
     QVERIFY2(dump.ok, qPrintable(dump.problem));
     const int perSheet = XlsSheet::MaxRows - 1;
     QCOMPARE(dump.lines.size(), 2 * 3 + 2 * total);
@@ -254,18 +225,18 @@ void TestXlsWriter::emptyWorkbook()
     QORLO_REQUIRE_PEER(XlrdInstalled(), QStringLiteral("python3-xlrd"));
     XlsWorkbook empty;
     const QString path = saved(empty, QStringLiteral("empty.xls"));
-    Dump dump = ReadWithXlrd(path);
+    XlsDump dump = DumpXls(path);
     QVERIFY2(dump.ok, qPrintable(dump.problem));
     QCOMPARE(dump.lines, QStringList{QStringLiteral("sheet \"Sheet1\" rows=0 cols=0")});
     // Padded to the shortest stream kept out of the mini stream: header, 8 stream sectors, directory, table.
-    dump = ReadWithXlrd(path, {QStringLiteral("--stream")});
+    dump = DumpXls(path, {QStringLiteral("--stream")});
     QVERIFY2(dump.ok, qPrintable(dump.problem));
     QVERIFY2(dump.lines.value(0).startsWith(QStringLiteral("4096 ")), qPrintable(dump.lines.value(0)));
     QCOMPARE(QFileInfo(path).size(), 512 * 11);
 
     XlsWorkbook onlyWidths;
     onlyWidths.addSheet(QStringLiteral("Blank")).setColumnWidth(255, 300);
-    dump = ReadWithXlrd(saved(onlyWidths, QStringLiteral("widths.xls")));
+    dump = DumpXls(saved(onlyWidths, QStringLiteral("widths.xls")));
     QVERIFY2(dump.ok, qPrintable(dump.problem));
     QCOMPARE(dump.lines, QStringList{QStringLiteral("sheet \"Blank\" rows=0 cols=0")});
 }
@@ -277,7 +248,7 @@ void TestXlsWriter::compoundFileOfAnySize()
     // index sectors).
     for (const qint64 size : {4096ll, 4097ll, 512ll * 127 * 128, 7300000ll, 16500000ll}) {
         QByteArray stream(size, Qt::Uninitialized);
-        QRandomGenerator random{quint32(size)};
+        QRandomGenerator random(RandomSeed() + quint32(size));
         for (char &byte : stream)
             byte = char(random.bounded(256));
         QFile file(m_dir.filePath(QStringLiteral("stream-%1.cfb").arg(size)));
@@ -286,7 +257,7 @@ void TestXlsWriter::compoundFileOfAnySize()
         QVERIFY(CompoundFile::Write(file, QStringLiteral("Workbook"), {all.first(1000), all.sliced(1000)}));
         file.close();
         QCOMPARE(file.size() % 512, 0);
-        const Dump dump = ReadWithXlrd(file.fileName(), {QStringLiteral("--stream")});
+        const XlsDump dump = DumpXls(file.fileName(), {QStringLiteral("--stream")});
         QVERIFY2(dump.ok, qPrintable(dump.problem));
         const QByteArray sha = QCryptographicHash::hash(stream, QCryptographicHash::Sha256).toHex();
         QCOMPARE(dump.lines.value(0), QStringLiteral("%1 %2").arg(size).arg(QString::fromLatin1(sha)));
@@ -301,7 +272,7 @@ void TestXlsWriter::rkKeepsEveryBit()
         QVERIFY2(EncodeRk(value).has_value(), qPrintable(QString::number(value)));
     for (const double value : {0.123456, 1.0 / 3, 1e300, 536870912.5, qQNaN(), qInf()})
         QVERIFY2(!EncodeRk(value).has_value(), qPrintable(QString::number(value)));
-    QRandomGenerator random(7);
+    QRandomGenerator random(RandomSeed());
     for (int i = 0; i < 100000; ++i) {
         const double value = i % 2 ? random.bounded(2e6) - 1e6 : std::round(random.bounded(2e7) - 1e7) / 100;
         if (const auto rk = EncodeRk(value))
@@ -348,7 +319,7 @@ void TestXlsWriter::badInputIsRefused()
     QVERIFY(!book.write(full));
 
     QORLO_REQUIRE_PEER(XlrdInstalled(), QStringLiteral("python3-xlrd"));
-    const Dump dump = ReadWithXlrd(saved(book, QStringLiteral("survivor.xls")));
+    const XlsDump dump = DumpXls(saved(book, QStringLiteral("survivor.xls")));
     QVERIFY2(dump.ok, qPrintable(dump.problem));
     QCOMPARE(dump.lines,
              (QStringList{QStringLiteral("sheet \"Data\" rows=1 cols=1"), QStringLiteral("A1 number 1.0")}));

@@ -17,11 +17,6 @@ namespace {
 // Wednesday 18 March 2026, 15:45.
 const QDateTime kNow(QDate(2026, 3, 18), QTime(15, 45));
 
-double D(int year, int month, int day, int hour = 0, int minute = 0)
-{
-    return DayDate::FromParts(year, month, day, hour, minute);
-}
-
 QStringList ExpectedLines(const char *name)
 {
     QFile file(TestSupport::DataFile(QStringLiteral("log/web/") + QLatin1String(name)));

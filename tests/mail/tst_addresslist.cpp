@@ -1,6 +1,7 @@
 #include "log/clsLog.h"
 #include "mail/AddressList.h"
 #include "store/clsSchedule.h"
+#include "AppObjects.h"
 #include "TestMain.h"
 
 #include <QDir>
@@ -22,31 +23,15 @@ private Q_SLOTS:
 namespace {
 
 // An application folder holding the list files of tests/data/mail/addresslists.
-struct AppFolder
+struct ListFolder : TestSupport::AppObjects
 {
-    AppFolder()
+    ListFolder()
     {
         const QDir source(TestSupport::DataFile(QStringLiteral("mail/addresslists")));
         for (const QString &name : source.entryList(QDir::Files))
             QFile::copy(source.filePath(name), path(name));
     }
-    QString path(const QString &name) const { return dir.filePath(name); }
-
-    QTemporaryDir dir;
-    clsSchedule schedule{dir.path()};
-    clsLog log{dir.path()};
 };
-
-QStringList LogTexts(const QString &appPath)
-{
-    clsLog log(appPath);
-    log.Load(log.FileName());
-    QStringList texts;
-    for (int row = 0; row < log.Count(); ++row)
-        texts.append(log.CellAt(row, clsLog::ColReportID) + QLatin1Char('|') +
-                     log.CellAt(row, clsLog::ColText));
-    return texts;
-}
 
 } // namespace
 
@@ -65,7 +50,7 @@ void TestAddressList::domainShortcuts()
 
 void TestAddressList::nestedListFiles()
 {
-    AppFolder app;
+    ListFolder app;
     app.schedule.SaveDomain(1, QStringLiteral("example.com"));
     app.schedule.SaveDomain(2, QStringLiteral("example.net"));
     // team.lst: a quoted line, blank lines, a nested list and a repeated line; regions.lst repeats bob.
@@ -80,12 +65,12 @@ void TestAddressList::nestedListFiles()
     // Text without a whole reference is no reference at all.
     QCOMPARE(ExpandListFiles(QStringLiteral("a@example.com>;<b"), app.schedule, app.log),
              QStringLiteral("a@example.com>;<b"));
-    QVERIFY(LogTexts(app.dir.path()).isEmpty());
+    QVERIFY(app.logEntries().isEmpty());
 }
 
 void TestAddressList::selfReference()
 {
-    AppFolder app;
+    ListFolder app;
     // self.lst names itself: the expansion ends at the second visit and leaves that reference.
     const QString self =
         QLatin1Char('<') + app.path(QStringLiteral("self.lst")) + QStringLiteral(">;dave@example.com");
@@ -98,7 +83,7 @@ void TestAddressList::selfReference()
 
 void TestAddressList::missingListFile()
 {
-    AppFolder app;
+    ListFolder app;
     app.schedule.ProcessingID = QStringLiteral("17");
     app.schedule.SaveDomain(1, QStringLiteral("example.com"));
     const QString missing = app.path(QStringLiteral("nowhere.lst"));
@@ -108,13 +93,13 @@ void TestAddressList::missingListFile()
         ExpandAddressList(QStringLiteral("<nowhere.lst>;<team.lst>;<nowhere.lst>"), app.schedule, app.log),
         QStringLiteral(
             "<nowhere.lst>;alice@example.com;bob@example.com;north@2;south@example.org;<nowhere.lst>"));
-    QCOMPARE(LogTexts(app.dir.path()), QStringList{QStringLiteral("17|Cannot find list file: ") + missing});
+    QCOMPARE(app.logEntries(), QStringList{QStringLiteral("17|Cannot find list file: ") + missing});
 
     // A folder is no list file.
-    QVERIFY(QDir(app.dir.path()).mkdir(QStringLiteral("folder.lst")));
+    QVERIFY(QDir(app.appPath).mkdir(QStringLiteral("folder.lst")));
     QCOMPARE(ExpandListFiles(QStringLiteral("<folder.lst>"), app.schedule, app.log),
              QStringLiteral("<folder.lst>"));
-    QCOMPARE(LogTexts(app.dir.path()).size(), 2);
+    QCOMPARE(app.logEntries().size(), 2);
 }
 
 QORLO_TEST_MAIN(TestAddressList)

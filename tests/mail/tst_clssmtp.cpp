@@ -1,12 +1,14 @@
-#include "tst_smtpmail_support.h"
-
-#include "TestClocks.h"
+#include "Files.h"
+#include "MailEvents.h"
+#include "SmtpPeer.h"
 #include "TestMain.h"
 
-#include "mail/clsSMTP.h"
+#include "core/Ansi.h"
 #include "core/XMLCode.h"
+#include "mail/clsSMTP.h"
 
-using namespace SmtpMailTest;
+#include <QDir>
+
 using namespace TestSupport;
 
 class TestClsSMTP : public QObject
@@ -28,21 +30,13 @@ struct Mailbox
     Mailbox()
     {
         const QDir source(DataFile(QStringLiteral("mail/documents")));
-        for (const QString &name : source.entryList(QDir::Files)) {
-            QByteArray bytes = ReadAll(source.filePath(name));
-            bytes.replace("@FOLDER@", QFile::encodeName(dir.path()));
-            write(name, bytes);
-        }
+        for (const QString &name : source.entryList(QDir::Files))
+            write(name, ReadFile(source.filePath(name)).replace("@FOLDER@", QFile::encodeName(dir.path())));
         write(QStringLiteral("chart.png"), QByteArray("\x89PNG\r\n\x1a\n", 8) + QByteArray(64, '\2'));
     }
     QString path(const QString &name) const { return dir.filePath(name); }
-    void write(const QString &name, const QByteArray &bytes) const
-    {
-        QFile file(path(name));
-        file.open(QIODevice::WriteOnly);
-        file.write(bytes);
-    }
-    QStringList locks() const { return QDir(dir.path()).entryList({QStringLiteral("*.lck")}, QDir::Files); }
+    void write(const QString &name, const QByteArray &bytes) const { WriteFile(path(name), bytes); }
+    QStringList locks() const { return FileNames(dir.path(), {QStringLiteral("*.lck")}); }
 
     QTemporaryDir dir;
 };
@@ -141,7 +135,7 @@ void TestClsSMTP::documentSent()
     SmtpPeer peer;
     QORLO_REQUIRE_PEER(peer.start(), peer.error());
     // A document always goes out on the client's default port, which these settings point at the peer.
-    ShortClientTimeouts(peer.port());
+    ShortMailTimeouts(peer.port());
     Mailbox box;
     for (const QString &name : {QStringLiteral("plain.xml"), QStringLiteral("html.xml")}) {
         clsSMTP document;

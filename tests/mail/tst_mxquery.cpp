@@ -1,11 +1,16 @@
-#include "MailTestPeers.h"
+#include "Files.h"
+#include "MailEvents.h"
+#include "SmtpPeer.h"
 #include "TestMain.h"
 
 #include "core/QorloError.h"
 #include "mail/modMXQuery.h"
 
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QNetworkDatagram>
+#include <QSemaphore>
 #include <QUdpSocket>
 
 #include <functional>
@@ -25,11 +30,11 @@ public:
     {
         m_thread = std::thread([this, answer] {
             QUdpSocket socket;
-            if (!socket.bind(QHostAddress::LocalHost, m_port))
-                return;
-            m_bound = true;
-            for (int turn = 0; turn < 800 && !socket.hasPendingDatagrams(); ++turn)
-                socket.waitForReadyRead(10);
+            m_listening = socket.bind(QHostAddress::LocalHost, m_port);
+            m_bindTried.release();
+            const QDeadlineTimer deadline(8000);
+            while (m_listening && !socket.hasPendingDatagrams() && !deadline.hasExpired())
+                socket.waitForReadyRead(50);
             if (!socket.hasPendingDatagrams())
                 return;
             const QNetworkDatagram datagram = socket.receiveDatagram();
@@ -40,16 +45,28 @@ public:
                 socket.waitForBytesWritten(1000);
             }
         });
-        for (int i = 0; i < 100 && !m_bound; ++i)
-            QThread::msleep(10);
+        m_bindTried.acquire();
     }
-    ~CraftedDns() { m_thread.join(); }
+    ~CraftedDns() { finish(); }
     quint16 port() const { return m_port; }
-    QByteArray query() const { return m_query; }
+    bool listening() const { return m_listening; }
+    // The query it received, once it has answered; empty when none came in time.
+    QByteArray query()
+    {
+        finish();
+        return m_query;
+    }
 
 private:
+    void finish()
+    {
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+
     quint16 m_port;
-    std::atomic<bool> m_bound = false;
+    bool m_listening = false;
+    QSemaphore m_bindTried;
     QByteArray m_query;
     std::thread m_thread;
 };
@@ -107,6 +124,12 @@ private:
     void
     useServer(quint16 port,
               const QString &resolver = QStringLiteral("nameserver 127.0.0.1\ndomain office.example.com\n"));
+    // Aims the resolver at a crafted server, which must be listening.
+    void useServer(CraftedDns &dns)
+    {
+        QVERIFY2(dns.listening(), "the crafted name server is not listening");
+        useServer(dns.port());
+    }
     QTemporaryDir m_folder;
 };
 
@@ -117,12 +140,8 @@ void TestMXQuery::init()
 
 void TestMXQuery::useServer(quint16 port, const QString &resolver)
 {
-    const QString path = m_folder.filePath(QStringLiteral("resolv.conf"));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(resolver.toLatin1());
-    file.close();
-    modMXQuery::SetResolverFile(path);
+    modMXQuery::SetResolverFile(
+        WriteFile(m_folder.filePath(QStringLiteral("resolv.conf")), resolver.toLatin1()));
     modMXQuery::SetDnsPort(port);
 }
 
@@ -135,7 +154,7 @@ void TestMXQuery::craftedAnswers()
                Record(kQuestionPointer, 15, Mx(20, Labels(QStringLiteral("backup")) + kQuestionPointer)) +
                Record(kQuestionPointer, 15, Mx(10, Labels(QStringLiteral("second")) + kQuestionPointer));
     });
-    useServer(dns.port());
+    useServer(dns);
     QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("example.com")), QStringLiteral("first.example.com"));
     QCOMPARE(dns.query(), QByteArray::fromHex("11df01000001000000000000076578616d706c6503636f6d00000f0001"));
     const QList<modMXQuery::MXRecord> records = modMXQuery::MXRecords();
@@ -156,9 +175,10 @@ void TestMXQuery::answersThatStopTheWalk()
                    Record(kQuestionPointer, 5, Labels(QStringLiteral("alias.example.com")) + '\0') +
                    Record(kQuestionPointer, 15, Mx(10, Labels(QStringLiteral("mx.example.com")) + '\0'));
         });
-        useServer(dns.port());
+        useServer(dns);
         QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("example.com")), QString());
         QVERIFY(modMXQuery::MXRecords().isEmpty());
+        QVERIFY(!dns.query().isEmpty());
     }
     {
         // An owner name spelled out instead of a pointer puts the walk off its track.
@@ -167,8 +187,9 @@ void TestMXQuery::answersThatStopTheWalk()
             return Reply(query, 1) +
                    Record(owner, 15, Mx(10, Labels(QStringLiteral("mx")) + kQuestionPointer));
         });
-        useServer(dns.port());
+        useServer(dns);
         QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("example.com")), QString());
+        QVERIFY(!dns.query().isEmpty());
     }
     {
         // A host name ending in a zero byte leaves the position one short: only the first record counts.
@@ -177,7 +198,7 @@ void TestMXQuery::answersThatStopTheWalk()
                    Record(kQuestionPointer, 15, Mx(20, Labels(QStringLiteral("mx2.example.com")) + '\0')) +
                    Record(kQuestionPointer, 15, Mx(10, Labels(QStringLiteral("mx1")) + kQuestionPointer));
         });
-        useServer(dns.port());
+        useServer(dns);
         QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("example.com")), QStringLiteral("mx2.example.com"));
         QCOMPARE(modMXQuery::MXRecords().size(), 1);
     }
@@ -200,13 +221,14 @@ void TestMXQuery::answersThatStopTheWalk()
 void TestMXQuery::silentServerAndRefusals()
 {
     CraftedDns dns(nullptr);
-    useServer(dns.port());
+    useServer(dns);
     clsSendMail mail;
     MailEvents events(mail);
     QElapsedTimer watch;
     watch.start();
     QCOMPARE(mail.MXQuery(QStringLiteral("example.com")), QString());
     QVERIFY(watch.elapsed() >= 4900);
+    QVERIFY(!dns.query().isEmpty());
     QCOMPARE(events.statuses, QStringList({QStringLiteral("Performing MX Query, Domain: example.com"),
                                            QStringLiteral("Problem receiving MX query")}));
     try {
@@ -232,28 +254,14 @@ void TestMXQuery::silentServerAndRefusals()
 
 void TestMXQuery::dnsmasqRecords()
 {
-    const QString dnsmasq = FindProgram(QStringLiteral("dnsmasq"));
-    QORLO_REQUIRE_PEER(!dnsmasq.isEmpty(), QStringLiteral("dnsmasq"));
+    QORLO_REQUIRE_PEER(!FindProgram(QStringLiteral("dnsmasq")).isEmpty(), QStringLiteral("dnsmasq"));
     const quint16 port = FreeUdpPort();
     PeerProcess peer;
-    const QStringList arguments{QStringLiteral("--no-daemon"),
-                                QStringLiteral("--conf-file=/dev/null"),
-                                QStringLiteral("--port=%1").arg(port),
-                                QStringLiteral("--listen-address=127.0.0.1"),
-                                QStringLiteral("--bind-interfaces"),
-                                QStringLiteral("--no-resolv"),
-                                QStringLiteral("--no-hosts"),
-                                QStringLiteral("--pid-file="),
-                                QStringLiteral("--local=/example.com/"),
-                                QStringLiteral("--mx-host=example.com,mx1.example.com,10"),
-                                QStringLiteral("--mx-host=example.com,mx2.example.com,20")};
-    // dnsmasq logs to standard error; the shell hands that to the ready check.
-    QORLO_REQUIRE_PEER(
-        peer.start(QStringLiteral("/bin/sh"),
-                   QStringList{QStringLiteral("-c"), QStringLiteral("exec \"$0\" \"$@\" 2>&1"), dnsmasq} +
-                       arguments,
-                   QStringLiteral("started")),
-        peer.error());
+    QORLO_REQUIRE_PEER(StartDnsPeer(peer, port,
+                                    {QStringLiteral("--local=/example.com/"),
+                                     QStringLiteral("--mx-host=example.com,mx1.example.com,10"),
+                                     QStringLiteral("--mx-host=example.com,mx2.example.com,20")}),
+                       peer.error());
     useServer(port);
     // dnsmasq lists the preference-20 record first and spells the exchange names out without a pointer:
     // the walk, built for compressed names, stops after that first record.
@@ -275,7 +283,7 @@ void TestMXQuery::sendThroughMXHost()
         return Reply(query, 1) +
                Record(kQuestionPointer, 15, Mx(5, Labels(QStringLiteral("127.0.0.1")) + '\0'));
     });
-    useServer(dns.port());
+    useServer(dns);
     clsSendMail mail;
     MailEvents events(mail);
     mail.SetSMTPPort(smtp.port());

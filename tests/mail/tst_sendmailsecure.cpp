@@ -1,4 +1,6 @@
-#include "MailTestPeers.h"
+#include "Files.h"
+#include "MailEvents.h"
+#include "SmtpPeer.h"
 #include "TestMain.h"
 
 using namespace TestSupport;
@@ -27,14 +29,12 @@ void TestSendMailSecure::initTestCase()
     QORLO_REQUIRE_PEER(!openssl.isEmpty(), QStringLiteral("openssl"));
     m_certificate = m_folder.filePath(QStringLiteral("cert.pem"));
     m_key = m_folder.filePath(QStringLiteral("key.pem"));
-    QProcess make;
-    make.start(openssl, {QStringLiteral("req"), QStringLiteral("-x509"), QStringLiteral("-newkey"),
-                         QStringLiteral("rsa:2048"), QStringLiteral("-nodes"), QStringLiteral("-keyout"),
-                         m_key, QStringLiteral("-out"), m_certificate, QStringLiteral("-days"),
-                         QStringLiteral("2"), QStringLiteral("-subj"), QStringLiteral("/CN=127.0.0.1"),
-                         QStringLiteral("-addext"), QStringLiteral("subjectAltName=IP:127.0.0.1")});
-    QVERIFY(make.waitForFinished(60000));
-    QCOMPARE(make.exitCode(), 0);
+    QVERIFY(
+        RunProgram(openssl, {QStringLiteral("req"), QStringLiteral("-x509"), QStringLiteral("-newkey"),
+                             QStringLiteral("rsa:2048"), QStringLiteral("-nodes"), QStringLiteral("-keyout"),
+                             m_key, QStringLiteral("-out"), m_certificate, QStringLiteral("-days"),
+                             QStringLiteral("2"), QStringLiteral("-subj"), QStringLiteral("/CN=127.0.0.1"),
+                             QStringLiteral("-addext"), QStringLiteral("subjectAltName=IP:127.0.0.1")}));
 }
 
 void TestSendMailSecure::prepare(clsSendMail &mail, quint16 port)
@@ -50,12 +50,9 @@ void TestSendMailSecure::pop3BeforeSmtp()
     const quint16 popPort = FreePort();
     PeerProcess dovecot;
     QORLO_REQUIRE_PEER(!FindProgram(QStringLiteral("dovecot")).isEmpty(), QStringLiteral("dovecot"));
-    QORLO_REQUIRE_PEER(
-        dovecot.start(DebianPython(),
-                      {PeerScript(QStringLiteral("pop3_server.py")), popFolder.path(),
-                       QString::number(popPort), QStringLiteral("carol"), QStringLiteral("pop-pass")},
-                      QStringLiteral("READY")),
-        dovecot.error());
+    QORLO_REQUIRE_PEER(StartPop3Peer(dovecot, popFolder.path(), popPort, QStringLiteral("carol"),
+                                     QStringLiteral("pop-pass")),
+                       dovecot.error());
     SmtpPeer smtp;
     QORLO_REQUIRE_PEER(smtp.start(), smtp.error());
     const auto send = [&](const QString &password, clsSendMail &mail) {

@@ -1,22 +1,24 @@
-#include "tst_smtpmail_support.h"
-
+#include "AppObjects.h"
+#include "SmtpPeer.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 
+#include "core/TWReg.h"
 #include "mail/SmtpLog.h"
 #include "mail/frmSMTPSendMail.h"
 
+#include <QDir>
+#include <QJsonArray>
 #include <QRegularExpression>
 
 using namespace SmtpLog;
-using namespace SmtpMailTest;
 using namespace TestSupport;
 
 class TestSmtpMail : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase() { ShortClientTimeouts(); }
+    void initTestCase() { ShortMailTimeouts(); }
     void smtpLogBuffer();
     void textBodyAndMissingFiles();
     void htmlFolderWithImages();
@@ -36,12 +38,12 @@ void TestSmtpMail::smtpLogBuffer()
     AddSmtpLog(QStringLiteral("Caf\u00e9 \u20ac"));
     QCOMPARE(SmtpLogBuffer(), QStringLiteral("09:05   Sending Test Message\r\n\r\n09:06   Caf\u00e9 \u20ac"));
     FlushSmtpLog(dir.path());
-    QCOMPARE(ReadAll(dir.filePath(QStringLiteral("SMTP.Log"))),
+    QCOMPARE(ReadFile(dir.filePath(QStringLiteral("SMTP.Log"))),
              QByteArray("09:05   Sending Test Message\r\n\r\n09:06   Caf\xe9 \x80\r\n"));
     // Each flush replaces the file: it tells the last message only.
     StartSmtpLog(QStringLiteral("Next"));
     FlushSmtpLog(dir.path());
-    QCOMPARE(ReadAll(dir.filePath(QStringLiteral("SMTP.Log"))), QByteArray("09:06   Next\r\n\r\n"));
+    QCOMPARE(ReadFile(dir.filePath(QStringLiteral("SMTP.Log"))), QByteArray("09:06   Next\r\n\r\n"));
 }
 
 void TestSmtpMail::textBodyAndMissingFiles()
@@ -102,7 +104,7 @@ void TestSmtpMail::htmlFolderWithImages()
     SmtpPeer peer;
     QORLO_REQUIRE_PEER(peer.start(), peer.error());
     MailApp app(peer.port());
-    QDir(app.dir.path()).mkdir(QStringLiteral("SMTP"));
+    QDir(app.appPath).mkdir(QStringLiteral("SMTP"));
     const QString page = app.writeFile(
         QStringLiteral("SMTP/sales.html"),
         "<html><body>\r\n<img src=\"logo.png\" alt=\"logo\">\r\n<p>Total 42</p>\r\n</body></html>\r\n");

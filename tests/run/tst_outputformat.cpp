@@ -1,4 +1,4 @@
-#include "../engine/EngineFixtures.h"
+#include "SalesReport.h"
 #include "RunObjects.h"
 #include "TestClocks.h"
 #include "TestMain.h"
@@ -11,6 +11,8 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <tuple>
+
+using namespace TestSupport;
 
 using namespace Engine;
 
@@ -40,8 +42,8 @@ private:
 void TestOutputFormat::initTestCase()
 {
     QVERIFY(m_data.isValid());
-    EngineFixtures::MakeSalesDatabase(m_data.filePath(QStringLiteral("sales.db")));
-    m_reportFile = EngineFixtures::SalesReport(
+    MakeSalesDatabase(m_data.filePath(QStringLiteral("sales.db")));
+    m_reportFile = SalesReport(
         QDir(m_data.path()), QStringLiteral("sales.rpt"),
         QStringLiteral("SELECT id, customer, amount FROM {Sales} ORDER BY id"),
         QStringLiteral("<layout><column field=\"id\" caption=\"No\" width=\"40\"/>"

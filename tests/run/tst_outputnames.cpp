@@ -1,3 +1,4 @@
+#include "Files.h"
 #include "core/QorloError.h"
 #include "run/MailText.h"
 #include "run/OutputNames.h"
@@ -9,6 +10,8 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
+
+using namespace TestSupport;
 
 using namespace OutputNames;
 
@@ -28,13 +31,6 @@ private Q_SLOTS:
 
 namespace {
 
-void WriteFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
 QString Expanded(const QDateTime &moment, const QString &codes)
 {
     FixedClock clock(moment);
@@ -45,12 +41,7 @@ QString Expanded(const QDateTime &moment, const QString &codes)
 // The error number MakeFolders raised, 0 for none.
 int MakeFoldersError(const QString &path)
 {
-    try {
-        MakeFolders(path);
-    } catch (const QorloError &error) {
-        return error.number();
-    }
-    return 0;
+    return ErrorOf([&path] { MakeFolders(path); });
 }
 
 } // namespace

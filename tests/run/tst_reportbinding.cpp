@@ -1,4 +1,4 @@
-#include "../engine/EngineFixtures.h"
+#include "SalesReport.h"
 
 #include "RunObjects.h"
 #include "TestClocks.h"
@@ -9,6 +9,8 @@
 #include "run/ReportBinding.h"
 
 #include <QTemporaryDir>
+
+using namespace TestSupport;
 
 using namespace Qt::Literals::StringLiterals;
 using namespace ReportBinding;
@@ -22,7 +24,7 @@ struct Fixture : RunObjects
 
     Fixture()
     {
-        EngineFixtures::MakeSalesDatabase(db);
+        MakeSalesDatabase(db);
         schedule.AddNew();
         schedule.SetReportID(u"7"_s);
         connections.AddNew();
@@ -35,8 +37,7 @@ struct Fixture : RunObjects
     Engine::Report &open(const QString &body)
     {
         QString text = body;
-        const QString path =
-            EngineFixtures::WriteReport(QDir(appPath), u"r.rpt"_s, text.replace(QLatin1String("DB"), db));
+        const QString path = WriteReport(QDir(appPath), u"r.rpt"_s, text.replace(QLatin1String("DB"), db));
         state.report.reset();
         state.application = std::make_unique<Engine::Application>();
         state.report = state.application->OpenReport(path);

@@ -1,5 +1,5 @@
-#include "../mail/tst_smtpmail_support.h"
-
+#include "AppObjects.h"
+#include "SmtpPeer.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 
@@ -9,11 +9,12 @@
 #include "engine/Application.h"
 #include "engine/Report.h"
 
+#include <QDir>
+#include <QJsonArray>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
 using namespace SMTPMail;
-using namespace SmtpMailTest;
 using namespace TestSupport;
 
 class TestReportMail : public QObject
@@ -85,14 +86,10 @@ QString BodyText(const QJsonObject &parsed)
 
 void TestReportMail::initTestCase()
 {
-    ShortClientTimeouts();
+    ShortMailTimeouts();
     m_peerUp = m_peer.start();
     WriteDatabase(m_reports.filePath(QStringLiteral("sales.db")));
-    QFile file(m_reports.filePath(QStringLiteral("sales.rpt")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(kReport);
-    file.close();
-    m_report = m_engine.OpenReport(file.fileName());
+    m_report = m_engine.OpenReport(WriteFile(m_reports.filePath(QStringLiteral("sales.rpt")), kReport));
     Engine::ParameterFieldDefinition &region = m_report->ParameterFields().Item(1);
     region.AddCurrentValue(QStringLiteral("North"));
     region.AddCurrentValue(QStringLiteral("South"));
@@ -101,7 +98,7 @@ void TestReportMail::initTestCase()
 
 QString TestReportMail::exportReport(MailApp &app, int format, const QString &extension)
 {
-    QDir(app.dir.path()).mkdir(QStringLiteral("SMTP"));
+    QDir(app.appPath).mkdir(QStringLiteral("SMTP"));
     const QString staged = app.path(QStringLiteral("SMTP/sales.") + extension);
     Engine::ExportOptions &options = m_report->ExportOptions();
     options = Engine::ExportOptions();

@@ -1,4 +1,5 @@
-#include "SchedulerTestSupport.h"
+#include "AppObjects.h"
+#include "TestPrompter.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 
@@ -14,6 +15,7 @@
 #include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace TestSupport;
 
 class TestDispatcher : public QObject
 {
@@ -71,7 +73,7 @@ void TestDispatcher::simulatedWeek()
 
     FixedClock clock(DayDate::ToDateTime(At(0, 8, 0)));
     ClockGuard guard(clock);
-    RecordingPrompter prompter;
+    TestPrompter prompter(true);
     QorloGlobals globals(app.path(), prompter);
     clsSchedule &schedule = globals.Schedule;
     const QString missing = app.filePath(QStringLiteral("missing.exe"));
@@ -189,7 +191,7 @@ void TestDispatcher::timersAndCaption()
     WriteScript(app.filePath(QStringLiteral("a.sh")), "true");
     FixedClock clock(DayDate::ToDateTime(At(0, 10, 0)));
     ClockGuard guard(clock);
-    RecordingPrompter prompter;
+    TestPrompter prompter(true);
     QorloGlobals globals(app.path(), prompter);
     auto &view = static_cast<ListScheduleView &>(globals.View());
     clsSchedule &schedule = globals.Schedule;
@@ -255,7 +257,7 @@ void TestDispatcher::runNowAndEditing()
     WriteScript(app.filePath(QStringLiteral("a.sh")), "true");
     FixedClock clock(DayDate::ToDateTime(At(0, 10, 0)));
     ClockGuard guard(clock);
-    RecordingPrompter prompter;
+    TestPrompter prompter(true);
     QorloGlobals globals(app.path(), prompter);
     clsSchedule &schedule = globals.Schedule;
     AddItem(schedule, {u"1"_s, u"AppA"_s, app.filePath(u"a.sh"_s), u"D"_s, u"1"_s, u"25-Nov-2026 09:00"_s});
@@ -305,7 +307,7 @@ void TestDispatcher::commandFolders()
 {
     QTemporaryDir app;
     AppFolder::MakeWorkingFolders(app.path());
-    RecordingPrompter prompter;
+    TestPrompter prompter(true);
     QorloGlobals globals(app.path(), prompter);
     globals.Log.ApplyStartDefaults();
     Dispatcher dispatcher(globals, 50);

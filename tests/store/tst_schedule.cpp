@@ -1,4 +1,5 @@
 // The schedule model clsSchedule: cursor, columns, tables, bulk edit, parameters, collections.
+#include "Files.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 #include "core/DayDate.h"
@@ -9,17 +10,9 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-namespace {
+using TestSupport::ErrorOf;
 
-int ErrorOf(const std::function<void()> &action)
-{
-    try {
-        action();
-    } catch (const QorloError &e) {
-        return e.number();
-    }
-    return 0;
-}
+namespace {
 
 // Adds an item with the given name and returns its ReportID.
 QString AddItem(clsSchedule &s, const QString &name)
@@ -244,7 +237,7 @@ void TestSchedule::duplicateAndDelete()
 void TestSchedule::itemLimit()
 {
     clsSchedule s(QStringLiteral("/app"));
-    for (int i = 0; i < clsSchedule::MaxItems; ++i)
+    for (int i = 0; i < 2001; ++i)
         s.AddNew();
     QCOMPARE(s.Count(), 2001);
     QCOMPARE(s.ReportID(), QStringLiteral("2001"));
@@ -577,7 +570,7 @@ void TestSchedule::parameters()
 void TestSchedule::parameterLimit()
 {
     clsSchedule s(QStringLiteral("/app"));
-    for (int i = 0; i < clsSchedule::MaxParms; ++i)
+    for (int i = 0; i < 3001; ++i)
         s.ParmAddNew();
     QCOMPARE(s.ParmCount(), 3001);
     QCOMPARE(ErrorOf([&] { s.ParmAddNew(); }), 9);
@@ -586,7 +579,7 @@ void TestSchedule::parameterLimit()
              }),
              9);
     QCOMPARE(s.ParmCount(), 3001);
-    for (int i = 0; i < clsSchedule::MaxCollections; ++i)
+    for (int i = 0; i < 2001; ++i)
         s.NewCollectionItem();
     QCOMPARE(ErrorOf([&] { s.NewCollectionItem(); }), 9);
 }

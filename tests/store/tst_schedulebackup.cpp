@@ -1,4 +1,5 @@
 // Schedule backups, their purge, the start and stop timers and the backup and timer dialogs' logic.
+#include "Files.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 #include "core/DayDate.h"
@@ -12,42 +13,15 @@
 
 #include <unistd.h>
 
+using namespace TestSupport;
+
 namespace {
 
 const QDateTime kNow(QDate(2026, 3, 14), QTime(10, 30));
 
-double D(int year, int month, int day, int hour = 0, int minute = 0)
-{
-    return DayDate::FromParts(year, month, day, hour, minute);
-}
-
-int ErrorOf(const std::function<void()> &action)
-{
-    try {
-        action();
-    } catch (const QorloError &e) {
-        return e.number();
-    }
-    return 0;
-}
-
-QByteArray ReadAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 void Touch(const QString &path)
 {
-    QFile file(path);
-    QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(path));
-}
-
-QStringList Names(const QString &folder)
-{
-    QStringList names = QDir(folder).entryList(QDir::Files);
-    names.sort();
-    return names;
+    WriteFile(path, QByteArray());
 }
 
 } // namespace
@@ -94,9 +68,9 @@ void TestScheduleBackup::backupStep()
     QCOMPARE(schedule.BackupPrevious, QStringLiteral("14-Mar-2026 10:30"));
     QCOMPARE(schedule.BackupPreviousFile, backup);
     // The copy holds the values from before the step.
-    QVERIFY(ReadAll(backup).contains("<BackupDate>13-Mar-2026 10:30</BackupDate>\r\n<BackupFrequency>Daily"
-                                     "</BackupFrequency>\r\n<BackupPrevious></BackupPrevious>"));
-    QVERIFY(ReadAll(schedule.FileName).contains("<BackupDate>15-Mar-2026 10:30</BackupDate>"));
+    QVERIFY(ReadFile(backup).contains("<BackupDate>13-Mar-2026 10:30</BackupDate>\r\n<BackupFrequency>Daily"
+                                      "</BackupFrequency>\r\n<BackupPrevious></BackupPrevious>"));
+    QVERIFY(ReadFile(schedule.FileName).contains("<BackupDate>15-Mar-2026 10:30</BackupDate>"));
     QVERIFY(!BackupIfDue(schedule, {}));
 
     // Later the same day the one file is replaced; the old backup has been purged.
@@ -106,8 +80,9 @@ void TestScheduleBackup::backupStep()
     schedule.SetName(QStringLiteral("Revenue"));
     QVERIFY(BackupIfDue(schedule, {}));
     QCOMPARE(schedule.BackupDate, D(2026, 4, 13, 11, 30));
-    QCOMPARE(Names(app.filePath(QStringLiteral("Backup"))), QStringList{QStringLiteral("Qorlo20260314.xml")});
-    QVERIFY(ReadAll(backup).contains("Revenue"));
+    QCOMPARE(FileNames(app.filePath(QStringLiteral("Backup"))),
+             QStringList{QStringLiteral("Qorlo20260314.xml")});
+    QVERIFY(ReadFile(backup).contains("Revenue"));
 
     // Without a Backup folder the copy fails silently and BackupDate moves on all the same.
     QVERIFY(QDir(app.filePath(QStringLiteral("Backup"))).removeRecursively());
@@ -154,7 +129,7 @@ void TestScheduleBackup::purge()
          kept + QStringList{QStringLiteral("Qorlo20260211.xml"), QStringLiteral("Qorlo20250101.XML")})
         Touch(folder.filePath(name));
     PurgeOldFiles(pattern);
-    QCOMPARE(Names(folder.path()), kept);
+    QCOMPARE(FileNames(folder.path()), kept);
 
     // 91 names a pass; the rest wait for the next one.
     const QString many = folder.filePath(QStringLiteral("many"));
@@ -162,9 +137,9 @@ void TestScheduleBackup::purge()
     for (int day = 0; day < 100; ++day)
         Touch(many + DayDate::ToDate(D(2025, 6, 1) + day).toString(QStringLiteral("'/Qorlo'yyyyMMdd'.xml'")));
     PurgeOldFiles(many + QStringLiteral("/Qorlo*.xml"));
-    QCOMPARE(Names(many).size(), 9);
+    QCOMPARE(FileNames(many).size(), 9);
     PurgeOldFiles(many + QStringLiteral("/Qorlo*.xml"));
-    QCOMPARE(Names(many).size(), 0);
+    QCOMPARE(FileNames(many).size(), 0);
 }
 
 void TestScheduleBackup::purgeUndeletable()
@@ -197,7 +172,7 @@ void TestScheduleBackup::timers()
     m_clock.set(kNow.addSecs(300));
     QCOMPARE(ApplyStartTimer(schedule), TimerAction::Started);
     QVERIFY(schedule.Active && schedule.StartTime.isEmpty());
-    QVERIFY(ReadAll(schedule.FileName).contains("<Schedule_State>Active</Schedule_State>"));
+    QVERIFY(ReadFile(schedule.FileName).contains("<Schedule_State>Active</Schedule_State>"));
     QCOMPARE(ApplyStartTimer(schedule), TimerAction::None);
 
     QCOMPARE(ApplyStopTimer(schedule), TimerAction::None); // no date: waits a year, text kept
@@ -205,7 +180,7 @@ void TestScheduleBackup::timers()
     schedule.StopTime = QStringLiteral("2026-03-14 10:35");
     QCOMPARE(ApplyStopTimer(schedule), TimerAction::Stopped);
     QVERIFY(!schedule.Active && schedule.StopTime.isEmpty());
-    QVERIFY(ReadAll(schedule.FileName).contains("<Schedule_State>Stopped</Schedule_State>"));
+    QVERIFY(ReadFile(schedule.FileName).contains("<Schedule_State>Stopped</Schedule_State>"));
 }
 
 void TestScheduleBackup::dialogs()
@@ -223,7 +198,7 @@ void TestScheduleBackup::dialogs()
     backup.PurgeDays = QStringLiteral("45");
     SaveBackupSettings(schedule, backup);
     QCOMPARE(schedule.BackupPurge, qint16(45));
-    QVERIFY(ReadAll(schedule.FileName)
+    QVERIFY(ReadFile(schedule.FileName)
                 .contains("<BackupDate>20-Mar-2026 23:05</BackupDate>\r\n"
                           "<BackupFrequency>Weekly</BackupFrequency>"));
 
@@ -233,8 +208,9 @@ void TestScheduleBackup::dialogs()
     QVERIFY(LoadStopTimer(schedule).Set);
     QCOMPARE(LoadStopTimer(schedule).At.Moment(), D(2027, 3, 14, 10, 30));
     bool savedFirst = false;
-    SaveTimers(schedule, {true, {D(2026, 3, 15), 9, 5}}, {},
-               [&] { savedFirst = ReadAll(schedule.FileName).contains("<StartTime>15-Mar-2026 09:05:00<"); });
+    SaveTimers(schedule, {true, {D(2026, 3, 15), 9, 5}}, {}, [&] {
+        savedFirst = ReadFile(schedule.FileName).contains("<StartTime>15-Mar-2026 09:05:00<");
+    });
     QVERIFY(savedFirst);
     QVERIFY(schedule.StopTime.isEmpty());
     QCOMPARE(StartTimedt(schedule), D(2026, 3, 15, 9, 5));

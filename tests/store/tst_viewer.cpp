@@ -1,4 +1,5 @@
 #include "store/clsViewer.h"
+#include "Files.h"
 #include "TestMain.h"
 
 #include <QFile>
@@ -13,22 +14,7 @@ private Q_SLOTS:
     void damagedFile();
 };
 
-namespace {
-
-QByteArray ReadAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void WriteFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
-} // namespace
+using namespace TestSupport;
 
 void TestViewer::defaults()
 {
@@ -74,7 +60,7 @@ void TestViewer::roundTrip()
     viewer.Connection_File = app.filePath(QStringLiteral("Connect.XML"));
     viewer.Save();
     const QString path = app.filePath(QStringLiteral("Form.XML"));
-    const QByteArray first = ReadAll(path);
+    const QByteArray first = ReadFile(path);
     QVERIFY(first.contains(
         "<ViewerSettings>\r\n<Viewer-State>Max</Viewer-State>\r\n<Viewer-Option>Folder</Viewer-Option>\r\n"
         "<Viewer-Top>-120</Viewer-Top>\r\n<Viewer-Left>3210</Viewer-Left>\r\n"));
@@ -91,11 +77,11 @@ void TestViewer::roundTrip()
     QCOMPARE(fresh.Connection_File, QString()); // written for other programs only
     fresh.Connection_File = viewer.Connection_File;
     fresh.Save();
-    QCOMPARE(ReadAll(path), first);
+    QCOMPARE(ReadFile(path), first);
 
     fresh.Connection_File.clear();
     fresh.Save();
-    QVERIFY(!ReadAll(path).contains("Connection_File"));
+    QVERIFY(!ReadFile(path).contains("Connection_File"));
 }
 
 void TestViewer::damagedFile()

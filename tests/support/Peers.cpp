@@ -1,10 +1,8 @@
 #include "Peers.h"
 
 #include <QDeadlineTimer>
-#include <QFileInfo>
 #include <QStandardPaths>
 #include <QTcpServer>
-#include <QThread>
 #include <QUdpSocket>
 
 namespace TestSupport {
@@ -95,6 +93,31 @@ void PeerProcess::stop()
 QByteArray PeerProcess::output() const
 {
     return m_process ? m_process->readAllStandardOutput() : QByteArray();
+}
+
+bool StartPop3Peer(PeerProcess &peer, const QString &folder, quint16 port, const QString &user,
+                   const QString &password)
+{
+    return peer.start(
+        DebianPython(),
+        {PeerScript(QStringLiteral("pop3_server.py")), folder, QString::number(port), user, password},
+        QStringLiteral("READY"));
+}
+
+bool StartDnsPeer(PeerProcess &peer, quint16 port, const QStringList &records)
+{
+    const QStringList arguments =
+        QStringList{QStringLiteral("--no-daemon"),         QStringLiteral("--conf-file=/dev/null"),
+                    QStringLiteral("--port=%1").arg(port), QStringLiteral("--listen-address=127.0.0.1"),
+                    QStringLiteral("--bind-interfaces"),   QStringLiteral("--no-resolv"),
+                    QStringLiteral("--no-hosts"),          QStringLiteral("--pid-file=")} +
+        records;
+    // dnsmasq logs to standard error; the shell hands that to the ready check.
+    return peer.start(QStringLiteral("/bin/sh"),
+                      QStringList{QStringLiteral("-c"), QStringLiteral("exec \"$0\" \"$@\" 2>&1"),
+                                  FindProgram(QStringLiteral("dnsmasq"))} +
+                          arguments,
+                      QStringLiteral("started"));
 }
 
 } // namespace TestSupport

@@ -44,6 +44,12 @@ private:
     QString m_error;
 };
 
+// dovecot serving POP3 on `port` for one user, its state below `folder` (tests/peers/pop3_server.py).
+bool StartPop3Peer(PeerProcess &peer, const QString &folder, quint16 port, const QString &user,
+                   const QString &password);
+// dnsmasq answering on UDP `port` of 127.0.0.1 with its records given as options ("--mx-host=...").
+bool StartDnsPeer(PeerProcess &peer, quint16 port, const QStringList &records);
+
 } // namespace TestSupport
 
 // Skips the test when a peer is missing, except under CI, where that is a failure.

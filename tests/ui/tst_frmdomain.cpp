@@ -1,5 +1,5 @@
-#include "ScriptedPrompter.h"
-#include "UiTestMain.h"
+#include "WindowFixture.h"
+#include "TestMain.h"
 
 #include "scheduler/QorloGlobals.h"
 #include "ui/frmDomain.h"
@@ -10,10 +10,12 @@
 #include <QTableWidget>
 #include <QTemporaryDir>
 
+using namespace TestSupport;
+
 namespace {
 
 // An application folder with two shortcuts set and the shortcuts window over it.
-struct DomainFixture
+struct DomainFixture : GlobalsFixture
 {
     DomainFixture()
     {
@@ -25,24 +27,21 @@ struct DomainFixture
         window = std::make_unique<frmDomain>(globals);
         window->open();
         QApplication::setActiveWindow(window.get());
-        grid = window->findChild<QTableWidget *>(QStringLiteral("fgDomain"));
-        edit = window->findChild<QLineEdit *>(QStringLiteral("txtEdit"));
+        grid = Child<QTableWidget>(window.get(), "fgDomain");
+        edit = Child<QLineEdit>(window.get(), "txtEdit");
     }
     QString cell(int row) const { return grid->item(row, 1)->text(); }
-    void click(const char *name) { window->findChild<QPushButton *>(QLatin1String(name))->click(); }
-    QStringList saved() const
+    void click(const char *name) { Click(window.get(), name); }
+    // The ten shortcuts as the schedule file holds them.
+    QStringList savedDomains() const
     {
-        clsSchedule schedule(dir.path());
-        schedule.Load(dir.filePath(QStringLiteral("Qorlo.XML")));
+        const auto file = saved();
         QStringList domains;
-        for (int row = 0; row < clsSchedule::DomainCount; ++row)
-            domains.append(schedule.Domain(row));
+        for (int row = 0; row < 10; ++row)
+            domains.append(file->Domain(row));
         return domains;
     }
 
-    QTemporaryDir dir;
-    ScriptedPrompter prompter;
-    QorloGlobals globals{dir.path(), prompter};
     std::unique_ptr<frmDomain> window;
     QTableWidget *grid = nullptr;
     QLineEdit *edit = nullptr;
@@ -138,7 +137,7 @@ void TestFrmDomain::saveAndExit()
     const QStringList expected = {
         QStringLiteral("alpha.example"), {}, {}, QStringLiteral("delta.example"), {}, {}, {},
         QStringLiteral("h.example"),     {}, {}};
-    QCOMPARE(f.saved(), expected);
+    QCOMPARE(f.savedDomains(), expected);
 
     // Exit keeps neither the file nor the schedule; the next opening shows the schedule again.
     f.globals.Schedule.SaveDomain(1, QStringLiteral("beta.example"));
@@ -149,8 +148,8 @@ void TestFrmDomain::saveAndExit()
     f.click("cmdExit");
     QVERIFY(!f.window->isVisible());
     QCOMPARE(f.globals.Schedule.Domain(0), QStringLiteral("alpha.example"));
-    QCOMPARE(f.saved(), expected);
+    QCOMPARE(f.savedDomains(), expected);
 }
 
-QORLO_TEST_MAIN_WIDGETS(TestFrmDomain)
+QORLO_TEST_MAIN(TestFrmDomain)
 #include "tst_frmdomain.moc"

@@ -1,6 +1,7 @@
-#include "ScriptedPrompter.h"
+#include "Files.h"
 #include "TestClocks.h"
-#include "UiTestMain.h"
+#include "TestMain.h"
+#include "WindowFixture.h"
 
 #include "core/AppFolder.h"
 #include "core/DayDate.h"
@@ -18,15 +19,16 @@
 #include <QTableWidget>
 #include <QTemporaryDir>
 
+using namespace TestSupport;
+
 namespace {
 
 // An application folder with its global objects, the dispatcher and the main window over them.
-struct MainFixture
+struct MainFixture : GlobalsFixture
 {
     MainFixture() { globals.Viewer.ApplyStartDefaults(); }
 
-    QString path(const QString &name) const { return dir.filePath(name); }
-    QTableWidget *grid() { return window.findChild<QTableWidget *>(QStringLiteral("fgView")); }
+    QTableWidget *grid() { return Child<QTableWidget>(&window, "fgView"); }
     QString text(int tableRow, int column) { return grid()->item(tableRow, column)->text(); }
     QColor background(int tableRow, int column)
     {
@@ -46,7 +48,7 @@ struct MainFixture
             column.append(window.RowReportID(row));
         return column;
     }
-    QAction *menu(const char *name) { return window.findChild<QAction *>(QLatin1String(name)); }
+    QAction *menu(const char *name) { return Child<QAction>(&window, name); }
     void trigger(const char *name) { menu(name)->trigger(); }
     clsViewer savedViewer() const
     {
@@ -55,10 +57,6 @@ struct MainFixture
         return viewer;
     }
 
-    QTemporaryDir dir;
-    ScriptedPrompter prompter;
-    QorloGlobals globals{dir.path(), prompter};
-    clsSchedule &schedule = globals.Schedule;
     Dispatcher dispatcher{globals};
     frmMain window{globals, dispatcher};
 };
@@ -72,15 +70,6 @@ void AddItem(clsSchedule &schedule, const QString &name, const QString &file, co
     schedule.SetSchedule(QStringLiteral("Y"));
     schedule.SetFrequency(QStringLiteral("D"));
     schedule.SetFreqTimes(QStringLiteral("1"));
-}
-
-QString WriteScript(const QString &path)
-{
-    QFile script(path);
-    script.open(QIODevice::WriteOnly);
-    script.write("#!/bin/sh\nexit 0\n");
-    script.setPermissions(script.permissions() | QFileDevice::ExeOwner);
-    return path;
 }
 
 const QString kCaption = QStringLiteral("QorloMANAGER - File and Report Manager ");
@@ -223,7 +212,7 @@ void TestFrmMain::startStopRunNowAndTick()
     MainFixture f;
     AppFolder::MakeWorkingFolders(f.dir.path());
     clsSchedule &s = f.schedule;
-    const QString job = WriteScript(f.path(QStringLiteral("job.sh")));
+    const QString job = WriteScript(f.path(QStringLiteral("job.sh")), "exit 0");
     AddItem(s, QStringLiteral("Overdue"), job, QStringLiteral("02-Mar-2026 08:00"));
     AddItem(s, QStringLiteral("Later"), job, QStringLiteral("09-Mar-2026 08:00"));
     LoadMainWindow(f.globals);
@@ -283,7 +272,7 @@ void TestFrmMain::startStopRunNowAndTick()
     QVERIFY(saved.Active);
     saved.Find(QStringLiteral("2"));
     QCOMPARE(saved.LastRun(), QStringLiteral("02-Mar-2026 09:00"));
-    QVERIFY(f.prompter.fatalErrors.isEmpty());
+    QVERIFY(f.prompter.fatal.isEmpty());
 }
 
 void TestFrmMain::windowStateGoesToFormXml()
@@ -508,5 +497,5 @@ void TestFrmMain::smtpLogViewer()
     QVERIFY(text->isReadOnly());
 }
 
-QORLO_TEST_MAIN_WIDGETS(TestFrmMain)
+QORLO_TEST_MAIN(TestFrmMain)
 #include "tst_frmmain.moc"

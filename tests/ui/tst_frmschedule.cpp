@@ -1,6 +1,7 @@
-#include "ScriptedPrompter.h"
+#include "Files.h"
 #include "TestClocks.h"
-#include "UiTestMain.h"
+#include "TestMain.h"
+#include "WindowFixture.h"
 
 #include "core/AppFolder.h"
 #include "scheduler/Dispatcher.h"
@@ -20,9 +21,11 @@
 #include <QTableWidget>
 #include <QTemporaryDir>
 
+using namespace TestSupport;
+
 namespace {
 
-struct EditorFixture
+struct EditorFixture : GlobalsFixture
 {
     EditorFixture() { globals.Viewer.ApplyStartDefaults(); }
 
@@ -43,22 +46,13 @@ struct EditorFixture
     // The item as the schedule file holds it.
     QString saved(const QString &id, int column)
     {
-        clsSchedule file(dir.path());
-        file.Load(dir.filePath(QStringLiteral("Qorlo.XML")));
-        file.Find(id);
-        return file.NoMatch() ? QStringLiteral("<missing>") : file.Field(column);
-    }
-    template <typename Widget> Widget *child(QWidget &window, const char *name)
-    {
-        return window.findChild<Widget *>(QLatin1String(name));
+        const auto file = GlobalsFixture::saved();
+        file->Find(id);
+        return file->NoMatch() ? QStringLiteral("<missing>") : file->Field(column);
     }
 
     FixedClock clock{QDateTime(QDate(2026, 3, 2), QTime(9, 0))};
     ClockGuard guard{clock};
-    QTemporaryDir dir;
-    ScriptedPrompter prompter;
-    QorloGlobals globals{dir.path(), prompter};
-    clsSchedule &schedule = globals.Schedule;
 };
 
 } // namespace
@@ -82,23 +76,23 @@ void TestFrmSchedule::fillsEditsAndSaves()
     frmSchedule editor(f.globals);
     editor.ShowSchedule();
     QCOMPARE(editor.windowTitle(), QStringLiteral("Edit schedule for Item ") + id);
-    QCOMPARE(f.child<QComboBox>(editor, "cmbWhen")->currentText(), QStringLiteral("Month(s)"));
-    QCOMPARE(f.child<QComboBox>(editor, "cmbDest")->currentText(), QStringLiteral("Email"));
-    QCOMPARE(f.child<QDateEdit>(editor, "dtDay")->date(), QDate(2026, 3, 5));
-    QCOMPARE(f.child<QComboBox>(editor, "cmbHour")->currentIndex(), 7);
-    QCOMPARE(f.child<QComboBox>(editor, "cmbMin")->currentIndex(), 30);
-    QCOMPARE(f.child<QLabel>(editor, "lDayMessage")->text(), QStringLiteral("Thursday"));
-    auto *tabs = f.child<QTabWidget>(editor, "tbOutput");
+    QCOMPARE(Child<QComboBox>(&editor, "cmbWhen")->currentText(), QStringLiteral("Month(s)"));
+    QCOMPARE(Child<QComboBox>(&editor, "cmbDest")->currentText(), QStringLiteral("Email"));
+    QCOMPARE(Child<QDateEdit>(&editor, "dtDay")->date(), QDate(2026, 3, 5));
+    QCOMPARE(Child<QComboBox>(&editor, "cmbHour")->currentIndex(), 7);
+    QCOMPARE(Child<QComboBox>(&editor, "cmbMin")->currentIndex(), 30);
+    QCOMPARE(Child<QLabel>(&editor, "lDayMessage")->text(), QStringLiteral("Thursday"));
+    auto *tabs = Child<QTabWidget>(&editor, "tbOutput");
     QVERIFY(tabs->isTabVisible(0) && !tabs->isTabVisible(2) && !tabs->isTabVisible(3));
 
-    f.child<QComboBox>(editor, "cmbWhen")->setCurrentText(QStringLiteral("Custom Calendar"));
-    QCOMPARE(f.child<QLabel>(editor, "lDayMessage")->text(), QStringLiteral("No Filename specified"));
-    f.child<QLineEdit>(editor, "txtReportName")->setText(QStringLiteral("Sales EU"));
-    f.child<QLineEdit>(editor, "txtMailCC")->setText(QStringLiteral("cc@example.com"));
-    f.child<QComboBox>(editor, "cmbWhen")->setCurrentText(QStringLiteral("Month(s)"));
-    f.child<QComboBox>(editor, "cmbHour")->setCurrentIndex(18);
+    Child<QComboBox>(&editor, "cmbWhen")->setCurrentText(QStringLiteral("Custom Calendar"));
+    QCOMPARE(Child<QLabel>(&editor, "lDayMessage")->text(), QStringLiteral("No Filename specified"));
+    Child<QLineEdit>(&editor, "txtReportName")->setText(QStringLiteral("Sales EU"));
+    Child<QLineEdit>(&editor, "txtMailCC")->setText(QStringLiteral("cc@example.com"));
+    Child<QComboBox>(&editor, "cmbWhen")->setCurrentText(QStringLiteral("Month(s)"));
+    Child<QComboBox>(&editor, "cmbHour")->setCurrentIndex(18);
     editor.show();
-    f.child<QPushButton>(editor, "cmdSave")->click();
+    Child<QPushButton>(&editor, "cmdSave")->click();
     QVERIFY(!editor.isVisible());
     QCOMPARE(f.saved(id, clsSchedule::colName), QStringLiteral("Sales EU"));
     QCOMPARE(f.saved(id, clsSchedule::colRptToCC), QStringLiteral("cc@example.com"));
@@ -108,12 +102,12 @@ void TestFrmSchedule::fillsEditsAndSaves()
 
     // Paging writes the shown item back first; the first item's letter form shows in full.
     f.schedule.LoadSortIndexArray(first + QLatin1Char('|') + id);
-    f.child<QRadioButton>(editor, "optRun1")->setChecked(true);
-    f.child<QPushButton>(editor, "cmdFirst")->click();
+    Child<QRadioButton>(&editor, "optRun1")->setChecked(true);
+    Child<QPushButton>(&editor, "cmdFirst")->click();
     QCOMPARE(f.saved(id, clsSchedule::colSchedule), QStringLiteral("N"));
     QCOMPARE(f.saved(id, clsSchedule::colNextRun), QString());
     QCOMPARE(editor.windowTitle(), QStringLiteral("Edit schedule for Item ") + first);
-    QCOMPARE(f.child<QComboBox>(editor, "cmbWhen")->currentText(), QStringLiteral("Business Day"));
+    QCOMPARE(Child<QComboBox>(&editor, "cmbWhen")->currentText(), QStringLiteral("Business Day"));
     QVERIFY(f.prompter.take().isEmpty());
 }
 
@@ -125,30 +119,30 @@ void TestFrmSchedule::refusesBlankDestinations()
     frmSchedule editor(f.globals);
     editor.ShowSchedule();
     editor.show();
-    f.child<QLineEdit>(editor, "txtMail")->clear();
-    f.child<QLineEdit>(editor, "txtMailCC")->setText(QStringLiteral("cc@example.com"));
-    f.child<QPushButton>(editor, "cmdSave")->click();
+    Child<QLineEdit>(&editor, "txtMail")->clear();
+    Child<QLineEdit>(&editor, "txtMailCC")->setText(QStringLiteral("cc@example.com"));
+    Child<QPushButton>(&editor, "cmdSave")->click();
     QCOMPARE(f.prompter.take(), QStringList{QStringLiteral("Not Saved: Email Address is blank")});
     QVERIFY(editor.isVisible());
     QCOMPARE(f.saved(id, clsSchedule::colRptToCC), QString());
 
-    f.child<QComboBox>(editor, "cmbDest")->setCurrentText(QStringLiteral("Disk File"));
-    QVERIFY(f.child<QTabWidget>(editor, "tbOutput")->isTabVisible(2));
-    f.child<QLineEdit>(editor, "txtOutput")->clear();
-    f.child<QPushButton>(editor, "cmdApply")->click();
+    Child<QComboBox>(&editor, "cmbDest")->setCurrentText(QStringLiteral("Disk File"));
+    QVERIFY(Child<QTabWidget>(&editor, "tbOutput")->isTabVisible(2));
+    Child<QLineEdit>(&editor, "txtOutput")->clear();
+    Child<QPushButton>(&editor, "cmdApply")->click();
     QCOMPARE(f.prompter.take(), QStringList{QStringLiteral("Not Saved: Disk file destination is blank")});
     QCOMPARE(f.saved(id, clsSchedule::colDest), QStringLiteral("E"));
 
     // A printer needs no further field.
-    f.child<QComboBox>(editor, "cmbDest")->setCurrentText(QStringLiteral("Printer"));
-    f.child<QPushButton>(editor, "cmdApply")->click();
+    Child<QComboBox>(&editor, "cmbDest")->setCurrentText(QStringLiteral("Printer"));
+    Child<QPushButton>(&editor, "cmdApply")->click();
     QVERIFY(f.prompter.take().isEmpty());
     QCOMPARE(f.saved(id, clsSchedule::colDest), QStringLiteral("P"));
 
     // Multi-run proposes a control file beside the report.
-    f.child<QComboBox>(editor, "cmbDest")->setCurrentText(QStringLiteral("MultiRun"));
-    QCOMPARE(f.child<QLineEdit>(editor, "txtMRFile")->text(), f.dir.filePath(QStringLiteral("Sales-mr.txt")));
-    QVERIFY(f.child<QTabWidget>(editor, "tbOutput")->isTabVisible(4));
+    Child<QComboBox>(&editor, "cmbDest")->setCurrentText(QStringLiteral("MultiRun"));
+    QCOMPARE(Child<QLineEdit>(&editor, "txtMRFile")->text(), f.dir.filePath(QStringLiteral("Sales-mr.txt")));
+    QVERIFY(Child<QTabWidget>(&editor, "tbOutput")->isTabVisible(4));
 }
 
 void TestFrmSchedule::modifyFromTheMainWindow()
@@ -188,7 +182,7 @@ void TestFrmSchedule::modifyFromTheMainWindow()
     auto *editor = window.findChild<frmSchedule *>();
     QVERIFY(editor && editor->isVisible());
     QCOMPARE(editor->windowTitle(), QStringLiteral("Edit schedule for Item ") + second);
-    QCOMPARE(f.child<QLineEdit>(*editor, "txtReportName")->text(), QStringLiteral("Costs"));
+    QCOMPARE(Child<QLineEdit>(editor, "txtReportName")->text(), QStringLiteral("Costs"));
 
     // A double click selects the row and opens the editor on it.
     editor->reject();
@@ -202,13 +196,8 @@ void TestFrmSchedule::runNowKeepsNextRun()
 {
     EditorFixture f;
     AppFolder::MakeWorkingFolders(f.dir.path());
-    QFile script(f.dir.filePath(QStringLiteral("job.sh")));
-    QVERIFY(script.open(QIODevice::WriteOnly));
-    script.write("#!/bin/sh\nexit 0\n");
-    script.setPermissions(script.permissions() | QFileDevice::ExeOwner);
-    script.close();
     const QString id = f.addReport(QStringLiteral("Job"));
-    f.schedule.SetFile(script.fileName());
+    f.schedule.SetFile(WriteScript(f.path(QStringLiteral("job.sh")), "exit 0"));
     frmSchedule editor(f.globals);
     editor.ShowSchedule();
     QAction *run = editor.findChild<QAction *>(QStringLiteral("mnuRun"));
@@ -222,8 +211,8 @@ void TestFrmSchedule::runNowKeepsNextRun()
     run->trigger();
     QCOMPARE(f.saved(id, clsSchedule::colLastRun), QStringLiteral("02-Mar-2026 09:00"));
     QCOMPARE(f.saved(id, clsSchedule::colNextRun), QStringLiteral("05-Mar-2026 07:30"));
-    QVERIFY(f.prompter.fatalErrors.isEmpty());
+    QVERIFY(f.prompter.fatal.isEmpty());
 }
 
-QORLO_TEST_MAIN_WIDGETS(TestFrmSchedule)
+QORLO_TEST_MAIN(TestFrmSchedule)
 #include "tst_frmschedule.moc"

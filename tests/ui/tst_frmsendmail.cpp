@@ -1,6 +1,9 @@
-#include "../mail/tst_smtpmail_support.h"
-#include "ScriptedPrompter.h"
-#include "UiTestMain.h"
+#include "Files.h"
+#include "SmtpPeer.h"
+#include "TestMain.h"
+#include "WindowFixture.h"
+
+#include "core/Ansi.h"
 
 #include "scheduler/QorloGlobals.h"
 #include "ui/frmSendMail.h"
@@ -8,13 +11,13 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
-using namespace SmtpMailTest;
+using namespace TestSupport;
 
 class TestFrmSendMail : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase() { ShortClientTimeouts(); }
+    void initTestCase() { ShortMailTimeouts(); }
     void helpMessageGoesToSupport();
 };
 
@@ -24,20 +27,19 @@ void TestFrmSendMail::helpMessageGoesToSupport()
     QORLO_REQUIRE_PEER(peer.start({QStringLiteral("--user"), QStringLiteral("clerk"),
                                    QStringLiteral("--password"), QStringLiteral("s3cret")}),
                        peer.error());
-    QTemporaryDir dir;
-    ScriptedPrompter prompter;
-    QorloGlobals globals(dir.path(), prompter);
-    clsSchedule &s = globals.Schedule;
+    GlobalsFixture f;
+    TestPrompter &prompter = f.prompter;
+    clsSchedule &s = f.schedule;
     s.SMTP_Server = QStringLiteral("127.0.0.1");
     s.SMTP_Port = peer.port();
     s.SMTP_From = QStringLiteral("scheduler@example.com");
     s.SMTPAuthentication = QStringLiteral("Yes");
     s.SMTPUser = QStringLiteral("clerk");
     s.SMTPPassword = QStringLiteral("s3cret");
-    frmSendMail window(globals);
-    auto *text = window.findChild<QPlainTextEdit *>(QStringLiteral("txtSend"));
-    auto *send = window.findChild<QPushButton *>(QStringLiteral("cmdSend"));
-    const QString smtpLog = dir.filePath(QStringLiteral("SMTP.Log"));
+    frmSendMail window(f.globals);
+    auto *text = Child<QPlainTextEdit>(&window, "txtSend");
+    auto *send = Child<QPushButton>(&window, "cmdSend");
+    const QString smtpLog = f.path(QStringLiteral("SMTP.Log"));
 
     // An empty message is refused and closes the window.
     window.open();
@@ -58,14 +60,14 @@ void TestFrmSendMail::helpMessageGoesToSupport()
     const QJsonObject envelope = SmtpPeer::envelopeOf(message);
     QCOMPARE(envelope.value(QStringLiteral("mail_from")).toString(), QStringLiteral("scheduler@example.com"));
     QCOMPARE(envelope.value(QStringLiteral("login")).toString(), QStringLiteral("clerk"));
-    const QByteArray raw = ReadAll(message);
+    const QByteArray raw = ReadFile(message);
     QVERIFY2(raw.contains("Subject: QorloMANAGER help request \r\n"), raw.constData());
     QVERIFY2(raw.contains("The sales report stops at night.") && raw.contains("Please help."),
              raw.constData());
-    const QString log = Ansi::Decode(ReadAll(smtpLog));
+    const QString log = Ansi::Decode(ReadFile(smtpLog));
     QVERIFY2(log.contains(QStringLiteral("Sending Help Message")), qPrintable(log));
     QVERIFY2(log.contains(QStringLiteral("Message sent to " QORLO_SUPPORT_MAILBOX)), qPrintable(log));
 }
 
-QORLO_TEST_MAIN_WIDGETS(TestFrmSendMail)
+QORLO_TEST_MAIN(TestFrmSendMail)
 #include "tst_frmsendmail.moc"

@@ -1,6 +1,9 @@
-#include "../mail/tst_smtpmail_support.h"
-#include "ScriptedPrompter.h"
-#include "UiTestMain.h"
+#include "Files.h"
+#include "SmtpPeer.h"
+#include "TestMain.h"
+#include "WindowFixture.h"
+
+#include "core/Ansi.h"
 
 #include "scheduler/QorloGlobals.h"
 #include "ui/frmSMTP.h"
@@ -11,12 +14,12 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
-using namespace SmtpMailTest;
+using namespace TestSupport;
 
 namespace {
 
 // An application folder with its global objects and the mail settings window over them.
-struct SmtpFixture
+struct SmtpFixture : GlobalsFixture
 {
     SmtpFixture()
     {
@@ -33,26 +36,17 @@ struct SmtpFixture
     }
     template <class Widget = QLineEdit> Widget *field(const char *name)
     {
-        return window->findChild<Widget *>(QLatin1String(name));
+        return Child<Widget>(window.get(), name);
     }
     void setText(const char *name, const QString &text) { field(name)->setText(text); }
-    void click(const char *name) { field<QPushButton>(name)->click(); }
-    std::unique_ptr<clsSchedule> saved() const
-    {
-        auto schedule = std::make_unique<clsSchedule>(dir.path());
-        schedule->Load(dir.filePath(QStringLiteral("Qorlo.XML")));
-        return schedule;
-    }
-    QString smtpLog() const { return Ansi::Decode(ReadAll(dir.filePath(QStringLiteral("SMTP.Log")))); }
+    void click(const char *name) { Click(window.get(), name); }
+    QString smtpLog() const { return Ansi::Decode(ReadFile(path(QStringLiteral("SMTP.Log")))); }
     void open()
     {
         window = std::make_unique<frmSMTP>(globals);
         window->open();
     }
 
-    QTemporaryDir dir;
-    ScriptedPrompter prompter;
-    QorloGlobals globals{dir.path(), prompter};
     std::unique_ptr<frmSMTP> window;
 };
 
@@ -62,7 +56,7 @@ class TestFrmSMTP : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase() { ShortClientTimeouts(); }
+    void initTestCase() { ShortMailTimeouts(); }
     void fieldsChecksAndSave();
     void testMessageReachesTheServer();
     void failedTestMessage();
@@ -129,7 +123,7 @@ void TestFrmSMTP::fieldsChecksAndSave()
     f.setText("txtDelay", QStringLiteral("3"));
     f.setText("txtPort", QStringLiteral("smtp"));
     f.click("cmdSave");
-    QCOMPARE(f.prompter.fatalErrors, QStringList{QStringLiteral("Run-time error '13': Type mismatch")});
+    QCOMPARE(f.prompter.fatal, QStringList{QStringLiteral("Run-time error '13': Type mismatch")});
     QVERIFY(f.window->isVisible());
     QCOMPARE(f.globals.Schedule.SMTPDelay, qint16(3));
     QCOMPARE(f.saved()->SMTPDelay, qint16(7));
@@ -157,7 +151,7 @@ void TestFrmSMTP::testMessageReachesTheServer()
     const QJsonObject parsed = ParseMessage(message);
     QCOMPARE(parsed.value(QStringLiteral("subject")).toString(),
              QStringLiteral("Test message from QorloMANAGER"));
-    QVERIFY(ReadAll(message).contains("Here is a test message from QorloMANAGER"));
+    QVERIFY(ReadFile(message).contains("Here is a test message from QorloMANAGER"));
     const QString log = f.smtpLog();
     QVERIFY2(log.contains(QStringLiteral("Sending Test Message")), qPrintable(log));
     QVERIFY2(log.contains(QStringLiteral("Message sent to tester@example.com")), qPrintable(log));
@@ -170,7 +164,7 @@ void TestFrmSMTP::failedTestMessage()
     SmtpFixture f;
     f.open();
     // Nothing listens on this port.
-    f.setText("txtPort", QString::number(TestSupport::FreePort()));
+    f.setText("txtPort", QString::number(FreePort()));
     f.field<QCheckBox>("chkSecure")->setChecked(false);
     f.click("cmdTest");
     const QStringList boxes = f.prompter.take();
@@ -183,5 +177,5 @@ void TestFrmSMTP::failedTestMessage()
     QCOMPARE(f.globals.Schedule.SMTPAuthentication, QStringLiteral("Yes"));
 }
 
-QORLO_TEST_MAIN_WIDGETS(TestFrmSMTP)
+QORLO_TEST_MAIN(TestFrmSMTP)
 #include "tst_frmsmtp.moc"

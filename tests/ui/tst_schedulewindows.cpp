@@ -1,6 +1,7 @@
-#include "ScriptedPrompter.h"
+#include "Files.h"
 #include "TestClocks.h"
-#include "UiTestMain.h"
+#include "TestMain.h"
+#include "WindowFixture.h"
 
 #include "core/AppFolder.h"
 #include "core/DayDate.h"
@@ -21,22 +22,15 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 
+using namespace TestSupport;
+
 namespace {
 
 // The present moment of every test: Monday 2 March 2026, 09:30.
 const QDateTime kNow(QDate(2026, 3, 2), QTime(9, 30));
 
-struct WindowFixture
+struct WindowFixture : GlobalsFixture
 {
-    QString path(const QString &name) const { return dir.filePath(name); }
-    template <typename T = QWidget> T *child(QWidget *window, const char *name)
-    {
-        T *widget = window->findChild<T *>(QLatin1String(name));
-        if (!widget)
-            qFatal("no control %s", name);
-        return widget;
-    }
-    void click(QWidget *window, const char *name) { child<QPushButton>(window, name)->click(); }
     void addDailyItem(const QString &nextRun)
     {
         schedule.AddNew();
@@ -50,18 +44,10 @@ struct WindowFixture
         of.Find(reportID);
         return of.NextRun();
     }
-    QString savedFile() const
-    {
-        QFile file(path(QStringLiteral("Qorlo.XML")));
-        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-    }
+    QString savedFile() const { return QString::fromUtf8(ReadFile(path(QStringLiteral("Qorlo.XML")))); }
 
     FixedClock clock{kNow};
     ClockGuard guard{clock};
-    QTemporaryDir dir;
-    ScriptedPrompter prompter;
-    QorloGlobals globals{dir.path(), prompter};
-    clsSchedule &schedule = globals.Schedule;
 };
 
 } // namespace
@@ -87,23 +73,23 @@ void TestScheduleWindows::backupSettings()
     frmBackup window(f.globals);
     window.open();
     QCOMPARE(window.windowTitle(), QStringLiteral("Backup Settings"));
-    auto *frequency = f.child<QComboBox>(&window, "cboFrequency");
+    auto *frequency = Child<QComboBox>(&window, "cboFrequency");
     QCOMPARE(frequency->count(), 4);
     QCOMPARE(frequency->currentText(), QStringLiteral("Weekly"));
-    QCOMPARE(f.child<QDateEdit>(&window, "dtNext")->date(), QDate(2026, 3, 5));
-    QCOMPARE(f.child<QComboBox>(&window, "cboHour")->currentText(), QStringLiteral("22"));
-    QCOMPARE(f.child<QComboBox>(&window, "cboMinute")->currentText(), QStringLiteral("15"));
-    QCOMPARE(f.child<QLabel>(&window, "lblPrevious")->text(), f.schedule.BackupPrevious);
-    QCOMPARE(f.child<QLabel>(&window, "lblPreviousFile")->text(), f.schedule.BackupPreviousFile);
-    auto *purge = f.child<QLineEdit>(&window, "txtPurgeDays");
+    QCOMPARE(Child<QDateEdit>(&window, "dtNext")->date(), QDate(2026, 3, 5));
+    QCOMPARE(Child<QComboBox>(&window, "cboHour")->currentText(), QStringLiteral("22"));
+    QCOMPARE(Child<QComboBox>(&window, "cboMinute")->currentText(), QStringLiteral("15"));
+    QCOMPARE(Child<QLabel>(&window, "lblPrevious")->text(), f.schedule.BackupPrevious);
+    QCOMPARE(Child<QLabel>(&window, "lblPreviousFile")->text(), f.schedule.BackupPreviousFile);
+    auto *purge = Child<QLineEdit>(&window, "txtPurgeDays");
     QCOMPARE(purge->text(), QStringLiteral("45"));
 
     frequency->setCurrentText(QStringLiteral("Never"));
-    f.child<QDateEdit>(&window, "dtNext")->setDate(QDate(2026, 4, 1));
-    f.child<QComboBox>(&window, "cboHour")->setCurrentIndex(6);
-    f.child<QComboBox>(&window, "cboMinute")->setCurrentIndex(5);
+    Child<QDateEdit>(&window, "dtNext")->setDate(QDate(2026, 4, 1));
+    Child<QComboBox>(&window, "cboHour")->setCurrentIndex(6);
+    Child<QComboBox>(&window, "cboMinute")->setCurrentIndex(5);
     purge->setText(QStringLiteral("60"));
-    f.click(&window, "cmdSave");
+    Click(&window, "cmdSave");
     QVERIFY(!window.isVisible());
     QCOMPARE(f.schedule.BackupFrequency, QStringLiteral("Never"));
     QCOMPARE(f.schedule.BackupDate, DayDate::FromParts(2026, 4, 1, 6, 5));
@@ -115,12 +101,12 @@ void TestScheduleWindows::backupSettings()
     window.open();
     frequency->setCurrentText(QStringLiteral("Daily"));
     purge->setText(QStringLiteral("sixty"));
-    f.click(&window, "cmdSave");
-    QCOMPARE(f.prompter.fatalErrors, QStringList{QStringLiteral("Run-time error '13': Type mismatch")});
+    Click(&window, "cmdSave");
+    QCOMPARE(f.prompter.fatal, QStringList{QStringLiteral("Run-time error '13': Type mismatch")});
     QCOMPARE(f.schedule.BackupFrequency, QStringLiteral("Never"));
     QCOMPARE(f.schedule.BackupPurge, qint16(60));
     QVERIFY(window.isVisible());
-    f.click(&window, "cmdExit");
+    Click(&window, "cmdExit");
     QVERIFY(!window.isVisible());
 }
 
@@ -134,18 +120,18 @@ void TestScheduleWindows::advanceAnalyseAndProcess()
     frmAdv window(f.globals);
     window.open();
     QCOMPARE(window.windowTitle(), QStringLiteral("Advance Schedule"));
-    auto *date = f.child<QDateEdit>(&window, "dtAdv");
-    auto *hour = f.child<QComboBox>(&window, "cboHour");
-    auto *minute = f.child<QComboBox>(&window, "cboMinute");
+    auto *date = Child<QDateEdit>(&window, "dtAdv");
+    auto *hour = Child<QComboBox>(&window, "cboHour");
+    auto *minute = Child<QComboBox>(&window, "cboMinute");
     QCOMPARE(date->date(), kNow.date());
     QCOMPARE(hour->currentText(), QStringLiteral("9"));
     QCOMPARE(minute->currentText(), QStringLiteral("30"));
-    auto *status = f.child<QLabel>(&window, "lblStatus");
+    auto *status = Child<QLabel>(&window, "lblStatus");
 
     date->setDate(QDate(2026, 3, 4));
     hour->setCurrentIndex(12);
     minute->setCurrentIndex(0);
-    f.click(&window, "cmdAnalyse");
+    Click(&window, "cmdAnalyse");
     QCOMPARE(status->text(),
              QStringLiteral("2 items in schedule will be advanced when you click the process button"));
     QCOMPARE(f.nextRun(f.schedule, QStringLiteral("1")), QStringLiteral("01-Mar-2026 08:00"));
@@ -153,7 +139,7 @@ void TestScheduleWindows::advanceAnalyseAndProcess()
     // The question comes while the window says it is processing; No changes nothing.
     QString statusAtQuestion;
     f.prompter.onRecord = [&] { statusAtQuestion = status->text(); };
-    f.click(&window, "cmdProcess");
+    Click(&window, "cmdProcess");
     QCOMPARE(f.prompter.take(),
              QStringList{QStringLiteral("Advance Schedule: Confirm you wish to update the schedule times")});
     QCOMPARE(statusAtQuestion, QStringLiteral("Processing schedule"));
@@ -162,17 +148,16 @@ void TestScheduleWindows::advanceAnalyseAndProcess()
     QVERIFY(!QFile::exists(f.path(QStringLiteral("Qorlo.XML"))));
 
     f.prompter.setNextAnswers({true});
-    f.click(&window, "cmdProcess");
+    Click(&window, "cmdProcess");
     QCOMPARE(status->text(), QStringLiteral("2 items in schedule have now been advanced to process after "
                                             "04-Mar-2026 12:00"));
-    clsSchedule saved(f.dir.path());
-    saved.Load(f.path(QStringLiteral("Qorlo.XML")));
-    QCOMPARE(f.nextRun(saved, QStringLiteral("1")), QStringLiteral("05-Mar-2026 08:00"));
-    QCOMPARE(f.nextRun(saved, QStringLiteral("2")), QStringLiteral("04-Mar-2026 14:00"));
-    QCOMPARE(f.nextRun(saved, QStringLiteral("3")), QStringLiteral("10-Mar-2026 08:00"));
-    QCOMPARE(f.nextRun(saved, QStringLiteral("4")), QString());
+    const auto saved = f.saved();
+    QCOMPARE(f.nextRun(*saved, QStringLiteral("1")), QStringLiteral("05-Mar-2026 08:00"));
+    QCOMPARE(f.nextRun(*saved, QStringLiteral("2")), QStringLiteral("04-Mar-2026 14:00"));
+    QCOMPARE(f.nextRun(*saved, QStringLiteral("3")), QStringLiteral("10-Mar-2026 08:00"));
+    QCOMPARE(f.nextRun(*saved, QStringLiteral("4")), QString());
     QVERIFY(window.isVisible());
-    QVERIFY(f.prompter.fatalErrors.isEmpty());
+    QVERIFY(f.prompter.fatal.isEmpty());
 }
 
 void TestScheduleWindows::menuEntriesOpenTheWindows()
@@ -203,35 +188,33 @@ void TestScheduleWindows::setTimerSavesStartOnly()
     frmSetTimer window(f.globals);
     window.open();
     QCOMPARE(window.windowTitle(), QStringLiteral("Set Schedule Timer"));
-    auto *setStart = f.child<QCheckBox>(&window, "chkSetStart");
-    auto *start = f.child<QDateEdit>(&window, "dtStart");
-    auto *setStop = f.child<QCheckBox>(&window, "chkSetStop");
-    auto *stop = f.child<QDateEdit>(&window, "dtStop");
+    auto *setStart = Child<QCheckBox>(&window, "chkSetStart");
+    auto *start = Child<QDateEdit>(&window, "dtStart");
+    auto *setStop = Child<QCheckBox>(&window, "chkSetStop");
+    auto *stop = Child<QDateEdit>(&window, "dtStop");
     QVERIFY(!setStart->isChecked());
     QVERIFY(!start->isEnabled());
     QCOMPARE(start->date(), kNow.date());
-    QCOMPARE(f.child<QComboBox>(&window, "cboStartHour")->currentIndex(), 9);
+    QCOMPARE(Child<QComboBox>(&window, "cboStartHour")->currentIndex(), 9);
     QVERIFY(setStop->isChecked());
     QVERIFY(stop->isEnabled());
     QCOMPARE(stop->date(), QDate(2026, 3, 20));
-    QCOMPARE(f.child<QComboBox>(&window, "cboStopMinute")->currentIndex(), 45);
+    QCOMPARE(Child<QComboBox>(&window, "cboStopMinute")->currentIndex(), 45);
 
     setStart->setChecked(true);
     QVERIFY(start->isEnabled());
     start->setDate(QDate(2026, 3, 3));
-    f.child<QComboBox>(&window, "cboStartHour")->setCurrentIndex(7);
-    f.child<QComboBox>(&window, "cboStartMinute")->setCurrentIndex(5);
+    Child<QComboBox>(&window, "cboStartHour")->setCurrentIndex(7);
+    Child<QComboBox>(&window, "cboStartMinute")->setCurrentIndex(5);
     setStop->setChecked(false);
     QVERIFY(!stop->isEnabled());
-    f.click(&window, "cmdSave");
+    Click(&window, "cmdSave");
     QVERIFY(!window.isVisible());
     QCOMPARE(f.schedule.StartTime, QStringLiteral("03-Mar-2026 07:05:00"));
     QCOMPARE(f.schedule.StopTime, QString());
-    clsSchedule saved(f.dir.path());
-    saved.Load(f.path(QStringLiteral("Qorlo.XML")));
-    QCOMPARE(saved.StartTime, QStringLiteral("03-Mar-2026 07:05:00"));
+    QCOMPARE(f.saved()->StartTime, QStringLiteral("03-Mar-2026 07:05:00"));
     QVERIFY(QFile::exists(f.path(QStringLiteral("Web/livestat.htm"))));
 }
 
-QORLO_TEST_MAIN_WIDGETS(TestScheduleWindows)
+QORLO_TEST_MAIN(TestScheduleWindows)
 #include "tst_schedulewindows.moc"

@@ -1,32 +1,21 @@
-#pragma once
-// Shared pieces of the engine tests: report files written into a test's folder and a small SQLite sales
-// table.
+#include "SalesReport.h"
 
-#include <QDir>
-#include <QFile>
+#include "Files.h"
+
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QString>
-#include <QTest>
 
-namespace EngineFixtures {
+namespace TestSupport {
 
-// Writes a report file; `body` goes inside <report version="1">.
-inline QString WriteReport(const QDir &dir, const QString &name, const QString &body)
+QString WriteReport(const QDir &dir, const QString &name, const QString &body)
 {
-    const QString path = dir.filePath(name);
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
-        qFatal("cannot write %s", qPrintable(path));
-    file.write("<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<report version=\"1\">\n");
-    file.write(body.toUtf8());
-    file.write("\n</report>\n");
-    return path;
+    return WriteFile(dir.filePath(name),
+                     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<report version=\"1\">\n" + body.toUtf8() +
+                         "\n</report>\n");
 }
 
-// The rows every data test knows: id, order_date, region, customer, amount, paid.
-inline void MakeSalesDatabase(const QString &path)
+void MakeSalesDatabase(const QString &path)
 {
     const QString name = QStringLiteral("fixture-") + path;
     {
@@ -52,9 +41,7 @@ inline void MakeSalesDatabase(const QString &path)
     QSqlDatabase::removeDatabase(name);
 }
 
-// A report over the fixture table with the given extra elements.
-inline QString SalesReport(const QDir &dir, const QString &name, const QString &query,
-                           const QString &extra = QString())
+QString SalesReport(const QDir &dir, const QString &name, const QString &query, const QString &extra)
 {
     return WriteReport(dir, name,
                        QStringLiteral("<title>Fixture Sales</title>\n"
@@ -63,4 +50,4 @@ inline QString SalesReport(const QDir &dir, const QString &name, const QString &
                            query.toHtmlEscaped() + QStringLiteral("</query>\n") + extra);
 }
 
-} // namespace EngineFixtures
+} // namespace TestSupport
