@@ -10,6 +10,8 @@
 #include <pwd.h>
 #include <unistd.h>
 
+using namespace Qt::Literals::StringLiterals;
+
 using namespace CommonFile;
 
 class TestCommonFile : public QObject
@@ -24,72 +26,66 @@ private Q_SLOTS:
 
 void TestCommonFile::pathParts()
 {
-    QCOMPARE(FileExtension(QStringLiteral("/data/sales.rpt")), QStringLiteral("rpt"));
+    QCOMPARE(FileExtension(u"/data/sales.rpt"_s), u"rpt"_s);
     // Nothing limits the search to the file name.
-    QCOMPARE(FileExtension(QStringLiteral("/data/v1.2/report")), QStringLiteral("2/report"));
-    QCOMPARE(FileExtension(QStringLiteral("/data/report")), QString());
-    QCOMPARE(ChangeExtension(QStringLiteral("/a/b.rpt"), QStringLiteral("pdf")), QStringLiteral("/a/b.pdf"));
-    QCOMPARE(ChangeExtension(QStringLiteral("/a/b"), QStringLiteral("pdf")), QStringLiteral("/a/b.pdf"));
-    QCOMPARE(ChangeExtension(QStringLiteral("/a/b.rpt"), QString()), QStringLiteral("/a/b.rpt"));
-    QCOMPARE(ChangeExtension(QString(), QStringLiteral("pdf")), QString());
-    QCOMPARE(FileBaseName(QStringLiteral("/a/b.c/sales.q1.rpt")), QStringLiteral("sales.q1"));
-    QCOMPARE(FileNameOnly(QStringLiteral("/a/b/sales.rpt")), QStringLiteral("sales.rpt"));
-    QCOMPARE(FileNameOnly(QStringLiteral("sales.rpt")), QStringLiteral("sales.rpt"));
+    QCOMPARE(FileExtension(u"/data/v1.2/report"_s), u"2/report"_s);
+    QCOMPARE(FileExtension(u"/data/report"_s), QString());
+    QCOMPARE(ChangeExtension(u"/a/b.rpt"_s, u"pdf"_s), u"/a/b.pdf"_s);
+    QCOMPARE(ChangeExtension(u"/a/b"_s, u"pdf"_s), u"/a/b.pdf"_s);
+    QCOMPARE(ChangeExtension(u"/a/b.rpt"_s, QString()), u"/a/b.rpt"_s);
+    QCOMPARE(ChangeExtension(QString(), u"pdf"_s), QString());
+    QCOMPARE(FileBaseName(u"/a/b.c/sales.q1.rpt"_s), u"sales.q1"_s);
+    QCOMPARE(FileNameOnly(u"/a/b/sales.rpt"_s), u"sales.rpt"_s);
+    QCOMPARE(FileNameOnly(u"sales.rpt"_s), u"sales.rpt"_s);
     QCOMPARE(FileNameOnly(QString()), QString());
-    QCOMPARE(FolderOf(QStringLiteral("/a/b/sales.rpt")), QStringLiteral("/a/b"));
-    QCOMPARE(FolderOf(QStringLiteral("/a/b/")), QStringLiteral("/a/b"));
-    QCOMPARE(FolderOf(QStringLiteral("sales.rpt")), QStringLiteral("sales.rpt"));
+    QCOMPARE(FolderOf(u"/a/b/sales.rpt"_s), u"/a/b"_s);
+    QCOMPARE(FolderOf(u"/a/b/"_s), u"/a/b"_s);
+    QCOMPARE(FolderOf(u"sales.rpt"_s), u"sales.rpt"_s);
 }
 
 void TestCommonFile::settingsStore()
 {
-    QCOMPARE(TWReg::ReadSetting(QStringLiteral("System"), QStringLiteral("Missing"), QStringLiteral("dflt")),
-             QStringLiteral("dflt"));
+    QCOMPARE(TWReg::ReadSetting(u"System"_s, u"Missing"_s, u"dflt"_s), u"dflt"_s);
 
-    TWReg::SaveSetting(QStringLiteral("File Type"), QStringLiteral("Last"), QStringLiteral("  pdf  "));
-    QCOMPARE(TWReg::ReadSetting(QStringLiteral("File Type"), QStringLiteral("Last"), QString()),
-             QStringLiteral("pdf"));
+    TWReg::SaveSetting(u"File Type"_s, u"Last"_s, u"  pdf  "_s);
+    QCOMPARE(TWReg::ReadSetting(u"File Type"_s, u"Last"_s, QString()), u"pdf"_s);
     // A value saved empty is stored as a blank and reads back as the default.
-    TWReg::SaveSetting(QStringLiteral("File Type"), QStringLiteral("Last"), QString());
-    QCOMPARE(TWReg::ReadSetting(QStringLiteral("File Type"), QStringLiteral("Last"), QStringLiteral("xls")),
-             QStringLiteral("xls"));
+    TWReg::SaveSetting(u"File Type"_s, u"Last"_s, QString());
+    QCOMPARE(TWReg::ReadSetting(u"File Type"_s, u"Last"_s, u"xls"_s), u"xls"_s);
 
-    TWReg::SaveSettingNumber(QStringLiteral("LogForm"), QStringLiteral("Top"), 1234);
-    QCOMPARE(TWReg::ReadSettingNumber(QStringLiteral("LogForm"), QStringLiteral("Top"), 7), 1234);
-    TWReg::SaveSetting(QStringLiteral("LogForm"), QStringLiteral("Left"), QStringLiteral("88px"));
-    QCOMPARE(TWReg::ReadSettingNumber(QStringLiteral("LogForm"), QStringLiteral("Left"), 7), 88);
-    QCOMPARE(TWReg::ReadSettingNumber(QStringLiteral("LogForm"), QStringLiteral("Width"), 7), 7);
+    TWReg::SaveSettingNumber(u"LogForm"_s, u"Top"_s, 1234);
+    QCOMPARE(TWReg::ReadSettingNumber(u"LogForm"_s, u"Top"_s, 7), 1234);
+    TWReg::SaveSetting(u"LogForm"_s, u"Left"_s, u"88px"_s);
+    QCOMPARE(TWReg::ReadSettingNumber(u"LogForm"_s, u"Left"_s, 7), 88);
+    QCOMPARE(TWReg::ReadSettingNumber(u"LogForm"_s, u"Width"_s, 7), 7);
 
-    TWReg::SaveSetting(QStringLiteral("Settings"), QStringLiteral("RemotePort"), QStringLiteral("2525"),
-                       QStringLiteral("QorloSendMail"));
-    const QSettings sendMail(TWReg::SettingsFolder() + QStringLiteral("/QorloSendMail.ini"),
-                             QSettings::IniFormat);
-    QCOMPARE(sendMail.value(QStringLiteral("Settings/RemotePort")).toString(), QStringLiteral("2525"));
+    TWReg::SaveSetting(u"Settings"_s, u"RemotePort"_s, u"2525"_s, u"QorloSendMail"_s);
+    const QSettings sendMail(TWReg::SettingsFolder() + u"/QorloSendMail.ini"_s, QSettings::IniFormat);
+    QCOMPARE(sendMail.value(u"Settings/RemotePort"_s).toString(), u"2525"_s);
 
-    TWReg::SaveApplicationValue(QStringLiteral("Scheduler"), QStringLiteral("QorloMANAGER"));
-    QCOMPARE(TWReg::ReadApplicationValue(QStringLiteral("Scheduler")), QStringLiteral("QorloMANAGER"));
-    QFile file(TWReg::SettingsFolder() + QStringLiteral("/Applications.ini"));
+    TWReg::SaveApplicationValue(u"Scheduler"_s, u"QorloMANAGER"_s);
+    QCOMPARE(TWReg::ReadApplicationValue(u"Scheduler"_s), u"QorloMANAGER"_s);
+    QFile file(TWReg::SettingsFolder() + u"/Applications.ini"_s);
     QVERIFY(file.open(QIODevice::ReadOnly));
     QVERIFY(file.readAll().contains("[General]\nScheduler=QorloMANAGER"));
 
     // A long value is cut at the read buffer.
-    TWReg::SaveSetting(QStringLiteral("System"), QStringLiteral("Long"), QString(300, QLatin1Char('x')));
-    QCOMPARE(TWReg::ReadSetting(QStringLiteral("System"), QStringLiteral("Long"), QString()).size(), 254);
+    TWReg::SaveSetting(u"System"_s, u"Long"_s, QString(300, u'x'));
+    QCOMPARE(TWReg::ReadSetting(u"System"_s, u"Long"_s, QString()).size(), 254);
 }
 
 void TestCommonFile::workingFolders()
 {
     QTemporaryDir app;
-    QVERIFY(QDir(app.path()).mkdir(QStringLiteral("Web")));
+    QVERIFY(QDir(app.path()).mkdir(u"Web"_s));
     AppFolder::MakeWorkingFolders(app.path());
     QCOMPARE(QDir(app.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name),
-             QStringList({QStringLiteral("Backup"), QStringLiteral("Help"), QStringLiteral("Mail"),
-                          QStringLiteral("Multirun"), QStringLiteral("Output"), QStringLiteral("Remote"),
-                          QStringLiteral("SMTP"), QStringLiteral("Spool"), QStringLiteral("Web")}));
-    QCOMPARE(QFileInfo(app.path() + QStringLiteral("/Remote")).permissions() & 0x0077, QFile::Permissions());
-    QCOMPARE(AppFolder::Resolve(app.path() + QStringLiteral("/qorlomanagerd")), app.path());
-    QCOMPARE(AppFolder::Resolve(QStringLiteral("/usr/bin/qorlomanagerd")),
-             QDir::homePath() + QStringLiteral("/.local/share/QorloMANAGER"));
+             QStringList({u"Backup"_s, u"Help"_s, u"Mail"_s, u"Multirun"_s, u"Output"_s, u"Remote"_s,
+                          u"SMTP"_s, u"Spool"_s, u"Web"_s}));
+    QCOMPARE(QFileInfo(app.path() + u"/Remote"_s).permissions() & 0x0077, QFile::Permissions());
+    QCOMPARE(AppFolder::Resolve(app.path() + u"/qorlomanagerd"_s), app.path());
+    QCOMPARE(AppFolder::Resolve(u"/usr/bin/qorlomanagerd"_s),
+             QDir::homePath() + u"/.local/share/QorloMANAGER"_s);
 }
 
 // The test main gives the process a home and a settings folder of its own, so that nothing lands in
@@ -97,12 +93,12 @@ void TestCommonFile::workingFolders()
 void TestCommonFile::freshHomeForEveryTest()
 {
     const QString home = QDir::homePath();
-    QVERIFY2(home.startsWith(QDir::tempPath() + QStringLiteral("/qorlo-home-")), qPrintable(home));
+    QVERIFY2(home.startsWith(QDir::tempPath() + u"/qorlo-home-"_s), qPrintable(home));
     QVERIFY(home != QString::fromLocal8Bit(getpwuid(getuid())->pw_dir));
     QCOMPARE(QDir(home).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden, QDir::Name),
-             QStringList({QStringLiteral(".cache"), QStringLiteral(".config"), QStringLiteral(".local")}));
-    QCOMPARE(QString::fromLocal8Bit(qgetenv("XDG_CONFIG_HOME")), home + QStringLiteral("/.config"));
-    QVERIFY(TWReg::SettingsFolder().startsWith(home + QStringLiteral("/.config/")));
+             QStringList({u".cache"_s, u".config"_s, u".local"_s}));
+    QCOMPARE(QString::fromLocal8Bit(qgetenv("XDG_CONFIG_HOME")), home + u"/.config"_s);
+    QVERIFY(TWReg::SettingsFolder().startsWith(home + u"/.config/"_s));
 }
 
 QORLO_TEST_MAIN(TestCommonFile)

@@ -7,6 +7,8 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+using namespace Qt::Literals::StringLiterals;
+
 using namespace Engine;
 using namespace TestSupport;
 
@@ -22,67 +24,65 @@ private Q_SLOTS:
 
 void TestPdfSink::initTestCase()
 {
-    QORLO_REQUIRE_PEER(PopplerInstalled(), QStringLiteral("poppler-utils"));
+    QORLO_REQUIRE_PEER(PopplerInstalled(), u"poppler-utils"_s);
 }
 
 void TestPdfSink::pagesTextAndFonts()
 {
     QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("sales.pdf"));
+    const QString file = dir.filePath(u"sales.pdf"_s);
     PdfPageSink sink(file);
     PageSample::Render(sink, PageSample::Setup(false), 3);
     QVERIFY2(!sink.failed(), qPrintable(sink.errorString()));
 
     QCOMPARE(PdfPages(file), 3);
     QCOMPARE(PdfPageSize(file), QSizeF(500, 560));
-    QVERIFY(PdfInfo(file).contains(QRegularExpression(QStringLiteral("Title:\\s+Sales & Co"))));
+    QVERIFY(PdfInfo(file).contains(QRegularExpression(u"Title:\\s+Sales & Co"_s)));
 
     // Each page holds its own rows and footer, in reading order, special characters intact.
     for (int number = 1; number <= 3; ++number) {
         const QString text = PdfText(file, number, true);
-        QVERIFY2(text.contains(QStringLiteral("Page %1 of 3").arg(number)), qPrintable(text));
+        QVERIFY2(text.contains(u"Page %1 of 3"_s.arg(number)), qPrintable(text));
         const int first = (number - 1) * PageSample::RowsPerPage + 1;
         const int last = number * PageSample::RowsPerPage;
         QVERIFY(text.contains(QRegularExpression(
-            QStringLiteral("R%1\\s+%2\\s+%3")
-                .arg(first, 3, 10, QLatin1Char('0'))
+            u"R%1\\s+%2\\s+%3"_s.arg(first, 3, 10, QLatin1Char('0'))
                 .arg(QRegularExpression::escape(PageSample::Name(first)), PageSample::Amount(first)))));
         QVERIFY(text.contains(PageSample::Name(last)));
-        QVERIFY(!text.contains(QStringLiteral("R%1").arg(last + 1, 3, 10, QLatin1Char('0'))));
-        QVERIFY(text.indexOf(QStringLiteral("Sales by customer")) < text.indexOf(QStringLiteral("Page ")));
+        QVERIFY(!text.contains(u"R%1"_s.arg(last + 1, 3, 10, QLatin1Char('0'))));
+        QVERIFY(text.indexOf(u"Sales by customer"_s) < text.indexOf(u"Page "_s));
     }
     const QString all = PdfText(file);
-    QVERIFY(all.contains(QStringLiteral("Łódź {Ltd} \\ 5€")));
-    QVERIFY(all.contains(QStringLiteral("Müller Grünwald")));
+    QVERIFY(all.contains(u"Łódź {Ltd} \\ 5€"_s));
+    QVERIFY(all.contains(u"Müller Grünwald"_s));
 
     // Every font is embedded, regular and bold alike.
-    const QStringList fonts = PdfFonts(file).split(QLatin1Char('\n'));
-    const QStringList rows = fonts.mid(2).filter(QRegularExpression(QStringLiteral("\\S")));
+    const QStringList fonts = PdfFonts(file).split(u'\n');
+    const QStringList rows = fonts.mid(2).filter(QRegularExpression(u"\\S"_s));
     QCOMPARE(rows.size(), 2);
     for (const QString &row : rows) {
-        QVERIFY2(row.startsWith(QStringLiteral("LiberationSans")), qPrintable(row));
-        QVERIFY2(row.contains(QRegularExpression(QStringLiteral("\\s+yes\\s+(yes|no)\\s+yes\\s+"))),
-                 qPrintable(row));
+        QVERIFY2(row.startsWith(u"LiberationSans"_s), qPrintable(row));
+        QVERIFY2(row.contains(QRegularExpression(u"\\s+yes\\s+(yes|no)\\s+yes\\s+"_s)), qPrintable(row));
     }
 }
 
 void TestPdfSink::landscape()
 {
     QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("wide.pdf"));
+    const QString file = dir.filePath(u"wide.pdf"_s);
     PdfPageSink sink(file);
     PageSample::Render(sink, PageSample::Setup(true), 2);
     QVERIFY2(!sink.failed(), qPrintable(sink.errorString()));
     QCOMPARE(PdfPageSize(file), QSizeF(560, 500));
     QCOMPARE(PdfPages(file), 2);
     // The footer near the bottom of the shorter page is still on it.
-    QVERIFY(PdfText(file).contains(QStringLiteral("Page 2 of 2")));
+    QVERIFY(PdfText(file).contains(u"Page 2 of 2"_s));
 }
 
 void TestPdfSink::unwritableTarget()
 {
     QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("missing/folder/out.pdf"));
+    const QString file = dir.filePath(u"missing/folder/out.pdf"_s);
     PdfPageSink sink(file);
     PageSample::Render(sink, PageSample::Setup(false), 2);
     QVERIFY(sink.failed());

@@ -8,6 +8,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+using namespace Qt::Literals::StringLiterals;
+
 using namespace AddressList;
 
 class TestAddressList : public QObject
@@ -27,7 +29,7 @@ struct ListFolder : TestSupport::AppObjects
 {
     ListFolder()
     {
-        const QDir source(TestSupport::DataFile(QStringLiteral("mail/addresslists")));
+        const QDir source(TestSupport::DataFile(u"mail/addresslists"_s));
         for (const QString &name : source.entryList(QDir::Files))
             QFile::copy(source.filePath(name), path(name));
     }
@@ -39,32 +41,30 @@ void TestAddressList::domainShortcuts()
 {
     QTemporaryDir dir;
     clsSchedule schedule(dir.path());
-    schedule.SaveDomain(0, QStringLiteral("5corp.com"));
-    schedule.SaveDomain(1, QStringLiteral("example.com"));
-    schedule.SaveDomain(5, QStringLiteral("example.org"));
+    schedule.SaveDomain(0, u"5corp.com"_s);
+    schedule.SaveDomain(1, u"example.com"_s);
+    schedule.SaveDomain(5, u"example.org"_s);
     // The digit is replaced whatever follows it, an unset shortcut stays, and one pass from 0 to 9
     // expands a domain that begins with a later digit again.
-    QCOMPARE(ExpandDomainShortcuts(QStringLiteral("ann@1;Bo@1;dee@12;eve@3;fay@0"), schedule),
-             QStringLiteral("ann@example.com;Bo@example.com;dee@example.com2;eve@3;fay@example.orgcorp.com"));
+    QCOMPARE(ExpandDomainShortcuts(u"ann@1;Bo@1;dee@12;eve@3;fay@0"_s, schedule),
+             u"ann@example.com;Bo@example.com;dee@example.com2;eve@3;fay@example.orgcorp.com"_s);
 }
 
 void TestAddressList::nestedListFiles()
 {
     ListFolder app;
-    app.schedule.SaveDomain(1, QStringLiteral("example.com"));
-    app.schedule.SaveDomain(2, QStringLiteral("example.net"));
+    app.schedule.SaveDomain(1, u"example.com"_s);
+    app.schedule.SaveDomain(2, u"example.net"_s);
     // team.lst: a quoted line, blank lines, a nested list and a repeated line; regions.lst repeats bob.
-    QCOMPARE(ExpandListFiles(QStringLiteral("<team.lst>"), app.schedule, app.log),
-             QStringLiteral("alice@1;bob@example.com;north@2;south@example.org"));
-    QCOMPARE(ExpandAddressList(QStringLiteral("<team.lst>"), app.schedule, app.log),
-             QStringLiteral("alice@example.com;bob@example.com;north@example.net;south@example.org"));
+    QCOMPARE(ExpandListFiles(u"<team.lst>"_s, app.schedule, app.log),
+             u"alice@1;bob@example.com;north@2;south@example.org"_s);
+    QCOMPARE(ExpandAddressList(u"<team.lst>"_s, app.schedule, app.log),
+             u"alice@example.com;bob@example.com;north@example.net;south@example.org"_s);
     // Lines already in the text are skipped; what surrounds the reference stays in place.
-    QCOMPARE(ExpandListFiles(QStringLiteral("carol@example.com;<team.lst>;bob@example.com"), app.schedule,
-                             app.log),
-             QStringLiteral("carol@example.com;alice@1;north@2;south@example.org;bob@example.com"));
+    QCOMPARE(ExpandListFiles(u"carol@example.com;<team.lst>;bob@example.com"_s, app.schedule, app.log),
+             u"carol@example.com;alice@1;north@2;south@example.org;bob@example.com"_s);
     // Text without a whole reference is no reference at all.
-    QCOMPARE(ExpandListFiles(QStringLiteral("a@example.com>;<b"), app.schedule, app.log),
-             QStringLiteral("a@example.com>;<b"));
+    QCOMPARE(ExpandListFiles(u"a@example.com>;<b"_s, app.schedule, app.log), u"a@example.com>;<b"_s);
     QVERIFY(app.logEntries().isEmpty());
 }
 
@@ -72,33 +72,29 @@ void TestAddressList::selfReference()
 {
     ListFolder app;
     // self.lst names itself: the expansion ends at the second visit and leaves that reference.
-    const QString self =
-        QLatin1Char('<') + app.path(QStringLiteral("self.lst")) + QStringLiteral(">;dave@example.com");
+    const QString self = u'<' + app.path(u"self.lst"_s) + u">;dave@example.com"_s;
     QCOMPARE(ExpandListFiles(self, app.schedule, app.log),
-             QStringLiteral("carol@example.com;<self.lst>;dave@example.com"));
+             u"carol@example.com;<self.lst>;dave@example.com"_s);
     // Through another file, the same.
-    QCOMPARE(ExpandListFiles(QStringLiteral("<cycle-a.lst>"), app.schedule, app.log),
-             QStringLiteral("two@example.com;<cycle-a.lst>;one@example.com"));
+    QCOMPARE(ExpandListFiles(u"<cycle-a.lst>"_s, app.schedule, app.log),
+             u"two@example.com;<cycle-a.lst>;one@example.com"_s);
 }
 
 void TestAddressList::missingListFile()
 {
     ListFolder app;
-    app.schedule.ProcessingID = QStringLiteral("17");
-    app.schedule.SaveDomain(1, QStringLiteral("example.com"));
-    const QString missing = app.path(QStringLiteral("nowhere.lst"));
+    app.schedule.ProcessingID = u"17"_s;
+    app.schedule.SaveDomain(1, u"example.com"_s);
+    const QString missing = app.path(u"nowhere.lst"_s);
 
     // The reference stays, is logged once however often it occurs, and later references still expand.
-    QCOMPARE(
-        ExpandAddressList(QStringLiteral("<nowhere.lst>;<team.lst>;<nowhere.lst>"), app.schedule, app.log),
-        QStringLiteral(
-            "<nowhere.lst>;alice@example.com;bob@example.com;north@2;south@example.org;<nowhere.lst>"));
-    QCOMPARE(app.logEntries(), QStringList{QStringLiteral("17|Cannot find list file: ") + missing});
+    QCOMPARE(ExpandAddressList(u"<nowhere.lst>;<team.lst>;<nowhere.lst>"_s, app.schedule, app.log),
+             u"<nowhere.lst>;alice@example.com;bob@example.com;north@2;south@example.org;<nowhere.lst>"_s);
+    QCOMPARE(app.logEntries(), QStringList{u"17|Cannot find list file: "_s + missing});
 
     // A folder is no list file.
-    QVERIFY(QDir(app.appPath).mkdir(QStringLiteral("folder.lst")));
-    QCOMPARE(ExpandListFiles(QStringLiteral("<folder.lst>"), app.schedule, app.log),
-             QStringLiteral("<folder.lst>"));
+    QVERIFY(QDir(app.appPath).mkdir(u"folder.lst"_s));
+    QCOMPARE(ExpandListFiles(u"<folder.lst>"_s, app.schedule, app.log), u"<folder.lst>"_s);
     QCOMPARE(app.logEntries().size(), 2);
 }
 

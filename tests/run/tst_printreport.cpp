@@ -12,6 +12,8 @@
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 
+using namespace Qt::Literals::StringLiterals;
+
 using namespace Engine;
 using namespace TestSupport;
 
@@ -40,8 +42,8 @@ private:
 
 namespace {
 
-const QString Printer = QStringLiteral("PeerPDFFile");
-const QString ItemName = QStringLiteral("Sales list");
+const QString Printer = u"PeerPDFFile"_s;
+const QString ItemName = u"Sales list"_s;
 
 bool RunTool(const QString &name, const QStringList &arguments)
 {
@@ -56,12 +58,11 @@ void TestPrintReport::initTestCase()
     m_objects = std::make_unique<RunObjects>();
     const QString app = m_dir.path();
 
-    MakeSalesDatabase(m_dir.filePath(QStringLiteral("sales.db")));
+    MakeSalesDatabase(m_dir.filePath(u"sales.db"_s));
     const QString report =
-        SalesReport(QDir(app), QStringLiteral("sales.rpt"),
-                    QStringLiteral("SELECT id, customer, amount FROM {Sales} ORDER BY id"),
-                    QStringLiteral("<layout><column field=\"customer\" caption=\"Customer\" width=\"200\"/>"
-                                   "<column field=\"amount\" caption=\"Amount\" width=\"90\"/></layout>"));
+        SalesReport(QDir(app), u"sales.rpt"_s, u"SELECT id, customer, amount FROM {Sales} ORDER BY id"_s,
+                    u"<layout><column field=\"customer\" caption=\"Customer\" width=\"200\"/>"
+                    "<column field=\"amount\" caption=\"Amount\" width=\"90\"/></layout>"_s);
     m_objects->schedule.AddNew();
     m_objects->schedule.SetName(ItemName);
     m_objects->schedule.SetFile(report);
@@ -80,7 +81,7 @@ void TestPrintReport::printsOnNamedPrinter()
     const int pages = m_report->PrintingStatus().NumberOfPages();
     QVERIFY(pages > 0);
 
-    m_objects->schedule.SetPrinterOrient(QStringLiteral("Landscape"));
+    m_objects->schedule.SetPrinterOrient(u"Landscape"_s);
     // The print settles for three seconds before the run goes on.
     QElapsedTimer clock;
     clock.start();
@@ -94,7 +95,7 @@ void TestPrintReport::printsOnNamedPrinter()
     QVERIFY2(rotation == 90 || rotation == 270, qPrintable(QString::number(rotation)));
 
     // Only the exact words choose an orientation; anything else leaves it to the report.
-    m_objects->schedule.SetPrinterOrient(QStringLiteral("landscape"));
+    m_objects->schedule.SetPrinterOrient(u"landscape"_s);
     PrintReport(m_objects->run, *m_report, Printer, 1);
     QCOMPARE(m_report->PaperOrientation(), int(DefaultPaperOrientation));
     QCOMPARE(PdfPages(m_printed), pages);
@@ -106,12 +107,11 @@ void TestPrintReport::printsOnNamedPrinter()
 // is printed.
 void TestPrintReport::missingPrinterIsLogged()
 {
-    for (const QString &name : {QStringLiteral("NoSuchPrinter"), QStringLiteral("peerpdffile"), QString()}) {
+    for (const QString &name : {u"NoSuchPrinter"_s, u"peerpdffile"_s, QString()}) {
         m_objects->startItem();
         PrintReport(m_objects->run, *m_report, name, 1);
-        const QString text = QStringLiteral("ERROR: Could not find printer=") + name;
-        QCOMPARE(lastLogEntry(), m_objects->schedule.ReportID() + QStringLiteral("|") + ItemName +
-                                     QStringLiteral(": ") + text);
+        const QString text = u"ERROR: Could not find printer="_s + name;
+        QCOMPARE(lastLogEntry(), m_objects->schedule.ReportID() + u"|"_s + ItemName + u": "_s + text);
         QCOMPARE(m_objects->schedule.LastReportMsg, text);
         QVERIFY(!QFileInfo::exists(m_printed));
         QVERIFY(!m_objects->state.trap.IsSet());
@@ -125,8 +125,7 @@ void TestPrintReport::noPrintersInstalled()
     m_objects->startItem();
     PrintReport(m_objects->run, *m_report, Printer, 1);
     UsePrintServer(peerServer);
-    QVERIFY(lastLogEntry().endsWith(QStringLiteral("|") + ItemName +
-                                    QStringLiteral(": ERROR: Could not print to ") + Printer));
+    QVERIFY(lastLogEntry().endsWith(u"|"_s + ItemName + u": ERROR: Could not print to "_s + Printer));
     QVERIFY(!QFileInfo::exists(m_printed));
 }
 
@@ -134,7 +133,7 @@ void TestPrintReport::noPrintersInstalled()
 // no log entry; with the trap off it unwinds.
 void TestPrintReport::engineFailureGoesToTrap()
 {
-    QVERIFY(RunTool(QStringLiteral("cupsreject"), {Printer}));
+    QVERIFY(RunTool(u"cupsreject"_s, {Printer}));
     const int entries = logCount();
     PrintReport(m_objects->run, *m_report, Printer, 1);
     const bool armedFailed = m_objects->state.trap.IsSet();
@@ -146,7 +145,7 @@ void TestPrintReport::engineFailureGoesToTrap()
     } catch (const QorloError &error) {
         unwound = error.number() == EngineError::PrintFailed;
     }
-    QVERIFY(RunTool(QStringLiteral("cupsaccept"), {Printer}));
+    QVERIFY(RunTool(u"cupsaccept"_s, {Printer}));
     QVERIFY(armedFailed);
     QCOMPARE(code, int(EngineError::PrintFailed));
     QVERIFY(unwound);

@@ -37,7 +37,7 @@ struct Fixture : RunObjects
     Engine::Report &open(const QString &body)
     {
         QString text = body;
-        const QString path = WriteReport(QDir(appPath), u"r.rpt"_s, text.replace(QLatin1String("DB"), db));
+        const QString path = WriteReport(QDir(appPath), u"r.rpt"_s, text.replace(u"DB"_s, db));
         state.report.reset();
         state.application = std::make_unique<Engine::Application>();
         state.report = state.application->OpenReport(path);

@@ -5,13 +5,14 @@
 
 #include <cups/cups.h>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace TestSupport {
 
 bool CupsPeerInstalled()
 {
-    return !FindProgram(QStringLiteral("cupsd")).isEmpty() &&
-           !FindProgram(QStringLiteral("pdfinfo")).isEmpty() &&
-           QFileInfo::exists(QStringLiteral("/usr/share/ppd/cupsfilters/Generic-PDF_Printer-PDF.ppd"));
+    return !FindProgram(u"cupsd"_s).isEmpty() && !FindProgram(u"pdfinfo"_s).isEmpty() &&
+           QFileInfo::exists(u"/usr/share/ppd/cupsfilters/Generic-PDF_Printer-PDF.ppd"_s);
 }
 
 QString StartCupsPeer(PeerProcess &peer, const QTemporaryDir &folder)
@@ -20,14 +21,13 @@ QString StartCupsPeer(PeerProcess &peer, const QTemporaryDir &folder)
     QFile::setPermissions(folder.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner |
                                              QFileDevice::ExeOwner | QFileDevice::ExeGroup |
                                              QFileDevice::ExeOther);
-    const QString peerDir = folder.filePath(QStringLiteral("cups"));
+    const QString peerDir = folder.filePath(u"cups"_s);
     const quint16 port = FreePort();
-    if (!peer.start(QStringLiteral("/bin/bash"),
-                    {PeerScript(QStringLiteral("cups_peer.sh")), peerDir, QString::number(port)},
-                    QStringLiteral("READY"), 30000))
+    if (!peer.start(u"/bin/bash"_s, {PeerScript(u"cups_peer.sh"_s), peerDir, QString::number(port)},
+                    u"READY"_s, 30000))
         return QString();
     UsePrintServer("127.0.0.1:" + QByteArray::number(port));
-    return peerDir + QStringLiteral("/out/PeerPDFFile.pdf");
+    return peerDir + u"/out/PeerPDFFile.pdf"_s;
 }
 
 void UsePrintServer(const QByteArray &address)

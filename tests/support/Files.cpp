@@ -9,6 +9,8 @@
 #include <QProcess>
 #include <QThread>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace TestSupport {
 
 QByteArray ReadFile(const QString &path)
@@ -29,7 +31,7 @@ QString WriteLines(const QString &path, const QStringList &lines)
 {
     QByteArray bytes;
     for (const QString &line : lines)
-        bytes += Ansi::Encode(line + QStringLiteral("\r\n"));
+        bytes += Ansi::Encode(line + u"\r\n"_s);
     return WriteFile(path, bytes);
 }
 

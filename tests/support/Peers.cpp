@@ -5,6 +5,8 @@
 #include <QTcpServer>
 #include <QUdpSocket>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace TestSupport {
 
 bool UnderCI()
@@ -28,7 +30,7 @@ quint16 FreeUdpPort()
 
 QString DebianPython()
 {
-    return QStringLiteral("/usr/bin/python3");
+    return u"/usr/bin/python3"_s;
 }
 
 QString PeerScript(const QString &name)
@@ -40,8 +42,7 @@ QString FindProgram(const QString &name, const QStringList &extraFolders)
 {
     QString path = QStandardPaths::findExecutable(name);
     if (path.isEmpty())
-        path = QStandardPaths::findExecutable(
-            name, extraFolders + QStringList{QStringLiteral("/usr/sbin"), QStringLiteral("/sbin")});
+        path = QStandardPaths::findExecutable(name, extraFolders + QStringList{u"/usr/sbin"_s, u"/sbin"_s});
     return path;
 }
 
@@ -59,7 +60,7 @@ bool PeerProcess::start(const QString &program, const QStringList &arguments, co
         m_process->setProcessEnvironment(environment);
     m_process->start(program, arguments);
     if (!m_process->waitForStarted(timeoutMs)) {
-        m_error = program + QStringLiteral(": ") + m_process->errorString();
+        m_error = program + u": "_s + m_process->errorString();
         return false;
     }
     if (readyLine.isEmpty())
@@ -74,7 +75,7 @@ bool PeerProcess::start(const QString &program, const QStringList &arguments, co
         if (m_process->state() == QProcess::NotRunning)
             break;
     }
-    m_error = program + QStringLiteral(" did not become ready: ") +
+    m_error = program + u" did not become ready: "_s +
               QString::fromLocal8Bit(seen + m_process->readAllStandardError());
     return false;
 }
@@ -98,26 +99,23 @@ QByteArray PeerProcess::output() const
 bool StartPop3Peer(PeerProcess &peer, const QString &folder, quint16 port, const QString &user,
                    const QString &password)
 {
-    return peer.start(
-        DebianPython(),
-        {PeerScript(QStringLiteral("pop3_server.py")), folder, QString::number(port), user, password},
-        QStringLiteral("READY"));
+    return peer.start(DebianPython(),
+                      {PeerScript(u"pop3_server.py"_s), folder, QString::number(port), user, password},
+                      u"READY"_s);
 }
 
 bool StartDnsPeer(PeerProcess &peer, quint16 port, const QStringList &records)
 {
-    const QStringList arguments =
-        QStringList{QStringLiteral("--no-daemon"),         QStringLiteral("--conf-file=/dev/null"),
-                    QStringLiteral("--port=%1").arg(port), QStringLiteral("--listen-address=127.0.0.1"),
-                    QStringLiteral("--bind-interfaces"),   QStringLiteral("--no-resolv"),
-                    QStringLiteral("--no-hosts"),          QStringLiteral("--pid-file=")} +
-        records;
+    const QStringList arguments = QStringList{u"--no-daemon"_s,         u"--conf-file=/dev/null"_s,
+                                              u"--port=%1"_s.arg(port), u"--listen-address=127.0.0.1"_s,
+                                              u"--bind-interfaces"_s,   u"--no-resolv"_s,
+                                              u"--no-hosts"_s,          u"--pid-file="_s} +
+                                  records;
     // dnsmasq logs to standard error; the shell hands that to the ready check.
-    return peer.start(QStringLiteral("/bin/sh"),
-                      QStringList{QStringLiteral("-c"), QStringLiteral("exec \"$0\" \"$@\" 2>&1"),
-                                  FindProgram(QStringLiteral("dnsmasq"))} +
+    return peer.start(u"/bin/sh"_s,
+                      QStringList{u"-c"_s, u"exec \"$0\" \"$@\" 2>&1"_s, FindProgram(u"dnsmasq"_s)} +
                           arguments,
-                      QStringLiteral("started"));
+                      u"started"_s);
 }
 
 } // namespace TestSupport

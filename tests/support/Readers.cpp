@@ -8,6 +8,8 @@
 #include <QTemporaryDir>
 #include <QUrl>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace TestSupport {
 
 namespace {
@@ -19,7 +21,7 @@ QString Poppler(const char *tool)
 
 int InfoNumber(const QString &file, const QString &field)
 {
-    return QRegularExpression(field + QStringLiteral(":\\s+(\\d+)")).match(PdfInfo(file)).captured(1).toInt();
+    return QRegularExpression(field + u":\\s+(\\d+)"_s).match(PdfInfo(file)).captured(1).toInt();
 }
 
 } // namespace
@@ -36,18 +38,17 @@ QString PdfInfo(const QString &file)
 
 int PdfPages(const QString &file)
 {
-    return InfoNumber(file, QStringLiteral("Pages"));
+    return InfoNumber(file, u"Pages"_s);
 }
 
 int PdfRotation(const QString &file)
 {
-    return InfoNumber(file, QStringLiteral("Page rot"));
+    return InfoNumber(file, u"Page rot"_s);
 }
 
 QSizeF PdfPageSize(const QString &file)
 {
-    const auto match =
-        QRegularExpression(QStringLiteral("Page size:\\s+([\\d.]+) x ([\\d.]+) pts")).match(PdfInfo(file));
+    const auto match = QRegularExpression(u"Page size:\\s+([\\d.]+) x ([\\d.]+) pts"_s).match(PdfInfo(file));
     return match.hasMatch() ? QSizeF(match.captured(1).toDouble(), match.captured(2).toDouble()) : QSizeF();
 }
 
@@ -60,12 +61,10 @@ QString PdfText(const QString &file, int page, bool layout)
 {
     QStringList arguments;
     if (layout)
-        arguments.append(QStringLiteral("-layout"));
+        arguments.append(u"-layout"_s);
     if (page > 0)
-        arguments +=
-            {QStringLiteral("-f"), QString::number(page), QStringLiteral("-l"), QString::number(page)};
-    return QString::fromUtf8(
-        ProgramOutput(Poppler("pdftotext"), arguments + QStringList{file, QStringLiteral("-")}));
+        arguments += {u"-f"_s, QString::number(page), u"-l"_s, QString::number(page)};
+    return QString::fromUtf8(ProgramOutput(Poppler("pdftotext"), arguments + QStringList{file, u"-"_s}));
 }
 
 QString PdfFonts(const QString &file)
@@ -75,31 +74,28 @@ QString PdfFonts(const QString &file)
 
 bool XlrdInstalled()
 {
-    static const bool installed =
-        QProcess::execute(DebianPython(), {QStringLiteral("-c"), QStringLiteral("import xlrd")}) == 0;
+    static const bool installed = QProcess::execute(DebianPython(), {u"-c"_s, u"import xlrd"_s}) == 0;
     return installed;
 }
 
 XlsDump DumpXls(const QString &file, const QStringList &options)
 {
     QProcess python;
-    python.start(DebianPython(),
-                 QStringList{PeerScript(QStringLiteral("xls_dump.py"))} + options + QStringList{file});
+    python.start(DebianPython(), QStringList{PeerScript(u"xls_dump.py"_s)} + options + QStringList{file});
     XlsDump dump;
     if (!python.waitForFinished(120000)) {
-        dump.problem = QStringLiteral("xls_dump.py did not finish");
+        dump.problem = u"xls_dump.py did not finish"_s;
         return dump;
     }
     dump.problem = QString::fromUtf8(python.readAllStandardError());
     dump.ok = python.exitCode() == 0 && dump.problem.isEmpty();
-    dump.lines =
-        QString::fromUtf8(python.readAllStandardOutput()).split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    dump.lines = QString::fromUtf8(python.readAllStandardOutput()).split(u'\n', Qt::SkipEmptyParts);
     return dump;
 }
 
 QString LibreOffice()
 {
-    return FindProgram(QStringLiteral("soffice"));
+    return FindProgram(u"soffice"_s);
 }
 
 bool ConvertWithLibreOffice(const QStringList &files, const QString &format, const QString &outDir)
@@ -108,11 +104,11 @@ bool ConvertWithLibreOffice(const QStringList &files, const QString &format, con
     // profile fail or hang when they overlap, and a new profile costs seconds to set up.
     static const QTemporaryDir profile;
     const QStringList arguments =
-        QStringList{QStringLiteral("-env:UserInstallation=") + QUrl::fromLocalFile(profile.path()).toString(),
-                    QStringLiteral("--headless"),
-                    QStringLiteral("--convert-to"),
+        QStringList{u"-env:UserInstallation="_s + QUrl::fromLocalFile(profile.path()).toString(),
+                    u"--headless"_s,
+                    u"--convert-to"_s,
                     format,
-                    QStringLiteral("--outdir"),
+                    u"--outdir"_s,
                     outDir} +
         files;
     return RunProgram(LibreOffice(), arguments, nullptr, 300000);

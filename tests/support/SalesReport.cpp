@@ -6,6 +6,8 @@
 #include <QSqlError>
 #include <QSqlQuery>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace TestSupport {
 
 QString WriteReport(const QDir &dir, const QString &name, const QString &body)
@@ -17,9 +19,9 @@ QString WriteReport(const QDir &dir, const QString &name, const QString &body)
 
 void MakeSalesDatabase(const QString &path)
 {
-    const QString name = QStringLiteral("fixture-") + path;
+    const QString name = u"fixture-"_s + path;
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
+        QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
         db.setDatabaseName(path);
         if (!db.open())
             qFatal("cannot create %s", qPrintable(path));
@@ -44,10 +46,10 @@ void MakeSalesDatabase(const QString &path)
 QString SalesReport(const QDir &dir, const QString &name, const QString &query, const QString &extra)
 {
     return WriteReport(dir, name,
-                       QStringLiteral("<title>Fixture Sales</title>\n"
-                                      "<table name=\"Sales\" location=\"sales\" dll=\"sqlite\">"
-                                      "<property name=\"Database\">sales.db</property></table>\n<query>") +
-                           query.toHtmlEscaped() + QStringLiteral("</query>\n") + extra);
+                       u"<title>Fixture Sales</title>\n"
+                       "<table name=\"Sales\" location=\"sales\" dll=\"sqlite\">"
+                       "<property name=\"Database\">sales.db</property></table>\n<query>"_s +
+                           query.toHtmlEscaped() + u"</query>\n"_s + extra);
 }
 
 } // namespace TestSupport

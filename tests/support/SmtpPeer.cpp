@@ -8,21 +8,23 @@
 #include <QJsonDocument>
 #include <QJsonValue>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace TestSupport {
 
 bool SmtpPeer::start(const QStringList &options)
 {
     m_port = FreePort();
     return m_process.start(DebianPython(),
-                           QStringList{PeerScript(QStringLiteral("smtp_server.py")), QStringLiteral("--port"),
-                                       QString::number(m_port), QStringLiteral("--folder"), m_folder.path()} +
+                           QStringList{PeerScript(u"smtp_server.py"_s), u"--port"_s, QString::number(m_port),
+                                       u"--folder"_s, m_folder.path()} +
                                options,
-                           QStringLiteral("READY"));
+                           u"READY"_s);
 }
 
 QStringList SmtpPeer::messages() const
 {
-    QStringList files = FileNames(m_folder.path(), {QStringLiteral("*.eml")});
+    QStringList files = FileNames(m_folder.path(), {u"*.eml"_s});
     for (QString &file : files)
         file = m_folder.filePath(file);
     return files;
@@ -30,43 +32,43 @@ QStringList SmtpPeer::messages() const
 
 QJsonObject SmtpPeer::envelopeOf(const QString &message)
 {
-    return QJsonDocument::fromJson(ReadFile(message.chopped(4) + QStringLiteral(".json"))).object();
+    return QJsonDocument::fromJson(ReadFile(message.chopped(4) + u".json"_s)).object();
 }
 
 QJsonObject ParseMessage(const QString &path)
 {
     return QJsonDocument::fromJson(
-               ProgramOutput(DebianPython(), {PeerScript(QStringLiteral("mail_parse.py")), path}, 30000))
+               ProgramOutput(DebianPython(), {PeerScript(u"mail_parse.py"_s), path}, 30000))
         .object();
 }
 
 QJsonObject PartOf(const QJsonObject &parsed, int index)
 {
-    return parsed.value(QStringLiteral("parts")).toArray().at(index).toObject();
+    return parsed.value(u"parts"_s).toArray().at(index).toObject();
 }
 
 QStringList PartNames(const QJsonObject &parsed)
 {
     QStringList names;
-    for (const QJsonValue &part : parsed.value(QStringLiteral("parts")).toArray())
-        names.append(part.toObject().value(QStringLiteral("filename")).toString());
+    for (const QJsonValue &part : parsed.value(u"parts"_s).toArray())
+        names.append(part.toObject().value(u"filename"_s).toString());
     return names;
 }
 
 QStringList Recipients(const QString &message)
 {
-    return SmtpPeer::envelopeOf(message).value(QStringLiteral("rcpt_tos")).toVariant().toStringList();
+    return SmtpPeer::envelopeOf(message).value(u"rcpt_tos"_s).toVariant().toStringList();
 }
 
 void ShortMailTimeouts(quint16 remotePort)
 {
-    const QString program = QStringLiteral("QorloSendMail");
-    const QString section = QStringLiteral("Settings");
-    TWReg::SaveSetting(section, QStringLiteral("PersistentSettings"), QStringLiteral("1"), program);
-    TWReg::SaveSetting(section, QStringLiteral("ConnectTimeout"), QStringLiteral("5"), program);
-    TWReg::SaveSetting(section, QStringLiteral("MessageTimeout"), QStringLiteral("5"), program);
-    TWReg::SaveSetting(section, QStringLiteral("ConnectRetry"), QStringLiteral("1"), program);
-    TWReg::SaveSetting(section, QStringLiteral("RemotePort"), QString::number(remotePort), program);
+    const QString program = u"QorloSendMail"_s;
+    const QString section = u"Settings"_s;
+    TWReg::SaveSetting(section, u"PersistentSettings"_s, u"1"_s, program);
+    TWReg::SaveSetting(section, u"ConnectTimeout"_s, u"5"_s, program);
+    TWReg::SaveSetting(section, u"MessageTimeout"_s, u"5"_s, program);
+    TWReg::SaveSetting(section, u"ConnectRetry"_s, u"1"_s, program);
+    TWReg::SaveSetting(section, u"RemotePort"_s, QString::number(remotePort), program);
 }
 
 } // namespace TestSupport

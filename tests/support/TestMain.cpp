@@ -6,6 +6,8 @@
 
 #include <cstdio>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace TestSupport {
 
 namespace {
@@ -28,14 +30,14 @@ quint32 RandomSeed()
 void PrepareEnvironment()
 {
     // Nothing a test starts may write into the home folder of whoever runs it.
-    static QTemporaryDir home(QDir::tempPath() + QStringLiteral("/qorlo-home-XXXXXX"));
+    static QTemporaryDir home(QDir::tempPath() + u"/qorlo-home-XXXXXX"_s);
     const QDir folder(home.path());
     for (const char *name : {".config", ".local/share", ".cache"})
         folder.mkpath(QString::fromLatin1(name));
     qputenv("HOME", QFile::encodeName(home.path()));
-    qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder.filePath(QStringLiteral(".config"))));
-    qputenv("XDG_DATA_HOME", QFile::encodeName(folder.filePath(QStringLiteral(".local/share"))));
-    qputenv("XDG_CACHE_HOME", QFile::encodeName(folder.filePath(QStringLiteral(".cache"))));
+    qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder.filePath(u".config"_s)));
+    qputenv("XDG_DATA_HOME", QFile::encodeName(folder.filePath(u".local/share"_s)));
+    qputenv("XDG_CACHE_HOME", QFile::encodeName(folder.filePath(u".cache"_s)));
     qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 
