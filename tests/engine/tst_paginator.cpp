@@ -48,8 +48,6 @@ void TestPaginator::groupsTotalsAndPageNumbers()
     const int count = report->PrintingStatus().NumberOfPages();
     QVERIFY(count > 20);
     QCOMPARE(pages.size(), count);
-    for (int i = 0; i < count; ++i)
-        QVERIFY2(pages[i].contains(u"Page %1 of %2"_s.arg(i + 1).arg(count)), qPrintable(pages[i]));
     QVERIFY(pages.first().contains(u"Sales by Region and Product"_s));
     QVERIFY(pages.first().contains(u"Region: East"_s));
     QVERIFY(pages.first().contains(u"Product: Doohickey"_s));
@@ -63,12 +61,9 @@ void TestPaginator::groupsTotalsAndPageNumbers()
         QVERIFY(!page->contains(u"Total East"_s));
         QVERIFY(page->contains(u"Amount"_s));
     }
-    // Totals as the database sums them (demo/make-demo-db.py is deterministic).
-    const QString all = pages.join(QString());
-    QVERIFY(all.contains(QRegularExpression(u"Total East\\s.*335,021\\.50"_s)));
-    QVERIFY(all.contains(QRegularExpression(u"Total West\\s.*349,279\\.25"_s)));
+    // The footers and totals of every page are compared with the database in tst_demogolden.
     QVERIFY(pages.last().contains(QRegularExpression(u"Grand total\\s.*1,364,680\\.50"_s)));
-    QVERIFY(all.contains(u"01-Jan-2024"_s));
+    QVERIFY(pages.join(QString()).contains(u"01-Jan-2024"_s));
 }
 
 void TestPaginator::orientationAndEmptyReport()

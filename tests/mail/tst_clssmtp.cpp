@@ -1,10 +1,10 @@
 #include "Files.h"
-#include "MailEvents.h"
 #include "SmtpPeer.h"
 #include "TestMain.h"
 
 #include "core/Ansi.h"
 #include "core/XMLCode.h"
+#include "mail/MailDocument.h"
 #include "mail/clsSMTP.h"
 
 #include <QDir>
@@ -133,25 +133,9 @@ void TestClsSMTP::documentSent()
     // A document always goes out on the client's default port, which these settings point at the peer.
     ShortMailTimeouts(peer.port());
     Mailbox box;
-    for (const QString &name : {u"plain.xml"_s, u"html.xml"_s}) {
-        clsSMTP document;
-        document.Load(box.path(name));
-        clsSendMail mail;
-        MailEvents events(mail);
-        mail.SetSMTPHostValidation(0);
-        mail.SetSMTPHost(document.Server);
-        mail.SetFrom(document.From);
-        mail.SetSubject(document.Subject);
-        mail.SetMessage(document.Body);
-        mail.SetAttachment(document.Attach.split(u"\r\n"_s, Qt::SkipEmptyParts).join(u';'));
-        if (!document.MsgHTML().isEmpty()) {
-            mail.SetMessage(document.MsgHTML());
-            mail.SetAsHTML(true);
-        }
-        mail.SetRecipient(document.To);
-        mail.Send();
-        QVERIFY2(events.succeeded(), qPrintable(events.failures.join(QString())));
-    }
+    QVERIFY(ProcessMailDocument(box.dir.path(), box.path(u"plain.xml"_s)));
+    QVERIFY(ProcessMailDocument(box.dir.path(), box.path(u"html.xml"_s)));
+    QVERIFY(!ProcessMailDocument(box.dir.path(), box.path(u"noroot.xml"_s)));
 
     QCOMPARE(peer.messages().size(), 2);
     const QJsonObject plain = ParseMessage(peer.messages().at(0));
@@ -168,6 +152,8 @@ void TestClsSMTP::documentSent()
     QVERIFY(page.contains(u"<img src=\"cid:chart.png\">"_s));
     QVERIFY(!page.contains(u"Plain text"_s));
     QCOMPARE(PartOf(html, 1).value(u"content_id"_s).toString(), u"<chart.png>"_s);
+    const QString log = Ansi::Decode(ReadFile(box.path(u"SMTP.Log"_s)));
+    QVERIFY2(log.contains(u"Invalid XML document - cannot find QorloMAILDoc"_s), qPrintable(log));
 }
 
 QORLO_TEST_MAIN(TestClsSMTP)
