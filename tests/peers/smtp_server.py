@@ -76,7 +76,8 @@ class Recorder:
         return "250 OK"
 
     async def handle_DATA(self, server, session, envelope):
-        await asyncio.sleep(self.delay)
+        if self.delay:
+            await asyncio.sleep(self.delay)
         self.count += 1
         base = os.path.join(self.folder, "msg%04d" % self.count)
         envelope_info = {
