@@ -100,9 +100,7 @@ void TestAdvance::dialogAnswers()
     QVERIFY(!QFile::exists(app.filePath(u"Qorlo.XML"_s)));
     QCOMPARE(ProcessAdvance(schedule, moment),
              u"2 items in schedule have now been advanced to process after 16-Mar-2026 12:00"_s);
-    QFile saved(app.filePath(u"Qorlo.XML"_s));
-    QVERIFY(saved.open(QIODevice::ReadOnly));
-    QVERIFY(saved.readAll().contains("<NextRun>17-Mar-2026 08:00</NextRun>"));
+    QVERIFY(ReadFile(app.filePath(u"Qorlo.XML"_s)).contains("<NextRun>17-Mar-2026 08:00</NextRun>"));
     QCOMPARE(AnalyseAdvance(schedule, moment),
              u"0 items in schedule will be advanced when you click the process button"_s);
 }

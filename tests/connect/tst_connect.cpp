@@ -24,7 +24,7 @@ private Q_SLOTS:
     void applyTableMap();
 };
 
-using TestSupport::ReadFile;
+using namespace TestSupport;
 
 namespace {
 
@@ -185,12 +185,7 @@ void TestConnect::damagedConnectionFile()
     QCOMPARE(list.Password(), u"Cd!ex"_s);
     QCOMPARE(list.User(), u"\u20ac&#1"_s);
 
-    QFile garbage(app.filePath(u"Connect.XML"_s));
-    QVERIFY(garbage.open(QIODevice::WriteOnly));
-    for (int i = 0; i < 4096; ++i)
-        garbage.write(QByteArray(1, char((i * 7919 + 13) % 256)));
-    garbage.close();
-    list.Load(garbage.fileName());
+    list.Load(WriteFile(app.filePath(u"Connect.XML"_s), RandomBytes(4096)));
     QCOMPARE(list.Count(), qint16(0));
 }
 
@@ -224,22 +219,16 @@ void TestConnect::tableMapFile()
     fresh.Load(path); // adds, as the caller clears first
     QCOMPARE(fresh.Count(), qint16(8));
 
-    QFile old(app.filePath(u"old.XML"_s));
-    QVERIFY(old.open(QIODevice::WriteOnly));
-    old.write("<Schedule>\r\n<Report_Schedule>\r\n  "
-              "<TableMap>\r\n<ReportMapID>3</ReportMapID>\r\n<Other>x</Other>\r\n");
-    old.close();
+    const QString old = WriteFile(app.filePath(u"old.XML"_s),
+                                  "<Schedule>\r\n<Report_Schedule>\r\n  "
+                                  "<TableMap>\r\n<ReportMapID>3</ReportMapID>\r\n<Other>x</Other>\r\n");
     clsMap legacy(app.path());
-    legacy.Load(old.fileName());
+    legacy.Load(old);
     QCOMPARE(legacy.Count(), qint16(1));
     QCOMPARE(legacy.ReportID(), u"3"_s);
 
-    QVERIFY(old.open(QIODevice::WriteOnly));
-    for (int i = 0; i < 4096; ++i)
-        old.write(QByteArray(1, char((i * 104729 + 7) % 256)));
-    old.close();
     legacy.Clear();
-    legacy.Load(old.fileName());
+    legacy.Load(WriteFile(old, RandomBytes(4096)));
     QCOMPARE(legacy.Count(), qint16(0));
 }
 

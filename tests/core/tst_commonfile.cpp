@@ -1,6 +1,7 @@
 #include "core/AppFolder.h"
 #include "core/CommonFile.h"
 #include "core/TWReg.h"
+#include "Files.h"
 #include "TestMain.h"
 
 #include <QDir>
@@ -65,9 +66,8 @@ void TestCommonFile::settingsStore()
 
     TWReg::SaveApplicationValue(u"Scheduler"_s, u"QorloMANAGER"_s);
     QCOMPARE(TWReg::ReadApplicationValue(u"Scheduler"_s), u"QorloMANAGER"_s);
-    QFile file(TWReg::SettingsFolder() + u"/Applications.ini"_s);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QVERIFY(file.readAll().contains("[General]\nScheduler=QorloMANAGER"));
+    QVERIFY(TestSupport::ReadFile(TWReg::SettingsFolder() + u"/Applications.ini"_s)
+                .contains("[General]\nScheduler=QorloMANAGER"));
 
     // A long value is cut at the read buffer.
     TWReg::SaveSetting(u"System"_s, u"Long"_s, QString(300, u'x'));

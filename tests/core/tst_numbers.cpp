@@ -2,6 +2,7 @@
 #include "core/LineReader.h"
 #include "core/Numbers.h"
 #include "core/QorloError.h"
+#include "Files.h"
 #include "TestMain.h"
 
 using namespace Qt::Literals::StringLiterals;
@@ -50,12 +51,7 @@ void TestNumbers::evenRoundingAndOverflow()
         QCOMPARE(e.runTimeText(), u"Run-time error '6': Overflow"_s);
     }
     QVERIFY_THROWS_EXCEPTION(QorloError, ToInt32(2147483648.0));
-    try {
-        TextToInt16(u"abc"_s);
-        QFAIL("text is no number");
-    } catch (const QorloError &e) {
-        QCOMPARE(e.number(), 13);
-    }
+    QCOMPARE(TestSupport::ErrorOf([] { TextToInt16(u"abc"_s); }), 13);
     QCOMPARE(TextToInt16(u" 7 "_s), qint16(7));
 }
 

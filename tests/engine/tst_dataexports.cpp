@@ -36,9 +36,7 @@ private:
     }
     static QByteArray contents(const QString &path)
     {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll()
-                                              : QByteArray("(missing file ") + path.toUtf8() + ')';
+        return QFile::exists(path) ? ReadFile(path) : QByteArray("(missing file ") + path.toUtf8() + ')';
     }
 };
 

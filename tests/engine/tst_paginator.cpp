@@ -1,3 +1,4 @@
+#include "Files.h"
 #include "Peers.h"
 #include "Readers.h"
 #include "TestMain.h"
@@ -34,10 +35,7 @@ private:
         report.ExportOptions().FormatType = PaginatedTextFormat;
         report.ExportOptions().DiskFileName = m_dir.filePath(u"pages.txt"_s);
         report.Export(false);
-        QFile file(report.ExportOptions().DiskFileName);
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        return QString::fromUtf8(file.readAll()).split(u'\f');
+        return QString::fromUtf8(TestSupport::ReadFile(report.ExportOptions().DiskFileName)).split(u'\f');
     }
 };
 

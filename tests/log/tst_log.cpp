@@ -7,7 +7,6 @@
 #include "TestMain.h"
 
 #include <QFile>
-#include <QRandomGenerator>
 #include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
@@ -206,11 +205,7 @@ void TestLog::damagedFiles()
     log.Locate(1);
     QCOMPARE(log.LogText(), u"Part of a li"_s);
 
-    QRandomGenerator random(RandomSeed());
-    QByteArray garbage(64 * 1024, Qt::Uninitialized);
-    for (char &byte : garbage)
-        byte = char(random.bounded(256));
-    WriteFile(log.FileName(), garbage);
+    WriteFile(log.FileName(), RandomBytes(64 * 1024));
     log.Clear();
     log.Load(log.FileName());
     QCOMPARE(log.Count(), qint16(0));

@@ -1,4 +1,5 @@
 // The status pages livestat.htm and logstat.htm, compared line by line with hand-written pages.
+#include "Files.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 #include "core/Ansi.h"
@@ -185,9 +186,7 @@ void TestStatusPages::pageText()
     schedule.LastReport = u"Caf\u00e9 \u20ac"_s;
     schedule.LastReportMsg = u"\u03a9 "_s + QString::fromUcs4(U"\U0001F600");
     SaveWeb(schedule, false, D(2026, 3, 19));
-    QFile file(Page("livestat.htm"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArray bytes = file.readAll();
+    const QByteArray bytes = TestSupport::ReadFile(Page("livestat.htm"));
     QVERIFY(bytes.contains("Most recent report was Caf\xe9 \x80(Report ID=)</br>\r\n"));
     QVERIFY(bytes.contains("<i>&#937; &#128512;</i></p>\r\n"));
 }

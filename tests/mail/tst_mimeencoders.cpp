@@ -1,8 +1,7 @@
 #include "mail/MailAddress.h"
 #include "mail/MimeEncoders.h"
+#include "Files.h"
 #include "TestMain.h"
-
-#include <QRandomGenerator>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -25,11 +24,8 @@ void TestMimeEncoders::base64LinesAndPadding()
     QCOMPARE(EncodeBase64Bytes(QByteArray()), QByteArray("\r\n"));
     QCOMPARE(EncodeBase64Bytes("M"), QByteArray("TQ==\r\n"));
     QCOMPARE(EncodeBase64Bytes("Ma"), QByteArray("TWE=\r\n"));
-    QRandomGenerator random(TestSupport::RandomSeed());
     for (const int size : {56, 57, 58, 114, 11400, 11401}) {
-        QByteArray bytes(size, '\0');
-        for (char &b : bytes)
-            b = char(random.bounded(256));
+        const QByteArray bytes = TestSupport::RandomBytes(size);
         const QByteArray encoded = EncodeBase64Bytes(bytes);
         QVERIFY(encoded.endsWith("\r\n"));
         QVERIFY(!encoded.endsWith("\r\n\r\n"));

@@ -9,7 +9,6 @@
 #include <QCryptographicHash>
 #include <QElapsedTimer>
 #include <QJsonArray>
-#include <QRandomGenerator>
 #include <QRegularExpression>
 #include <QSettings>
 
@@ -161,10 +160,7 @@ void TestSendMail::attachmentsAndEncodedNames()
 {
     SmtpPeer peer;
     QORLO_REQUIRE_PEER(peer.start(), peer.error());
-    QRandomGenerator random(RandomSeed());
-    QByteArray big(3 * 1024 * 1024, '\0');
-    for (char &b : big)
-        b = char(random.bounded(256));
+    const QByteArray big = RandomBytes(3 * 1024 * 1024);
     QByteArray small(57, '\0');
     for (int i = 0; i < small.size(); ++i)
         small[i] = char(200 + i % 50);

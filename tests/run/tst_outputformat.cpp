@@ -172,20 +172,12 @@ void TestOutputFormat::separatedAndTextOptions()
 
     // Settings that are no numbers unwind: the step runs with the trap off.
     m_objects->schedule.Text_FormatCPI = u"ten"_s;
-    try {
-        SetOutputFormat(m_objects->run, *m_report, u"Text File"_s);
-        QFAIL("a CPI setting that is no number must fail");
-    } catch (const QorloError &error) {
-        QCOMPARE(error.number(), int(QorloError::TypeMismatch));
-    }
+    QCOMPARE(ErrorOf([&] { SetOutputFormat(m_objects->run, *m_report, u"Text File"_s); }),
+             int(QorloError::TypeMismatch));
     m_objects->schedule.Text_FormatCPI.clear();
     m_objects->schedule.Text_FormatPage = u"40000"_s;
-    try {
-        SetOutputFormat(m_objects->run, *m_report, u"Paginated Text"_s);
-        QFAIL("a line count beyond 16 bits must fail");
-    } catch (const QorloError &error) {
-        QCOMPARE(error.number(), int(QorloError::Overflow));
-    }
+    QCOMPARE(ErrorOf([&] { SetOutputFormat(m_objects->run, *m_report, u"Paginated Text"_s); }),
+             int(QorloError::Overflow));
 }
 
 void TestOutputFormat::htmlFileNames()
@@ -223,9 +215,7 @@ void TestOutputFormat::htmlFileNames()
     }
 
     // A folder that cannot be made unwinds, whatever the delivery.
-    QFile blocker(appFile(u"blocker"_s));
-    QVERIFY(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
+    WriteFile(appFile(u"blocker"_s), QByteArray());
     m_objects->schedule.SetLocation(appFile(u"blocker/sub/page.html"_s));
     QVERIFY_THROWS_EXCEPTION(QorloError, SetOutputFormat(m_objects->run, *m_report, u"HTML Document"_s));
 }
@@ -238,9 +228,7 @@ void TestOutputFormat::exportsWithChosenSettings()
     options.DiskFileName = appFile(u"sales."_s + m_objects->state.OutputExtension);
     m_report->Export(false);
 
-    QFile file(appFile(u"sales.csv"_s));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(u"\r\n"_s);
+    const QStringList lines = QString::fromUtf8(ReadFile(appFile(u"sales.csv"_s))).split(u"\r\n"_s);
     QCOMPARE(lines.value(0), u"'No'|'Customer'|'Amount'"_s);
     QCOMPARE(lines.value(1), u"1|'Acme Ltd'|120.50"_s);
     QCOMPARE(lines.value(3), u"3|'O''Brien \"Tools\"'|1,500.25"_s);

@@ -139,16 +139,11 @@ void TestPrintReport::engineFailureGoesToTrap()
     const bool armedFailed = m_objects->state.trap.IsSet();
     const int code = m_objects->state.trap.Code();
     m_objects->state.trap.Disarm();
-    bool unwound = false;
-    try {
-        PrintReport(m_objects->run, *m_report, Printer, 1);
-    } catch (const QorloError &error) {
-        unwound = error.number() == EngineError::PrintFailed;
-    }
+    const int unwound = ErrorOf([&] { PrintReport(m_objects->run, *m_report, Printer, 1); });
     QVERIFY(RunTool(u"cupsaccept"_s, {Printer}));
     QVERIFY(armedFailed);
     QCOMPARE(code, int(EngineError::PrintFailed));
-    QVERIFY(unwound);
+    QCOMPARE(unwound, int(EngineError::PrintFailed));
     QCOMPARE(logCount(), entries);
     QCOMPARE(m_report->PrintingStatus().Progress(), int(ProgressFailed));
 }

@@ -319,12 +319,7 @@ void TestReportMail::mailPause()
         u"   Now waiting for 1 seconds before processing any more mail messages\r\n"_s));
     // 33 seconds are 33000 ms, past the 16-bit range: the overflow reaches the caller after the log line.
     schedule.SMTPDelay = 33;
-    try {
-        MailPause(schedule);
-        QFAIL("no overflow");
-    } catch (const QorloError &error) {
-        QCOMPARE(error.number(), int(QorloError::Overflow));
-    }
+    QCOMPARE(ErrorOf([&] { MailPause(schedule); }), int(QorloError::Overflow));
     QVERIFY(SmtpLog::SmtpLogBuffer().endsWith(
         u"   Now waiting for 33 seconds before processing any more mail messages\r\n"_s));
 }

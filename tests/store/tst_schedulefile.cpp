@@ -678,10 +678,7 @@ void TestScheduleFile::binaryGarbage()
 {
     QRandomGenerator random(RandomSeed());
     for (int round = 0; round < 20; ++round) {
-        QByteArray garbage(32 * 1024, Qt::Uninitialized);
-        for (char &c : garbage)
-            c = char(random.bounded(256));
-        WriteFile(path(u"garbage.XML"_s), garbage);
+        WriteFile(path(u"garbage.XML"_s), RandomBytes(32 * 1024));
         clsSchedule s(m_dir->path());
         QCOMPARE(ErrorOf([&] { s.Load(path(u"garbage.XML"_s)); }), 0);
     }

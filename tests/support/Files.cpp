@@ -1,5 +1,6 @@
 #include "Files.h"
 
+#include "TestMain.h"
 #include "core/Ansi.h"
 
 #include <QCoreApplication>
@@ -7,6 +8,7 @@
 #include <QDir>
 #include <QFile>
 #include <QProcess>
+#include <QRandomGenerator>
 #include <QThread>
 
 using namespace Qt::Literals::StringLiterals;
@@ -33,6 +35,15 @@ QString WriteLines(const QString &path, const QStringList &lines)
     for (const QString &line : lines)
         bytes += Ansi::Encode(line + u"\r\n"_s);
     return WriteFile(path, bytes);
+}
+
+QByteArray RandomBytes(qsizetype size)
+{
+    static QRandomGenerator random(RandomSeed());
+    QByteArray bytes(size, Qt::Uninitialized);
+    for (char &byte : bytes)
+        byte = char(random.bounded(256));
+    return bytes;
 }
 
 QString WriteScript(const QString &path, const QByteArray &body)
@@ -65,16 +76,6 @@ QByteArray ProgramOutput(const QString &program, const QStringList &arguments, i
     QByteArray output;
     RunProgram(program, arguments, &output, timeoutMs);
     return output;
-}
-
-int ErrorOf(const std::function<void()> &call)
-{
-    try {
-        call();
-    } catch (const QorloError &error) {
-        return error.number();
-    }
-    return 0;
 }
 
 bool WaitUntil(const std::function<bool()> &done, int ms)

@@ -17,6 +17,8 @@ QByteArray ReadFile(const QString &path);
 QString WriteFile(const QString &path, const QByteArray &bytes);
 // One line a text, each ended by CR LF, in Windows-1252: the form of the program's list files.
 QString WriteLines(const QString &path, const QStringList &lines);
+// Bytes from the test's random generator, which starts from the run's seed (TestMain.h).
+QByteArray RandomBytes(qsizetype size);
 // An executable shell script with the given body.
 QString WriteScript(const QString &path, const QByteArray &body);
 // The names of the files in the folder, sorted.
@@ -28,8 +30,16 @@ bool RunProgram(const QString &program, const QStringList &arguments, QByteArray
 // The standard output of a reader program; empty when it failed.
 QByteArray ProgramOutput(const QString &program, const QStringList &arguments, int timeoutMs = 60000);
 
-// The number of the QorloError the call raises, 0 if none.
-int ErrorOf(const std::function<void()> &call);
+// The number of the error (a QorloError, or the engine's error) the call raises, 0 if none.
+template <class Error = QorloError, class Call> int ErrorOf(Call &&call)
+{
+    try {
+        call();
+    } catch (const Error &error) {
+        return error.number();
+    }
+    return 0;
+}
 
 // Pumps events until `done` holds or `ms` have passed; the final answer of `done`. Check it: a wait
 // that runs out is a failure.

@@ -473,10 +473,7 @@ void TestFrmMain::smtpLogViewer()
     QVERIFY(viewer && viewer->isVisible());
     auto *text = viewer->findChild<QPlainTextEdit *>(u"txtView"_s);
     QVERIFY(text->toPlainText().startsWith(u"Cannot read "_s));
-    QFile log(f.path(u"SMTP.Log"_s));
-    QVERIFY(log.open(QIODevice::WriteOnly));
-    log.write("09:00   Caf\xe9 report message sent to boss@example.com\r\n");
-    log.close();
+    WriteFile(f.path(u"SMTP.Log"_s), "09:00   Caf\xe9 report message sent to boss@example.com\r\n");
     f.trigger("mnuViewSMTP");
     QCOMPARE(text->toPlainText(), u"09:00   Caf\u00e9 report message sent to boss@example.com\n"_s);
     QVERIFY(text->isReadOnly());
