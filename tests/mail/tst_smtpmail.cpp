@@ -16,6 +16,19 @@ using namespace Qt::Literals::StringLiterals;
 using namespace SmtpLog;
 using namespace TestSupport;
 
+namespace {
+
+// A new message from the schedule's sender to `to`.
+void StartMessage(frmSMTPSendMail &sender, const clsSchedule &schedule, const QString &to)
+{
+    sender.StartMail();
+    sender.MailServer = schedule.SMTP_Server;
+    sender.MailFrom = schedule.SMTP_From;
+    sender.MailTo = to;
+}
+
+} // namespace
+
 class TestSmtpMail : public QObject
 {
     Q_OBJECT
@@ -58,10 +71,8 @@ void TestSmtpMail::textBodyAndMissingFiles()
     StartSmtpLog(u"Send Report: Sales"_s);
 
     frmSMTPSendMail sender(app.schedule, app.log);
-    sender.StartMail();
-    sender.MailServer = app.schedule.SMTP_Server;
+    StartMessage(sender, app.schedule, u"boss@example.com"_s);
     sender.MailFrom = u"desk@example.com"_s;
-    sender.MailTo = u"boss@example.com"_s;
     sender.MailSubject = u"Figures"_s;
     sender.AppendTextMsg(u"Hello"_s);
     sender.AppendTextFile(text);
@@ -110,10 +121,7 @@ void TestSmtpMail::htmlFolderWithImages()
     app.writeFile(u"SMTP/sales2.html"_s, "<html>page two</html>\r\n");
 
     frmSMTPSendMail sender(app.schedule, app.log);
-    sender.StartMail();
-    sender.MailServer = app.schedule.SMTP_Server;
-    sender.MailFrom = app.schedule.SMTP_From;
-    sender.MailTo = u"boss@example.com"_s;
+    StartMessage(sender, app.schedule, u"boss@example.com"_s);
     sender.MailFormat = u"HTML"_s;
     sender.AppendHTMLFolder(QString(), page);
     sender.AppendHTMLFolder(app.path(u"nowhere/x.html"_s), page);
@@ -160,10 +168,7 @@ void TestSmtpMail::scheduleSettingsAndExpansion()
         expanded.append(text);
         return text + u" [x]"_s;
     });
-    sender.StartMail();
-    sender.MailServer = app.schedule.SMTP_Server;
-    sender.MailFrom = app.schedule.SMTP_From;
-    sender.MailTo = u"boss@example.com"_s;
+    StartMessage(sender, app.schedule, u"boss@example.com"_s);
     sender.MailCc = u"cc1@example.com;cc2@example.com"_s;
     sender.MailBcc = u"hidden@example.com"_s;
     sender.MailSubject = u"Week"_s;
@@ -187,10 +192,7 @@ void TestSmtpMail::scheduleSettingsAndExpansion()
     // persistent settings, so the test puts it back first.
     TWReg::SaveSetting(u"Settings"_s, u"UseAuthentication"_s, u"False"_s, u"QorloSendMail"_s);
     app.schedule.SMTPAuthentication = u"yes"_s;
-    sender.StartMail();
-    sender.MailServer = app.schedule.SMTP_Server;
-    sender.MailFrom = app.schedule.SMTP_From;
-    sender.MailTo = u"boss@example.com"_s;
+    StartMessage(sender, app.schedule, u"boss@example.com"_s);
     sender.SendMail();
     QCOMPARE(peer.messages().size(), 2);
     QVERIFY(SmtpPeer::envelopeOf(peer.messages().last()).value(u"login"_s).isNull());
@@ -202,10 +204,7 @@ void TestSmtpMail::failedSendIsLogged()
     QORLO_REQUIRE_PEER(peer.start({u"--refuse-rcpt"_s}), peer.error());
     MailApp app(peer.port());
     frmSMTPSendMail sender(app.schedule, app.log);
-    sender.StartMail();
-    sender.MailServer = app.schedule.SMTP_Server;
-    sender.MailFrom = app.schedule.SMTP_From;
-    sender.MailTo = u"nobody@example.com"_s;
+    StartMessage(sender, app.schedule, u"nobody@example.com"_s);
     sender.SendMail();
     sender.CloseForm();
 
@@ -217,10 +216,7 @@ void TestSmtpMail::failedSendIsLogged()
              QStringList{u"7|Sales: Error Sending Email ("_s + failure + u")|02-Mar-2026 06:00"_s});
 
     // A refused address stops the message before any connection, and is logged the same way.
-    sender.StartMail();
-    sender.MailServer = app.schedule.SMTP_Server;
-    sender.MailFrom = app.schedule.SMTP_From;
-    sender.MailTo = u"not an address"_s;
+    StartMessage(sender, app.schedule, u"not an address"_s);
     sender.SendMail();
     QCOMPARE(app.logEntries().size(), 2);
     QVERIFY(app.logEntries().last().contains(u"(Missing or Invalid Recipient E-mail Address\r\n)"_s));
