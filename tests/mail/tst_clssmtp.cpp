@@ -129,7 +129,7 @@ void TestClsSMTP::locksAndBadDocuments()
 void TestClsSMTP::documentSent()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
+    QORLO_START_PEER(peer.start(), peer);
     // A document always goes out on the client's default port, which these settings point at the peer.
     ShortMailTimeouts(peer.port());
     Mailbox box;

@@ -251,11 +251,10 @@ void TestMXQuery::dnsmasqRecords()
     QORLO_REQUIRE_PEER(!FindProgram(u"dnsmasq"_s).isEmpty(), u"dnsmasq"_s);
     const quint16 port = FreeUdpPort();
     PeerProcess peer;
-    QORLO_REQUIRE_PEER(
-        StartDnsPeer(peer, port,
-                     {u"--local=/example.com/"_s, u"--mx-host=example.com,mx1.example.com,10"_s,
-                      u"--mx-host=example.com,mx2.example.com,20"_s}),
-        peer.error());
+    QORLO_START_PEER(StartDnsPeer(peer, port,
+                                  {u"--local=/example.com/"_s, u"--mx-host=example.com,mx1.example.com,10"_s,
+                                   u"--mx-host=example.com,mx2.example.com,20"_s}),
+                     peer);
     useServer(port);
     // dnsmasq lists the preference-20 record first and spells the exchange names out without a pointer:
     // the walk, built for compressed names, stops after that first record.
@@ -272,7 +271,7 @@ void TestMXQuery::dnsmasqRecords()
 void TestMXQuery::sendThroughMXHost()
 {
     SmtpPeer smtp;
-    QORLO_REQUIRE_PEER(smtp.start(), smtp.error());
+    QORLO_START_PEER(smtp.start(), smtp);
     CraftedDns dns([](const QByteArray &query) -> QByteArray {
         return Reply(query, 1) + Record(kQuestionPointer, 15, Mx(5, Labels(u"127.0.0.1"_s) + '\0'));
     });

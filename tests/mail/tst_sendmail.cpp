@@ -68,7 +68,7 @@ QString TestSendMail::writeFile(const QString &name, const QByteArray &bytes)
 void TestSendMail::plainMessage()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
+    QORLO_START_PEER(peer.start(), peer);
     const OffsetClock clock(QDateTime(QDate(2026, 3, 1), QTime(14, 5, 0)));
     const ClockGuard guard(clock);
     clsSendMail mail;
@@ -122,7 +122,7 @@ void TestSendMail::plainMessage()
 void TestSendMail::htmlWithRelatedImages()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
+    QORLO_START_PEER(peer.start(), peer);
     const QByteArray png = QByteArray::fromHex("89504e470d0a1a0a") + QByteArray(300, '\x7f');
     const QString logo = writeFile(u"logo.png"_s, png);
     const QString data = writeFile(u"data.csv"_s, "a;b\r\n1;2\r\n");
@@ -159,7 +159,7 @@ void TestSendMail::htmlWithRelatedImages()
 void TestSendMail::attachmentsAndEncodedNames()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
+    QORLO_START_PEER(peer.start(), peer);
     const QByteArray big = RandomBytes(3 * 1024 * 1024);
     QByteArray small(57, '\0');
     for (int i = 0; i < small.size(); ++i)
@@ -220,7 +220,7 @@ void TestSendMail::attachmentsAndEncodedNames()
 void TestSendMail::uuencodeWithOnlyBcc()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
+    QORLO_START_PEER(peer.start(), peer);
     const QString file = writeFile(u"notes.txt"_s, QByteArray(100, 'n'));
     clsSendMail mail;
     MailEvents events(mail);
@@ -252,7 +252,7 @@ void TestSendMail::uuencodeWithOnlyBcc()
 void TestSendMail::keptConnection()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
+    QORLO_START_PEER(peer.start(), peer);
     clsSendMail mail;
     MailEvents events(mail);
     AimAt(mail, peer.port());
@@ -270,7 +270,7 @@ void TestSendMail::keptConnection()
 void TestSendMail::authentication()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start({u"--user"_s, u"alice"_s, u"--password"_s, u"s3cret"_s}), peer.error());
+    QORLO_START_PEER(peer.start({u"--user"_s, u"alice"_s, u"--password"_s, u"s3cret"_s}), peer);
     const auto send = [&](const QString &password, clsSendMail &mail) {
         AimAt(mail, peer.port());
         mail.SetUseAuthentication(true);
@@ -304,7 +304,7 @@ void TestSendMail::authentication()
         QCOMPARE(peer.messages().size(), 1);
     }
     SmtpPeer plain;
-    QORLO_REQUIRE_PEER(plain.start(), plain.error());
+    QORLO_START_PEER(plain.start(), plain);
     clsSendMail mail;
     MailEvents events(mail);
     AimAt(mail, plain.port());
@@ -317,7 +317,7 @@ void TestSendMail::authentication()
 void TestSendMail::serverRefusals()
 {
     SmtpPeer refusing;
-    QORLO_REQUIRE_PEER(refusing.start({u"--refuse-rcpt"_s}), refusing.error());
+    QORLO_START_PEER(refusing.start({u"--refuse-rcpt"_s}), refusing);
     {
         clsSendMail mail;
         MailEvents events(mail);
@@ -331,7 +331,7 @@ void TestSendMail::serverRefusals()
         QVERIFY(refusing.messages().isEmpty());
     }
     SmtpPeer closing;
-    QORLO_REQUIRE_PEER(closing.start({u"--close-in-data"_s}), closing.error());
+    QORLO_START_PEER(closing.start({u"--close-in-data"_s}), closing);
     {
         const QString big = writeFile(u"closing.bin"_s, QByteArray(2 * 1024 * 1024, 'c'));
         clsSendMail mail;
@@ -355,7 +355,7 @@ void TestSendMail::serverRefusals()
 void TestSendMail::silentServerAndMidnight()
 {
     SmtpPeer silent;
-    QORLO_REQUIRE_PEER(silent.start({u"--silent"_s}), silent.error());
+    QORLO_START_PEER(silent.start({u"--silent"_s}), silent);
     const QString timeout = u"Timeout occurred: The SMTP Host did not respond to the request\r\n"_s;
     {
         clsSendMail mail;

@@ -49,10 +49,9 @@ void TestSendMailSecure::pop3BeforeSmtp()
     const quint16 popPort = FreePort();
     PeerProcess dovecot;
     QORLO_REQUIRE_PEER(!FindProgram(u"dovecot"_s).isEmpty(), u"dovecot"_s);
-    QORLO_REQUIRE_PEER(StartPop3Peer(dovecot, popFolder.path(), popPort, u"carol"_s, u"pop-pass"_s),
-                       dovecot.error());
+    QORLO_START_PEER(StartPop3Peer(dovecot, popFolder.path(), popPort, u"carol"_s, u"pop-pass"_s), dovecot);
     SmtpPeer smtp;
-    QORLO_REQUIRE_PEER(smtp.start(), smtp.error());
+    QORLO_START_PEER(smtp.start(), smtp);
     const auto send = [&](const QString &password, clsSendMail &mail) {
         prepare(mail, smtp.port());
         mail.SetUsePopAuthentication(true);
@@ -84,9 +83,9 @@ void TestSendMailSecure::pop3BeforeSmtp()
 void TestSendMailSecure::startTls()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start({u"--starttls"_s, m_certificate, m_key, u"--user"_s, u"dave"_s,
-                                   u"--password"_s, u"tls-pass"_s}),
-                       peer.error());
+    QORLO_START_PEER(peer.start({u"--starttls"_s, m_certificate, m_key, u"--user"_s, u"dave"_s,
+                                 u"--password"_s, u"tls-pass"_s}),
+                     peer);
     clsSendMail mail;
     MailEvents events(mail);
     prepare(mail, peer.port());
@@ -114,7 +113,7 @@ void TestSendMailSecure::startTls()
 void TestSendMailSecure::implicitTls()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start({u"--tls"_s, m_certificate, m_key}), peer.error());
+    QORLO_START_PEER(peer.start({u"--tls"_s, m_certificate, m_key}), peer);
     clsSendMail mail;
     MailEvents events(mail);
     prepare(mail, peer.port());
@@ -134,9 +133,8 @@ void TestSendMailSecure::untrustedCertificate()
 {
     for (const QString &mode : {u"TLS"_s, u"STARTTLS"_s}) {
         SmtpPeer peer;
-        QORLO_REQUIRE_PEER(
-            peer.start({mode == u"TLS"_s ? u"--tls"_s : u"--starttls"_s, m_certificate, m_key}),
-            peer.error());
+        QORLO_START_PEER(peer.start({mode == u"TLS"_s ? u"--tls"_s : u"--starttls"_s, m_certificate, m_key}),
+                         peer);
         clsSendMail mail;
         MailEvents events(mail);
         prepare(mail, peer.port());

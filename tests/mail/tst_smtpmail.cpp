@@ -64,7 +64,7 @@ void TestSmtpMail::smtpLogBuffer()
 void TestSmtpMail::textBodyAndMissingFiles()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
+    QORLO_START_PEER(peer.start(), peer);
     MailApp app(peer.port());
     const QString text = app.writeFile(u"report.txt"_s, "Region|Amount\r\nNorth|10\r\n");
     const QString sheet = app.writeFile(u"figures.xls"_s, QByteArray(300, 'x'));
@@ -111,7 +111,7 @@ void TestSmtpMail::textBodyAndMissingFiles()
 void TestSmtpMail::htmlFolderWithImages()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
+    QORLO_START_PEER(peer.start(), peer);
     MailApp app(peer.port());
     QDir(app.appPath).mkdir(u"SMTP"_s);
     const QString page = app.writeFile(
@@ -158,7 +158,7 @@ void TestSmtpMail::htmlFolderWithImages()
 void TestSmtpMail::scheduleSettingsAndExpansion()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start({u"--user"_s, u"mailer"_s, u"--password"_s, u"s3cret"_s}), peer.error());
+    QORLO_START_PEER(peer.start({u"--user"_s, u"mailer"_s, u"--password"_s, u"s3cret"_s}), peer);
     MailApp app(peer.port());
     app.schedule.SMTPAuthentication = u"Yes"_s;
     app.schedule.SMTPUser = u"mailer"_s;
@@ -201,7 +201,7 @@ void TestSmtpMail::scheduleSettingsAndExpansion()
 void TestSmtpMail::failedSendIsLogged()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start({u"--refuse-rcpt"_s}), peer.error());
+    QORLO_START_PEER(peer.start({u"--refuse-rcpt"_s}), peer);
     MailApp app(peer.port());
     frmSMTPSendMail sender(app.schedule, app.log);
     StartMessage(sender, app.schedule, u"nobody@example.com"_s);

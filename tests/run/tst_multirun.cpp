@@ -205,7 +205,7 @@ void TestMultiRun::diskLines()
 void TestMultiRun::mailLines()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
+    QORLO_START_PEER(peer.start(), peer);
     ShortMailTimeouts(peer.port());
     MultiApp app(peer.port());
     app.schedule.SetRptSubject(u"Sales {?Region}"_s);

@@ -88,6 +88,7 @@ void TestReportMail::initTestCase()
 {
     ShortMailTimeouts();
     m_peerUp = m_peer.start();
+    QVERIFY2(m_peerUp || !m_peer.timedOut(), qPrintable(m_peer.error()));
     WriteDatabase(m_reports.filePath(u"sales.db"_s));
     m_report = m_engine.OpenReport(WriteFile(m_reports.filePath(u"sales.rpt"_s), kReport));
     Engine::ParameterFieldDefinition &region = m_report->ParameterFields().Item(1);

@@ -156,7 +156,7 @@ void TestRunReport::runsThatEndEarly()
 void TestRunReport::mailAndPrinters()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
+    QORLO_START_PEER(peer.start(), peer);
     ShortMailTimeouts(peer.port());
     RunApp mailed(peer.port());
     mailed.schedule.SetDest(u"E"_s);

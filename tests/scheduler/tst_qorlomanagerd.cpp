@@ -73,7 +73,7 @@ struct Installation
 void TestQorloManagerd::runsAsAService()
 {
     SmtpPeer smtp;
-    QORLO_REQUIRE_PEER(smtp.start(), smtp.error());
+    QORLO_START_PEER(smtp.start(), smtp);
     Installation installed(smtp.port());
     const double now = Now();
     clsSchedule schedule(installed.app.path());

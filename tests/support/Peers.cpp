@@ -58,6 +58,7 @@ bool PeerProcess::start(const QString &program, const QStringList &arguments, co
     m_process->setProcessChannelMode(QProcess::SeparateChannels);
     if (!environment.isEmpty())
         m_process->setProcessEnvironment(environment);
+    m_timedOut = false;
     m_process->start(program, arguments);
     if (!m_process->waitForStarted(timeoutMs)) {
         m_error = program + u": "_s + m_process->errorString();
@@ -75,6 +76,7 @@ bool PeerProcess::start(const QString &program, const QStringList &arguments, co
         if (m_process->state() == QProcess::NotRunning)
             break;
     }
+    m_timedOut = m_process->state() != QProcess::NotRunning;
     m_error = program + u" did not become ready: "_s +
               QString::fromLocal8Bit(seen + m_process->readAllStandardError());
     return false;

@@ -16,6 +16,7 @@ public:
     // Starts the peer on a free port with smtp_server.py's options (--user, --refuse-rcpt, --delay, ...).
     bool start(const QStringList &options = {});
     QString error() const { return m_process.error(); }
+    bool timedOut() const { return m_process.timedOut(); }
     quint16 port() const { return m_port; }
     // The recorded messages, oldest first.
     QStringList messages() const;
