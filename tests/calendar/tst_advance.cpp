@@ -1,11 +1,15 @@
 // Advance: moving the schedule's run times past a chosen moment, and the Advance dialog's answers.
-#include "CalendarTestSupport.h"
+#include "Files.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 #include "calendar/AdvanceSchedule.h"
 #include "store/clsSchedule.h"
 
 #include <QTemporaryDir>
+
+using namespace Qt::Literals::StringLiterals;
+
+using namespace TestSupport;
 
 namespace {
 
@@ -26,10 +30,10 @@ void Fill(clsSchedule &schedule)
 {
     for (const auto &item : kItems) {
         schedule.AddNew();
-        schedule.SetSchedule(L("Y"));
-        schedule.SetNextRun(L(item[0]));
-        schedule.SetFrequency(L(item[1]));
-        schedule.SetFreqTimes(L(item[2]));
+        schedule.SetSchedule(u"Y"_s);
+        schedule.SetNextRun(QString::fromLatin1(item[0]));
+        schedule.SetFrequency(QString::fromLatin1(item[1]));
+        schedule.SetFreqTimes(QString::fromLatin1(item[2]));
     }
 }
 
@@ -38,7 +42,7 @@ QString Column(const clsSchedule &schedule, int column)
     QStringList cells;
     for (int row = 0; row < schedule.Count(); ++row)
         cells.append(schedule.Cell(row, column));
-    return cells.join(QLatin1Char('|'));
+    return cells.join(u'|');
 }
 
 } // namespace
@@ -72,8 +76,8 @@ void TestAdvance::countAndApply()
     AdvanceSchedule(schedule, D(2026, 3, 16, 12, 0), true, count);
     QCOMPARE(count, 2);
     QCOMPARE(Column(schedule, clsSchedule::colNextRun),
-             L("17-Mar-2026 08:00|20-Mar-2026 08:00||next week|||30-Apr-2026 06:00|"));
-    QCOMPARE(Column(schedule, clsSchedule::colSchedule), L("Y|Y|Y|Y|N|N|Y|Y"));
+             u"17-Mar-2026 08:00|20-Mar-2026 08:00||next week|||30-Apr-2026 06:00|"_s);
+    QCOMPARE(Column(schedule, clsSchedule::colSchedule), u"Y|Y|Y|Y|N|N|Y|Y"_s);
     QCOMPARE(schedule.Position(), 6); // the last row treated
 
     // A moment in the past counts nothing and moves only what steps from the present moment.
@@ -82,7 +86,7 @@ void TestAdvance::countAndApply()
     AdvanceSchedule(past, D(2026, 3, 1), true, count);
     QCOMPARE(count, 0);
     QCOMPARE(Column(past, clsSchedule::colNextRun),
-             L("10-Mar-2026 08:00|20-Mar-2026 08:00||next week|||30-Apr-2026 06:00|"));
+             u"10-Mar-2026 08:00|20-Mar-2026 08:00||next week|||30-Apr-2026 06:00|"_s);
 }
 
 void TestAdvance::dialogAnswers()
@@ -92,15 +96,13 @@ void TestAdvance::dialogAnswers()
     Fill(schedule);
     const double moment = D(2026, 3, 16, 12, 0);
     QCOMPARE(AnalyseAdvance(schedule, moment),
-             L("2 items in schedule will be advanced when you click the process button"));
-    QVERIFY(!QFile::exists(app.filePath(L("Qorlo.XML"))));
+             u"2 items in schedule will be advanced when you click the process button"_s);
+    QVERIFY(!QFile::exists(app.filePath(u"Qorlo.XML"_s)));
     QCOMPARE(ProcessAdvance(schedule, moment),
-             L("2 items in schedule have now been advanced to process after 16-Mar-2026 12:00"));
-    QFile saved(app.filePath(L("Qorlo.XML")));
-    QVERIFY(saved.open(QIODevice::ReadOnly));
-    QVERIFY(saved.readAll().contains("<NextRun>17-Mar-2026 08:00</NextRun>"));
+             u"2 items in schedule have now been advanced to process after 16-Mar-2026 12:00"_s);
+    QVERIFY(ReadFile(app.filePath(u"Qorlo.XML"_s)).contains("<NextRun>17-Mar-2026 08:00</NextRun>"));
     QCOMPARE(AnalyseAdvance(schedule, moment),
-             L("0 items in schedule will be advanced when you click the process button"));
+             u"0 items in schedule will be advanced when you click the process button"_s);
 }
 
 QORLO_TEST_MAIN(TestAdvance)

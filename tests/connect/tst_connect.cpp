@@ -3,11 +3,14 @@
 #include "core/LineReader.h"
 #include "core/QorloError.h"
 #include "core/XMLCode.h"
+#include "Files.h"
 #include "TestMain.h"
 
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+
+using namespace Qt::Literals::StringLiterals;
 
 class TestConnect : public QObject
 {
@@ -21,13 +24,9 @@ private Q_SLOTS:
     void applyTableMap();
 };
 
-namespace {
+using namespace TestSupport;
 
-QByteArray ReadAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+namespace {
 
 void AddConnection(clsConnect &list, const QString &dll, const QString &server, const QString &db,
                    const QString &user, const QString &password)
@@ -48,7 +47,7 @@ QStringList DecodedLines(const QString &path)
     while (!reader.atEnd()) {
         QString line = reader.readLine();
         const QString tag = XMLCode::LineTag(line);
-        if (tag == QLatin1String("<ConnectPassword>") || tag == QLatin1String("<Connection_Password>"))
+        if (tag == u"<ConnectPassword>"_s || tag == u"<Connection_Password>"_s)
             line = tag + XMLCode::DecodeText(XMLCode::TagValue(line));
         lines.append(line);
     }
@@ -61,27 +60,23 @@ void TestConnect::findAndDelete()
 {
     QTemporaryDir app;
     clsConnect list(app.path());
-    QVERIFY(!list.Find(QStringLiteral("odbc"), QStringLiteral("db"), QStringLiteral("Sales")));
+    QVERIFY(!list.Find(u"odbc"_s, u"db"_s, u"Sales"_s));
     QCOMPARE(list.Cursor(), qint16(-1));
 
-    AddConnection(list, QString(), QStringLiteral("db"), QStringLiteral("Sales"), QStringLiteral("first"),
-                  QString());
-    AddConnection(list, QStringLiteral("psql"), QStringLiteral("db"), QStringLiteral("Sales"),
-                  QStringLiteral("second"), QString());
-    AddConnection(list, QStringLiteral("psql"), QStringLiteral("pg"), QStringLiteral("HR"),
-                  QStringLiteral("hr"), QString());
+    AddConnection(list, QString(), u"db"_s, u"Sales"_s, u"first"_s, QString());
+    AddConnection(list, u"psql"_s, u"db"_s, u"Sales"_s, u"second"_s, QString());
+    AddConnection(list, u"psql"_s, u"pg"_s, u"HR"_s, u"hr"_s, QString());
     // A row without a driver serves every driver; an empty driver asked for is compared like any text.
-    QVERIFY(list.Find(QStringLiteral("odbc"), QStringLiteral("db"), QStringLiteral("Sales")));
-    QCOMPARE(list.User(), QStringLiteral("first"));
-    QVERIFY(!list.Find(QString(), QStringLiteral("pg"), QStringLiteral("HR")));
-    QVERIFY(list.FindExt(QStringLiteral("psql"), QStringLiteral("db"), QStringLiteral("Sales"),
-                         QStringLiteral("second")));
+    QVERIFY(list.Find(u"odbc"_s, u"db"_s, u"Sales"_s));
+    QCOMPARE(list.User(), u"first"_s);
+    QVERIFY(!list.Find(QString(), u"pg"_s, u"HR"_s));
+    QVERIFY(list.FindExt(u"psql"_s, u"db"_s, u"Sales"_s, u"second"_s));
     QCOMPARE(list.Cursor(), qint16(1));
 
-    QVERIFY(!list.Find(QStringLiteral("psql"), QStringLiteral("PG"), QStringLiteral("hr")));
+    QVERIFY(!list.Find(u"psql"_s, u"PG"_s, u"hr"_s));
     QCOMPARE(list.Cursor(), qint16(-1));
     list.CaseSensitive = false;
-    QVERIFY(list.Find(QStringLiteral("PSQL"), QStringLiteral("PG"), QStringLiteral("hr")));
+    QVERIFY(list.Find(u"PSQL"_s, u"PG"_s, u"hr"_s));
     QCOMPARE(list.Cursor(), qint16(2));
 
     list.Delete(0);
@@ -91,60 +86,57 @@ void TestConnect::findAndDelete()
     list.Delete(-1);
     QCOMPARE(list.Count(), qint16(2));
     list.Locate(0);
-    QCOMPARE(list.User(), QStringLiteral("second"));
+    QCOMPARE(list.User(), u"second"_s);
     list.Delete(1);
     list.Delete(0);
     QCOMPARE(list.Count(), qint16(0));
 
     // Capacity is checked only when a cell of the 152nd row is touched.
-    for (int row = 0; row <= clsConnect::UpperBound; ++row)
+    for (int row = 0; row < 151; ++row)
         list.AddNew();
-    list.SetServer(QStringLiteral("last"));
+    list.SetServer(u"last"_s);
     list.AddNew();
-    QVERIFY_THROWS_EXCEPTION(QorloError, list.SetServer(QStringLiteral("one too many")));
+    QVERIFY_THROWS_EXCEPTION(QorloError, list.SetServer(u"one too many"_s));
 }
 
 void TestConnect::connectionRoundTrip()
 {
     QTemporaryDir app;
     clsConnect list(app.path());
-    QCOMPARE(list.Connection_File, app.filePath(QStringLiteral("Connect.XML")));
-    list.Connection_Password = QStringLiteral("lock <me>");
-    list.UserOption = QStringLiteral("Yes");
+    QCOMPARE(list.Connection_File, app.filePath(u"Connect.XML"_s));
+    list.Connection_Password = u"lock <me>"_s;
+    list.UserOption = u"Yes"_s;
     list.CaseSensitive = false;
-    AddConnection(list, QString(), QStringLiteral("db1"), QStringLiteral("sales"), QStringLiteral("rep"),
-                  QStringLiteral("p&ss<w>\"rd\" \u00e9\u20ac"));
-    AddConnection(list, QStringLiteral("odbc"), QStringLiteral("DSN=Q"), QStringLiteral("\u00e9t\u00e9"),
-                  QStringLiteral("admin"), QStringLiteral("~~~"));
+    AddConnection(list, QString(), u"db1"_s, u"sales"_s, u"rep"_s, u"p&ss<w>\"rd\" \u00e9\u20ac"_s);
+    AddConnection(list, u"odbc"_s, u"DSN=Q"_s, u"\u00e9t\u00e9"_s, u"admin"_s, u"~~~"_s);
     list.Save();
     const QString path = list.Connection_File;
     QCOMPARE(QFile::permissions(path) & 0x0077, QFileDevice::Permissions()); // owner only
-    QVERIFY(!ReadAll(path).contains("lock"));
-    QVERIFY(!ReadAll(path).contains("p&amp;ss"));
+    QVERIFY(!ReadFile(path).contains("lock"));
+    QVERIFY(!ReadFile(path).contains("p&amp;ss"));
 
     clsConnect fresh(app.path());
-    fresh.EncodeOptions = QStringLiteral("No"); // the file's own setting wins before the rows
+    fresh.EncodeOptions = u"No"_s; // the file's own setting wins before the rows
     fresh.Load(path);
     QCOMPARE(fresh.Count(), qint16(2));
-    QCOMPARE(fresh.Connection_Password, QStringLiteral("lock <me>"));
-    QCOMPARE(fresh.EncodeOptions, QStringLiteral("Yes"));
-    QCOMPARE(fresh.UserOption, QStringLiteral("Yes"));
+    QCOMPARE(fresh.Connection_Password, u"lock <me>"_s);
+    QCOMPARE(fresh.EncodeOptions, u"Yes"_s);
+    QCOMPARE(fresh.UserOption, u"Yes"_s);
     QVERIFY(!fresh.CaseSensitive);
-    QVERIFY(fresh.FindExt(QStringLiteral("any"), QStringLiteral("DB1"), QStringLiteral("Sales"),
-                          QStringLiteral("rep")));
-    QCOMPARE(fresh.Password(), QStringLiteral("p&ss<w>\"rd\" \u00e9\u20ac"));
+    QVERIFY(fresh.FindExt(u"any"_s, u"DB1"_s, u"Sales"_s, u"rep"_s));
+    QCOMPARE(fresh.Password(), u"p&ss<w>\"rd\" \u00e9\u20ac"_s);
     fresh.Locate(1);
-    QCOMPARE(fresh.DLL(), QStringLiteral("odbc"));
-    QCOMPARE(fresh.Password(), QStringLiteral("~~~"));
+    QCOMPARE(fresh.DLL(), u"odbc"_s);
+    QCOMPARE(fresh.Password(), u"~~~"_s);
 
     const QStringList first = DecodedLines(path);
-    const QByteArray firstBytes = ReadAll(path);
+    const QByteArray firstBytes = ReadFile(path);
     fresh.Save();
     QCOMPARE(DecodedLines(path), first);
-    QVERIFY(ReadAll(path) != firstBytes); // new noise at every save
+    QVERIFY(ReadFile(path) != firstBytes); // new noise at every save
 
     // A missing file leaves an empty list and still names the file.
-    const QString missing = app.filePath(QStringLiteral("none.XML"));
+    const QString missing = app.filePath(u"none.XML"_s);
     fresh.Load(missing);
     QCOMPARE(fresh.Count(), qint16(0));
     QCOMPARE(fresh.Connection_File, missing);
@@ -154,25 +146,24 @@ void TestConnect::passwordForms()
 {
     QTemporaryDir app;
     clsConnect list(app.path());
-    list.Connection_Password = QStringLiteral("lock");
-    list.EncodeOptions = QStringLiteral("No");
-    AddConnection(list, QString(), QStringLiteral("s"), QStringLiteral("d"), QStringLiteral("u"),
-                  QStringLiteral("clear pw"));
-    AddConnection(list, QString(), QStringLiteral("s"), QStringLiteral("d"), QStringLiteral("v"), QString());
+    list.Connection_Password = u"lock"_s;
+    list.EncodeOptions = u"No"_s;
+    AddConnection(list, QString(), u"s"_s, u"d"_s, u"u"_s, u"clear pw"_s);
+    AddConnection(list, QString(), u"s"_s, u"d"_s, u"v"_s, QString());
     list.Save();
-    QByteArray bytes = ReadAll(list.Connection_File);
+    QByteArray bytes = ReadFile(list.Connection_File);
     QVERIFY(bytes.contains("<ConnectPassword>clear pw</ConnectPassword>"));
     QVERIFY(bytes.contains("<ConnectPassword></ConnectPassword>"));
     QVERIFY(!bytes.contains("lock")); // the editor's lock stays scrambled
 
-    list.EncodeOptions = QStringLiteral("Yes");
+    list.EncodeOptions = u"Yes"_s;
     list.Connection_Password.clear();
     list.Save();
-    bytes = ReadAll(list.Connection_File);
+    bytes = ReadFile(list.Connection_File);
     QVERIFY(!bytes.contains("Connection_Password"));
     QVERIFY(!bytes.contains("clear pw"));
     // Empty text codes as the single character of code k + 64.
-    const QRegularExpression single(QStringLiteral("<ConnectPassword>[@-L]</ConnectPassword>"));
+    const QRegularExpression single(u"<ConnectPassword>[@-L]</ConnectPassword>"_s);
     QVERIFY(single.match(QString::fromLatin1(bytes)).hasMatch());
 }
 
@@ -180,26 +171,21 @@ void TestConnect::damagedConnectionFile()
 {
     QTemporaryDir app;
     clsConnect list(app.path());
-    const QString path = TestSupport::DataFile(QStringLiteral("connect/Connect-damaged.XML"));
+    const QString path = TestSupport::DataFile(u"connect/Connect-damaged.XML"_s);
     list.Load(path);
     QCOMPARE(list.Connection_File, path);
-    QCOMPARE(list.UserOption, QStringLiteral("Yes"));
+    QCOMPARE(list.UserOption, u"Yes"_s);
     QVERIFY(!list.CaseSensitive); // only "Yes" means yes
-    QCOMPARE(list.EncodeOptions, QStringLiteral("No"));
+    QCOMPARE(list.EncodeOptions, u"No"_s);
     QCOMPARE(list.Count(), qint16(2));
     list.Locate(0);
-    QCOMPARE(list.Password(), QStringLiteral("ab")); // decoded while "Yes" still stood
+    QCOMPARE(list.Password(), u"ab"_s); // decoded while "Yes" still stood
     list.Locate(1);
-    QCOMPARE(list.Server(), QStringLiteral("db2"));
-    QCOMPARE(list.Password(), QStringLiteral("Cd!ex"));
-    QCOMPARE(list.User(), QStringLiteral("\u20ac&#1"));
+    QCOMPARE(list.Server(), u"db2"_s);
+    QCOMPARE(list.Password(), u"Cd!ex"_s);
+    QCOMPARE(list.User(), u"\u20ac&#1"_s);
 
-    QFile garbage(app.filePath(QStringLiteral("Connect.XML")));
-    QVERIFY(garbage.open(QIODevice::WriteOnly));
-    for (int i = 0; i < 4096; ++i)
-        garbage.write(QByteArray(1, char((i * 7919 + 13) % 256)));
-    garbage.close();
-    list.Load(garbage.fileName());
+    list.Load(WriteFile(app.filePath(u"Connect.XML"_s), RandomBytes(4096)));
     QCOMPARE(list.Count(), qint16(0));
 }
 
@@ -207,18 +193,18 @@ void TestConnect::tableMapFile()
 {
     QTemporaryDir app;
     clsMap map(app.path());
-    QVERIFY_THROWS_EXCEPTION(QorloError, map.SetReportID(QStringLiteral("1")));
-    map.ExamineTables(QStringLiteral("12"), {QStringLiteral("dbo.Orders"), QStringLiteral("dbo.Items")});
-    map.ExamineTables(QStringLiteral("12"), {QStringLiteral("dbo.Orders")}); // listed again
+    QVERIFY_THROWS_EXCEPTION(QorloError, map.SetReportID(u"1"_s));
+    map.ExamineTables(u"12"_s, {u"dbo.Orders"_s, u"dbo.Items"_s});
+    map.ExamineTables(u"12"_s, {u"dbo.Orders"_s}); // listed again
     map.Locate(2);
-    map.SetNewTable(QStringLiteral("live.Orders & <x>"));
+    map.SetNewTable(u"live.Orders & <x>"_s);
     map.AddNew();
     map.SetReportID(QString());
-    map.SetOriginalTable(QStringLiteral("test"));
+    map.SetOriginalTable(u"test"_s);
     map.SetNewTable(QString());
     map.Save();
-    const QString path = app.filePath(QStringLiteral("TableMap.XML"));
-    const QByteArray first = ReadAll(path);
+    const QString path = app.filePath(u"TableMap.XML"_s);
+    const QByteArray first = ReadFile(path);
     QCOMPARE(first.count("<TableMap>"), 4);
     QVERIFY(
         first.contains("<TableMap>\r\n<ReportMapID></ReportMapID>\r\n<OriginalTable>test</OriginalTable>"));
@@ -227,28 +213,22 @@ void TestConnect::tableMapFile()
     fresh.Load(path);
     QCOMPARE(fresh.Count(), qint16(4));
     fresh.Locate(2);
-    QCOMPARE(fresh.NewTable(), QStringLiteral("live.Orders & <x>"));
+    QCOMPARE(fresh.NewTable(), u"live.Orders & <x>"_s);
     fresh.Save();
-    QCOMPARE(ReadAll(path), first);
+    QCOMPARE(ReadFile(path), first);
     fresh.Load(path); // adds, as the caller clears first
     QCOMPARE(fresh.Count(), qint16(8));
 
-    QFile old(app.filePath(QStringLiteral("old.XML")));
-    QVERIFY(old.open(QIODevice::WriteOnly));
-    old.write("<Schedule>\r\n<Report_Schedule>\r\n  "
-              "<TableMap>\r\n<ReportMapID>3</ReportMapID>\r\n<Other>x</Other>\r\n");
-    old.close();
+    const QString old = WriteFile(app.filePath(u"old.XML"_s),
+                                  "<Schedule>\r\n<Report_Schedule>\r\n  "
+                                  "<TableMap>\r\n<ReportMapID>3</ReportMapID>\r\n<Other>x</Other>\r\n");
     clsMap legacy(app.path());
-    legacy.Load(old.fileName());
+    legacy.Load(old);
     QCOMPARE(legacy.Count(), qint16(1));
-    QCOMPARE(legacy.ReportID(), QStringLiteral("3"));
+    QCOMPARE(legacy.ReportID(), u"3"_s);
 
-    QVERIFY(old.open(QIODevice::WriteOnly));
-    for (int i = 0; i < 4096; ++i)
-        old.write(QByteArray(1, char((i * 104729 + 7) % 256)));
-    old.close();
     legacy.Clear();
-    legacy.Load(old.fileName());
+    legacy.Load(WriteFile(old, RandomBytes(4096)));
     QCOMPARE(legacy.Count(), qint16(0));
 }
 
@@ -256,10 +236,9 @@ void TestConnect::applyTableMap()
 {
     QTemporaryDir app;
     clsMap map(app.path());
-    QString location = QStringLiteral("A.A"), server = QStringLiteral("srvA"),
-            database = QStringLiteral("dbA");
-    QVERIFY(!map.ApplyTableMap(location, QStringLiteral("1"), server, database));
-    QCOMPARE(server, QStringLiteral("srvA"));
+    QString location = u"A.A"_s, server = u"srvA"_s, database = u"dbA"_s;
+    QVERIFY(!map.ApplyTableMap(location, u"1"_s, server, database));
+    QCOMPARE(server, u"srvA"_s);
 
     const auto add = [&map](const QString &id, const QString &from, const QString &to) {
         map.AddNew();
@@ -267,23 +246,23 @@ void TestConnect::applyTableMap()
         map.SetOriginalTable(from);
         map.SetNewTable(to);
     };
-    add(QString(), QStringLiteral("A"), QStringLiteral("B"));
-    add(QStringLiteral("1"), QStringLiteral("B"), QStringLiteral("C"));
-    add(QStringLiteral("2"), QStringLiteral("C"), QStringLiteral("X"));
-    add(QString(), QStringLiteral("sales"), QStringLiteral("live"));
-    add(QString(), QString(), QStringLiteral("never"));
+    add(QString(), u"A"_s, u"B"_s);
+    add(u"1"_s, u"B"_s, u"C"_s);
+    add(u"2"_s, u"C"_s, u"X"_s);
+    add(QString(), u"sales"_s, u"live"_s);
+    add(QString(), QString(), u"never"_s);
     // Rows in sequence, first occurrence only, exact case; other reports' rows are passed over.
-    QVERIFY(map.ApplyTableMap(location, QStringLiteral("1"), server, database));
-    QCOMPARE(location, QStringLiteral("C.A"));
-    QCOMPARE(server, QStringLiteral("srvC"));
-    QCOMPARE(database, QStringLiteral("dbC"));
+    QVERIFY(map.ApplyTableMap(location, u"1"_s, server, database));
+    QCOMPARE(location, u"C.A"_s);
+    QCOMPARE(server, u"srvC"_s);
+    QCOMPARE(database, u"dbC"_s);
 
-    location = QStringLiteral("Sales.orders");
-    server = QStringLiteral("sales");
-    database = QStringLiteral("x");
-    QVERIFY(!map.ApplyTableMap(location, QStringLiteral("2"), server, database));
-    QCOMPARE(location, QStringLiteral("Sales.orders"));
-    QCOMPARE(server, QStringLiteral("live"));
+    location = u"Sales.orders"_s;
+    server = u"sales"_s;
+    database = u"x"_s;
+    QVERIFY(!map.ApplyTableMap(location, u"2"_s, server, database));
+    QCOMPARE(location, u"Sales.orders"_s);
+    QCOMPARE(server, u"live"_s);
 }
 
 QORLO_TEST_MAIN(TestConnect)

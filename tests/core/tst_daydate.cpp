@@ -1,6 +1,8 @@
 #include "core/DayDate.h"
 #include "TestMain.h"
 
+using namespace Qt::Literals::StringLiterals;
+
 class TestDayDate : public QObject
 {
     Q_OBJECT
@@ -26,41 +28,31 @@ void TestDayDate::epochAndKnownDays()
 
 void TestDayDate::formatting()
 {
-    QCOMPARE(FormatDate(DayDate::FromParts(2026, 3, 5, 14, 7)), QStringLiteral("05-Mar-2026"));
-    QCOMPARE(FormatDateTime(DayDate::FromParts(2026, 3, 5, 14, 7)), QStringLiteral("05-Mar-2026 14:07"));
+    QCOMPARE(FormatDate(DayDate::FromParts(2026, 3, 5, 14, 7)), u"05-Mar-2026"_s);
+    QCOMPARE(FormatDateTime(DayDate::FromParts(2026, 3, 5, 14, 7)), u"05-Mar-2026 14:07"_s);
     // A time a hair short of the minute is that minute, and one short of midnight the next day.
-    QCOMPARE(FormatDateTime(DayDate::FromParts(2026, 3, 5, 10, 30) - 1e-9),
-             QStringLiteral("05-Mar-2026 10:30"));
-    QCOMPARE(FormatDateTime(DayDate::FromParts(2026, 3, 6) - 1e-9), QStringLiteral("06-Mar-2026 00:00"));
+    QCOMPARE(FormatDateTime(DayDate::FromParts(2026, 3, 5, 10, 30) - 1e-9), u"05-Mar-2026 10:30"_s);
+    QCOMPARE(FormatDateTime(DayDate::FromParts(2026, 3, 6) - 1e-9), u"06-Mar-2026 00:00"_s);
     QCOMPARE(FormatDate(0), QString());
     QCOMPARE(FormatDateTime(DayDate::FromParts(1899, 1, 1)), QString());
-    QCOMPARE(FormatDate(DayDate::FromParts(1900, 1, 1)), QStringLiteral("01-Jan-1900"));
+    QCOMPARE(FormatDate(DayDate::FromParts(1900, 1, 1)), u"01-Jan-1900"_s);
 }
 
 void TestDayDate::parserAcceptsOnlyTheListedForms()
 {
     const double march5 = DayDate::FromParts(2026, 3, 5);
-    QCOMPARE(DayDate::Parse(QStringLiteral("5-Mar-2026")), march5);
-    QCOMPARE(DayDate::Parse(QStringLiteral(" 05-mar-2026 ")), march5);
-    QCOMPARE(DayDate::Parse(QStringLiteral("2026-3-5")), march5);
-    QCOMPARE(DayDate::Parse(QStringLiteral("05-Mar-2026 7:05")), DayDate::FromParts(2026, 3, 5, 7, 5));
-    QCOMPARE(DayDate::Parse(QStringLiteral("2026-03-05 23:59:58")),
-             DayDate::FromParts(2026, 3, 5, 23, 59, 58));
-    QCOMPARE(DayDate::Parse(QStringLiteral("18:00")), 0.75);
-    QCOMPARE(DayDate::Parse(QStringLiteral("29-Feb-2024")), DayDate::FromParts(2024, 2, 29));
+    QCOMPARE(DayDate::Parse(u"5-Mar-2026"_s), march5);
+    QCOMPARE(DayDate::Parse(u" 05-mar-2026 "_s), march5);
+    QCOMPARE(DayDate::Parse(u"2026-3-5"_s), march5);
+    QCOMPARE(DayDate::Parse(u"05-Mar-2026 7:05"_s), DayDate::FromParts(2026, 3, 5, 7, 5));
+    QCOMPARE(DayDate::Parse(u"2026-03-05 23:59:58"_s), DayDate::FromParts(2026, 3, 5, 23, 59, 58));
+    QCOMPARE(DayDate::Parse(u"18:00"_s), 0.75);
+    QCOMPARE(DayDate::Parse(u"29-Feb-2024"_s), DayDate::FromParts(2024, 2, 29));
 
-    const QStringList refused = {QString(),
-                                 QStringLiteral("next week"),
-                                 QStringLiteral("31-Feb-2026"),
-                                 QStringLiteral("29-Feb-2025"),
-                                 QStringLiteral("05-Mrz-2026"),
-                                 QStringLiteral("05/03/2026"),
-                                 QStringLiteral("2026-13-01"),
-                                 QStringLiteral("05-Mar-2026 24:00"),
-                                 QStringLiteral("05-Mar-2026 10:60"),
-                                 QStringLiteral("05-Mar-26"),
-                                 QStringLiteral("05-Mar-2026T10:00"),
-                                 QStringLiteral("12:00 pm")};
+    const QStringList refused = {QString(),        u"next week"_s,         u"31-Feb-2026"_s,
+                                 u"29-Feb-2025"_s, u"05-Mrz-2026"_s,       u"05/03/2026"_s,
+                                 u"2026-13-01"_s,  u"05-Mar-2026 24:00"_s, u"05-Mar-2026 10:60"_s,
+                                 u"05-Mar-26"_s,   u"05-Mar-2026T10:00"_s, u"12:00 pm"_s};
     for (const QString &text : refused)
         QVERIFY2(!DayDate::IsDate(text), qPrintable(text));
 }
@@ -68,14 +60,11 @@ void TestDayDate::parserAcceptsOnlyTheListedForms()
 void TestDayDate::monthArithmeticClamps()
 {
     const double jan31 = DayDate::FromParts(2024, 1, 31, 8, 30);
-    QCOMPARE(FormatDateTime(DayDate::AddMonths(jan31, 1)), QStringLiteral("29-Feb-2024 08:30"));
-    QCOMPARE(FormatDateTime(DayDate::AddMonths(jan31, 13)), QStringLiteral("28-Feb-2025 08:30"));
-    QCOMPARE(FormatDate(DayDate::AddMonths(DayDate::FromParts(2026, 3, 31), -1)),
-             QStringLiteral("28-Feb-2026"));
-    QCOMPARE(FormatDate(DayDate::AddMonths(DayDate::FromParts(2026, 12, 15), 1)),
-             QStringLiteral("15-Jan-2027"));
-    QCOMPARE(FormatDate(DayDate::AddYears(DayDate::FromParts(2024, 2, 29), 1)),
-             QStringLiteral("28-Feb-2025"));
+    QCOMPARE(FormatDateTime(DayDate::AddMonths(jan31, 1)), u"29-Feb-2024 08:30"_s);
+    QCOMPARE(FormatDateTime(DayDate::AddMonths(jan31, 13)), u"28-Feb-2025 08:30"_s);
+    QCOMPARE(FormatDate(DayDate::AddMonths(DayDate::FromParts(2026, 3, 31), -1)), u"28-Feb-2026"_s);
+    QCOMPARE(FormatDate(DayDate::AddMonths(DayDate::FromParts(2026, 12, 15), 1)), u"15-Jan-2027"_s);
+    QCOMPARE(FormatDate(DayDate::AddYears(DayDate::FromParts(2024, 2, 29), 1)), u"28-Feb-2025"_s);
 }
 
 QORLO_TEST_MAIN(TestDayDate)

@@ -2,7 +2,10 @@
 #include "core/LineReader.h"
 #include "core/Numbers.h"
 #include "core/QorloError.h"
+#include "Files.h"
 #include "TestMain.h"
+
+using namespace Qt::Literals::StringLiterals;
 
 using namespace Numbers;
 
@@ -19,17 +22,17 @@ private Q_SLOTS:
 
 void TestNumbers::prefixAndNumericTest()
 {
-    QCOMPARE(NumericPrefix(QStringLiteral("  42abc")), 42.0);
-    QCOMPARE(NumericPrefix(QStringLiteral("-3.5e2x")), -350.0);
-    QCOMPARE(NumericPrefix(QStringLiteral("1e")), 1.0);
-    QCOMPARE(NumericPrefix(QStringLiteral(".5")), 0.5);
-    QCOMPARE(NumericPrefix(QStringLiteral("abc")), 0.0);
+    QCOMPARE(NumericPrefix(u"  42abc"_s), 42.0);
+    QCOMPARE(NumericPrefix(u"-3.5e2x"_s), -350.0);
+    QCOMPARE(NumericPrefix(u"1e"_s), 1.0);
+    QCOMPARE(NumericPrefix(u".5"_s), 0.5);
+    QCOMPARE(NumericPrefix(u"abc"_s), 0.0);
     QCOMPARE(NumericPrefix(QString()), 0.0);
-    QVERIFY(IsNumeric(QStringLiteral(" 12 ")));
-    QVERIFY(IsNumeric(QStringLiteral("-1.5E+3")));
+    QVERIFY(IsNumeric(u" 12 "_s));
+    QVERIFY(IsNumeric(u"-1.5E+3"_s));
     QVERIFY(!IsNumeric(QString()));
-    QVERIFY(!IsNumeric(QStringLiteral("12a")));
-    QVERIFY(!IsNumeric(QStringLiteral("-")));
+    QVERIFY(!IsNumeric(u"12a"_s));
+    QVERIFY(!IsNumeric(u"-"_s));
 }
 
 void TestNumbers::evenRoundingAndOverflow()
@@ -45,25 +48,20 @@ void TestNumbers::evenRoundingAndOverflow()
         QFAIL("32767.5 rounds to 32768, past 16 bits");
     } catch (const QorloError &e) {
         QCOMPARE(e.number(), 6);
-        QCOMPARE(e.runTimeText(), QStringLiteral("Run-time error '6': Overflow"));
+        QCOMPARE(e.runTimeText(), u"Run-time error '6': Overflow"_s);
     }
     QVERIFY_THROWS_EXCEPTION(QorloError, ToInt32(2147483648.0));
-    try {
-        TextToInt16(QStringLiteral("abc"));
-        QFAIL("text is no number");
-    } catch (const QorloError &e) {
-        QCOMPARE(e.number(), 13);
-    }
-    QCOMPARE(TextToInt16(QStringLiteral(" 7 ")), qint16(7));
+    QCOMPARE(TestSupport::ErrorOf([] { TextToInt16(u"abc"_s); }), 13);
+    QCOMPARE(TextToInt16(u" 7 "_s), qint16(7));
 }
 
 void TestNumbers::formats()
 {
     QCOMPARE(FormatHash(0), QString());
-    QCOMPARE(FormatHash(25), QStringLiteral("25"));
-    QCOMPARE(FormatZeros(7, 2), QStringLiteral("07"));
-    QCOMPARE(FormatZeros(233, 4), QStringLiteral("0233"));
-    QCOMPARE(FormatZeros(12345, 4), QStringLiteral("12345"));
+    QCOMPARE(FormatHash(25), u"25"_s);
+    QCOMPARE(FormatZeros(7, 2), u"07"_s);
+    QCOMPARE(FormatZeros(233, 4), u"0233"_s);
+    QCOMPARE(FormatZeros(12345, 4), u"12345"_s);
 }
 
 void TestNumbers::windows1252RoundTrip()
@@ -77,18 +75,17 @@ void TestNumbers::windows1252RoundTrip()
     for (int b = 0; b < 256; ++b)
         all.append(char(b));
     QCOMPARE(Ansi::Encode(Ansi::Decode(all)), all);
-    QCOMPARE(Ansi::Encode(QStringLiteral("a\u0100b")), QByteArray("a?b"));
+    QCOMPARE(Ansi::Encode(u"a\u0100b"_s), QByteArray("a?b"));
 }
 
 void TestNumbers::lineEnds()
 {
-    LineReader reader = LineReader::FromText(QStringLiteral("one\r\ntwo\rthree\nfour\r\n\r\nsix"));
+    LineReader reader = LineReader::FromText(u"one\r\ntwo\rthree\nfour\r\n\r\nsix"_s);
     QStringList lines;
     while (!reader.atEnd())
         lines << reader.readLine();
-    QCOMPARE(lines, (QStringList{QStringLiteral("one"), QStringLiteral("two"), QStringLiteral("three"),
-                                 QStringLiteral("four"), QString(), QStringLiteral("six")}));
-    QVERIFY(!LineReader(QStringLiteral("/nonexistent/file")).isOpen());
+    QCOMPARE(lines, (QStringList{u"one"_s, u"two"_s, u"three"_s, u"four"_s, QString(), u"six"_s}));
+    QVERIFY(!LineReader(u"/nonexistent/file"_s).isOpen());
 }
 
 QORLO_TEST_MAIN(TestNumbers)

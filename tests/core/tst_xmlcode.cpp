@@ -1,11 +1,14 @@
 #include "core/LineReader.h"
 #include "core/XMLCode.h"
+#include "Files.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 
 #include <QFile>
 #include <QSet>
 #include <QTemporaryDir>
+
+using namespace Qt::Literals::StringLiterals;
 
 using namespace XMLCode;
 
@@ -22,28 +25,24 @@ private Q_SLOTS:
     void lockFile();
 };
 
-namespace {
+using TestSupport::ReadFile;
 
-QByteArray ReadAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
+namespace {
 
 // Writes one element, reads the file back and returns the value of its element line.
 QString RoundTrip(const QString &folder, const QString &value)
 {
-    const QString path = folder + QStringLiteral("/value.xml");
-    OpenXML(path, QStringLiteral("Doc"));
-    WriteElement(QStringLiteral("V"), value);
+    const QString path = folder + u"/value.xml"_s;
+    OpenXML(path, u"Doc"_s);
+    WriteElement(u"V"_s, value);
     CloseXML();
     LineReader reader(path);
     while (!reader.atEnd()) {
         QString line = reader.readLine();
-        if (line.startsWith(QLatin1String("<V>")))
+        if (line.startsWith(u"<V>"_s))
             return TagValue(line);
     }
-    return QStringLiteral("<missing>");
+    return u"<missing>"_s;
 }
 
 QString Tag(const char *line)
@@ -59,27 +58,26 @@ void TestXMLCode::headerAndLines()
     QTemporaryDir dir;
     const FixedClock clock(QDateTime(QDate(2026, 3, 5), QTime(10, 0)));
     const ClockGuard guard(clock);
-    const QString path = dir.filePath(QStringLiteral("Test.XML"));
+    const QString path = dir.filePath(u"Test.XML"_s);
 
-    QCOMPARE(OpenXML(path, QStringLiteral("TestDoc"), QStringLiteral("a=\"1\"")), QString());
-    QCOMPARE(WriteElement(QStringLiteral("Name"), QStringLiteral("caf\u00e9 \u00e9t\u00e9")),
-             QStringLiteral("<Name>caf&#0233; &#0233;t\u00e9</Name>"));
-    WriteElement(QStringLiteral("Pole"), QStringLiteral("\u0141\u00f3d\u017a \u0141"));
-    WriteCDataElement(QStringLiteral("Sql"), QStringLiteral("a<b"));
-    WriteOpenTag(QStringLiteral("Group"));
-    WriteCloseTag(QStringLiteral("Group"));
-    QCOMPARE(CloseXML(), QStringLiteral("XML File closed"));
-    QCOMPARE(CloseXML(), QStringLiteral("XML already closed"));
+    QCOMPARE(OpenXML(path, u"TestDoc"_s, u"a=\"1\""_s), QString());
+    QCOMPARE(WriteElement(u"Name"_s, u"caf\u00e9 \u00e9t\u00e9"_s),
+             u"<Name>caf&#0233; &#0233;t\u00e9</Name>"_s);
+    WriteElement(u"Pole"_s, u"\u0141\u00f3d\u017a \u0141"_s);
+    WriteCDataElement(u"Sql"_s, u"a<b"_s);
+    WriteOpenTag(u"Group"_s);
+    WriteCloseTag(u"Group"_s);
+    QCOMPARE(CloseXML(), u"XML File closed"_s);
+    QCOMPARE(CloseXML(), u"XML already closed"_s);
 
-    const QList<QByteArray> lines = ReadAll(path).split('\n');
+    const QList<QByteArray> lines = ReadFile(path).split('\n');
     QCOMPARE(lines.size(), 15); // 14 lines, each ended by CR LF
     for (qsizetype i = 0; i + 1 < lines.size(); ++i)
         QVERIFY2(lines.at(i).endsWith('\r'), lines.at(i).constData());
     QCOMPARE(lines.at(0), QByteArray("<?xml version=\"1.0\" encoding=\"utf-8\"?>\r"));
     QVERIFY(lines.at(1).startsWith("<!-- XML File Created by "));
     QVERIFY(lines.at(3).contains("2026"));
-    QCOMPARE(lines.at(4),
-             QByteArray("<!-- QorloMANAGER version 10.0 (" QT_STRINGIFY(QORLO_REVISION) ") -->\r"));
+    QCOMPARE(lines.at(4), QByteArray("<!-- QorloMANAGER version 10.0 (1) -->\r"));
     QCOMPARE(lines.at(6), QByteArray("<!-- File " + path.toLocal8Bit() + " Created 05-Mar-2026-->\r"));
     QCOMPARE(lines.at(7), QByteArray("<TestDoc a=\"1\">\r"));
     // The last character of a value is written raw as a Windows-1252 byte, the others as references;
@@ -91,98 +89,97 @@ void TestXMLCode::headerAndLines()
     QCOMPARE(lines.at(13), QByteArray("</TestDoc>\r"));
 
     // Without an open file the calls only build text; an empty root name leaves out line 8.
-    QCOMPARE(WriteOpenTag(QStringLiteral("G"), QStringLiteral("x=\"y\"")), QStringLiteral("<G x=\"y\">"));
+    QCOMPARE(WriteOpenTag(u"G"_s, u"x=\"y\""_s), u"<G x=\"y\">"_s);
     OpenXML(path, QString());
     CloseXML();
-    QCOMPARE(ReadAll(path).count('\n'), 7);
+    QCOMPARE(ReadFile(path).count('\n'), 7);
 }
 
 void TestXMLCode::openFailureAndAtomicReplace()
 {
     QTemporaryDir dir;
-    const QString missing = dir.filePath(QStringLiteral("no/such/folder/x.xml"));
-    QVERIFY(OpenXML(missing, QStringLiteral("Doc")).startsWith(QLatin1String("Error Creating File: ")));
-    QCOMPARE(WriteElement(QStringLiteral("A"), QStringLiteral("1")), QStringLiteral("<A>1</A>"));
-    QCOMPARE(CloseXML(), QStringLiteral("XML already closed"));
+    const QString missing = dir.filePath(u"no/such/folder/x.xml"_s);
+    QVERIFY(OpenXML(missing, u"Doc"_s).startsWith(u"Error Creating File: "_s));
+    QCOMPARE(WriteElement(u"A"_s, u"1"_s), u"<A>1</A>"_s);
+    QCOMPARE(CloseXML(), u"XML already closed"_s);
     QVERIFY(!QFile::exists(missing));
 
     // The old file stays whole until the new one is closed.
-    const QString path = dir.filePath(QStringLiteral("Keep.XML"));
-    OpenXML(path, QStringLiteral("Doc"), QString(), FileAccess::OwnerOnly);
-    WriteElement(QStringLiteral("A"), QStringLiteral("old"));
+    const QString path = dir.filePath(u"Keep.XML"_s);
+    OpenXML(path, u"Doc"_s, QString(), FileAccess::OwnerOnly);
+    WriteElement(u"A"_s, u"old"_s);
     CloseXML();
     QCOMPARE(QFile::permissions(path) & 0x0077, QFileDevice::Permissions()); // nothing for group, others
     QVERIFY(QFile::permissions(path).testFlag(QFileDevice::ReadOwner));
-    const QByteArray before = ReadAll(path);
-    OpenXML(path, QStringLiteral("Doc"), QString(), FileAccess::OwnerOnly);
-    WriteElement(QStringLiteral("A"), QStringLiteral("new"));
-    QCOMPARE(ReadAll(path), before);
+    const QByteArray before = ReadFile(path);
+    OpenXML(path, u"Doc"_s, QString(), FileAccess::OwnerOnly);
+    WriteElement(u"A"_s, u"new"_s);
+    QCOMPARE(ReadFile(path), before);
     CloseXML();
-    QVERIFY(ReadAll(path).contains("<A>new</A>"));
+    QVERIFY(ReadFile(path).contains("<A>new</A>"));
     QCOMPARE(QFile::permissions(path) & 0x0077, QFileDevice::Permissions());
 
     // A second open closes the first file without its root tag.
-    const QString first = dir.filePath(QStringLiteral("First.XML"));
-    OpenXML(first, QStringLiteral("Doc"));
-    OpenXML(dir.filePath(QStringLiteral("Second.XML")), QStringLiteral("Doc"));
+    const QString first = dir.filePath(u"First.XML"_s);
+    OpenXML(first, u"Doc"_s);
+    OpenXML(dir.filePath(u"Second.XML"_s), u"Doc"_s);
     CloseXML();
-    QVERIFY(ReadAll(first).endsWith("<Doc>\r\n"));
+    QVERIFY(ReadFile(first).endsWith("<Doc>\r\n"));
 }
 
 void TestXMLCode::escapeRoundTrip()
 {
     QTemporaryDir dir;
     const QStringList values = {
-        QStringLiteral("a < b > c"),
-        QStringLiteral("literal &amp; stays"),
-        QStringLiteral("two\r\nlines"),
-        QStringLiteral("it's \"quoted\""),
-        QStringLiteral("\u20ac 100 and \u2122 and \u0160"),
-        QStringLiteral("\u0141\u00f3d\u017a"),
-        QStringLiteral("smile \U0001F600 end \U0001F600"),
-        QStringLiteral("ends in \u00ff"),
+        u"a < b > c"_s,
+        u"literal &amp; stays"_s,
+        u"two\r\nlines"_s,
+        u"it's \"quoted\""_s,
+        u"\u20ac 100 and \u2122 and \u0160"_s,
+        u"\u0141\u00f3d\u017a"_s,
+        u"smile \U0001F600 end \U0001F600"_s,
+        u"ends in \u00ff"_s,
         QString(),
     };
     for (const QString &value : values)
         QCOMPARE(RoundTrip(dir.path(), value), value);
 
-    QCOMPARE(XMLEscape(QStringLiteral("a&b\r\nc")), QStringLiteral("a&amp;b&#0013;&#0010;c"));
-    QCOMPARE(XMLEscape(QStringLiteral("\u00e9\u00e9")), QStringLiteral("&#0233;\u00e9"));
-    QCOMPARE(XMLEscape(QStringLiteral("\u20ac")), QStringLiteral("\u20ac"));
-    QCOMPARE(XMLEscape(QStringLiteral("x\u20ac!")), QStringLiteral("x&#0128;!"));
-    QCOMPARE(XMLEscape(QStringLiteral("\u4e2d")), QStringLiteral("&#20013;"));
-    QCOMPARE(XMLEscape(QStringLiteral("cr\ralone")), QStringLiteral("cr\ralone"));
-    QCOMPARE(XMLEscape(QStringLiteral("<&'\">\r\n\u00e9")),
-             QStringLiteral("&lt;&amp;&apos;&quot;&gt;&#0013;&#0010;\u00e9"));
+    QCOMPARE(XMLEscape(u"a&b\r\nc"_s), u"a&amp;b&#0013;&#0010;c"_s);
+    QCOMPARE(XMLEscape(u"\u00e9\u00e9"_s), u"&#0233;\u00e9"_s);
+    QCOMPARE(XMLEscape(u"\u20ac"_s), u"\u20ac"_s);
+    QCOMPARE(XMLEscape(u"x\u20ac!"_s), u"x&#0128;!"_s);
+    QCOMPARE(XMLEscape(u"\u4e2d"_s), u"&#20013;"_s);
+    QCOMPARE(XMLEscape(u"cr\ralone"_s), u"cr\ralone"_s);
+    QCOMPARE(XMLEscape(u"<&'\">\r\n\u00e9"_s), u"&lt;&amp;&apos;&quot;&gt;&#0013;&#0010;\u00e9"_s);
 
-    QCOMPARE(XMLCData(QStringLiteral("a<b\r\nc")), QStringLiteral("<![CDATA[a<b&#0013;&#0010;c]]>"));
-    QCOMPARE(XMLCData(QStringLiteral("~x\r\ny")), QStringLiteral("<![CDATA[~x\r\ny]]>"));
-    QCOMPARE(XMLCData(QStringLiteral("a&b\r\nc")), QStringLiteral("a&b\r\nc"));
+    QCOMPARE(XMLCData(u"a<b\r\nc"_s), u"<![CDATA[a<b&#0013;&#0010;c]]>"_s);
+    QCOMPARE(XMLCData(u"~x\r\ny"_s), u"<![CDATA[~x\r\ny]]>"_s);
+    QCOMPARE(XMLCData(u"a&b\r\nc"_s), u"a&b\r\nc"_s);
 }
 
 void TestXMLCode::tagValueQuirks()
 {
-    QCOMPARE(Tag("<A>x[[--CRLF--]]y</A>"), QStringLiteral("x\r\ny"));
+    QCOMPARE(Tag("<A>x[[--CRLF--]]y</A>"), u"x\r\ny"_s);
     // References of codes 128 to 159 read through Windows-1252.
-    QCOMPARE(Tag("<A>&#0128;&#150;&#0233;&#8364;</A>"), QStringLiteral("\u20ac\u2013\u00e9\u20ac"));
+    QCOMPARE(Tag("<A>&#0128;&#150;&#0233;&#8364;</A>"), u"\u20ac\u2013\u00e9\u20ac"_s);
     // An escaped "</" inside the value cuts it when read back.
-    QCOMPARE(Tag("<A>a&lt;/b</A>"), QStringLiteral("a"));
-    QCOMPARE(Tag("<A><![CDATA[a<b]]></A>"), QStringLiteral("a<b"));
-    QCOMPARE(Tag("<A>xy<![CDATA[abc]]></A>"), QStringLiteral("A[a"));
+    QCOMPARE(Tag("<A>a&lt;/b</A>"), u"a"_s);
+    QCOMPARE(Tag("<A><![CDATA[a<b]]></A>"), u"a<b"_s);
+    QCOMPARE(Tag("<A>xy<![CDATA[abc]]></A>"), u"A[a"_s);
     QCOMPARE(Tag("<A>]]>x<![CDATA[</A>"), QString());
     QCOMPARE(Tag("no tag here"), QString());
-    QCOMPARE(Tag("<A>rest of line"), QStringLiteral("rest of line"));
-    QCOMPARE(Tag("<A attr=\"1\">v</B>"), QStringLiteral("v"));
+    QCOMPARE(Tag("<A>rest of line"), u"rest of line"_s);
+    QCOMPARE(Tag("<A attr=\"1\">v</B>"), u"v"_s);
     // A decoded ampersand can start a new reference.
-    QCOMPARE(Tag("<A>&#38;#65;</A>"), QStringLiteral("A"));
+    QCOMPARE(Tag("<A>&#38;#65;</A>"), u"A"_s);
 
     // A "&#" without ";" stops decoding references for the line, the named ones still go.
-    QString line = QStringLiteral("<A>&#0065;x &amp; &#65 &#66</A>");
-    QCOMPARE(TagValue(line), QStringLiteral("Ax & &#65 &#66"));
-    QCOMPARE(line, QStringLiteral("<A>Ax & &#65 &#66</A>"));
+    QString line = u"<A>&#0065;x &amp; &#65 &#66</A>"_s;
+    QCOMPARE(TagValue(line), u"Ax & &#65 &#66"_s);
+    QCOMPARE(line, u"<A>Ax & &#65 &#66</A>"_s);
     QCOMPARE(Tag("<A>&#abc;&#99999999;</A>"), QString(QChar(0)) + QChar(QChar::ReplacementCharacter));
     // Named entities are read once, after the references: a decoded "&" starts one, "&amp;" does not.
-    QCOMPARE(Tag("<A>&amp;lt; &#38;gt; &quot;&apos;&gt&lt;</A>"), QStringLiteral("&lt; > \"'&gt<"));
+    QCOMPARE(Tag("<A>&amp;lt; &#38;gt; &quot;&apos;&gt&lt;</A>"), u"&lt; > \"'&gt<"_s);
 
     // Reading without decoding the line in place gives the same values and leaves the line alone.
     for (const char *text : {"<A>plain</A>", "<A>a&amp;b&#0013;&#0010;c</A>", "<A>x[[--CRLF--]]y</A>",
@@ -196,48 +193,43 @@ void TestXMLCode::tagValueQuirks()
 
 void TestXMLCode::longElements()
 {
-    QCOMPARE(WriteLongElement(QStringLiteral("Body"), QStringLiteral("a\r\nb")),
-             QStringLiteral("<Body>a&#0013;&#0010;b\r\n</Body>"));
+    QCOMPARE(WriteLongElement(u"Body"_s, u"a\r\nb"_s), u"<Body>a&#0013;&#0010;b\r\n</Body>"_s);
 
-    LineReader written =
-        LineReader::FromText(QStringLiteral("<Body>a&#0013;&#0010;b&lt;\r\n</Body>\r\n<Next>1</Next>"));
+    LineReader written = LineReader::FromText(u"<Body>a&#0013;&#0010;b&lt;\r\n</Body>\r\n<Next>1</Next>"_s);
     QString line = written.readLine();
     TagValue(line);
-    QCOMPARE(ReadLongElement(written, line, QStringLiteral("</Body>")), QStringLiteral("a\r\nb<"));
-    QCOMPARE(written.readLine(), QStringLiteral("<Next>1</Next>"));
+    QCOMPARE(ReadLongElement(written, line, u"</Body>"_s), u"a\r\nb<"_s);
+    QCOMPARE(written.readLine(), u"<Next>1</Next>"_s);
 
     // Older files: continuation lines are taken undecoded, the last one adds its text before the end tag.
-    LineReader old = LineReader::FromText(QStringLiteral("<Body>one\r\ntwo &amp;\r\nthree</Body>\r\n<X>"));
+    LineReader old = LineReader::FromText(u"<Body>one\r\ntwo &amp;\r\nthree</Body>\r\n<X>"_s);
     line = old.readLine();
     TagValue(line);
-    QCOMPARE(ReadLongElement(old, line, QStringLiteral("</Body>")), QStringLiteral("one\r\ntwo &amp;three"));
-    QCOMPARE(old.readLine(), QStringLiteral("<X>"));
+    QCOMPARE(ReadLongElement(old, line, u"</Body>"_s), u"one\r\ntwo &amp;three"_s);
+    QCOMPARE(old.readLine(), u"<X>"_s);
 
     LineReader single = LineReader::FromText(QString());
-    QCOMPARE(ReadLongElement(single, QStringLiteral("<Body>x</Body>"), QStringLiteral("</Body>")),
-             QStringLiteral("x"));
+    QCOMPARE(ReadLongElement(single, u"<Body>x</Body>"_s, u"</Body>"_s), u"x"_s);
 
-    LineReader truncated = LineReader::FromText(QStringLiteral("more"));
-    QCOMPARE(ReadLongElement(truncated, QStringLiteral("<Body>start"), QStringLiteral("</Body>")),
-             QStringLiteral("start\r\nmore"));
+    LineReader truncated = LineReader::FromText(u"more"_s);
+    QCOMPARE(ReadLongElement(truncated, u"<Body>start"_s, u"</Body>"_s), u"start\r\nmore"_s);
 }
 
 void TestXMLCode::scrambling()
 {
-    QCOMPARE(DecodeText(QStringLiteral("Cd!ex")), QStringLiteral("ab"));
+    QCOMPARE(DecodeText(u"Cd!ex"_s), u"ab"_s);
     QCOMPARE(DecodeText(QString()), QString());
-    QCOMPARE(DecodeText(QStringLiteral("C")), QString());
+    QCOMPARE(DecodeText(u"C"_s), QString());
     // A position whose code is k or lower is skipped.
-    QCOMPARE(DecodeText(QStringLiteral("C\u0002!d!")), QStringLiteral("a"));
+    QCOMPARE(DecodeText(u"C\u0002!d!"_s), u"a"_s);
 
-    const QStringList clear = {QStringLiteral("secret"), QStringLiteral("p\u00e4ss \u20ac~"),
-                               QStringLiteral("\u0141\u00ff"), QString()};
+    const QStringList clear = {u"secret"_s, u"p\u00e4ss \u20ac~"_s, u"\u0141\u00ff"_s, QString()};
     QSet<QString> codings;
     for (int round = 0; round < 20; ++round) {
         for (const QString &text : clear) {
             const QString coded = EncodeText(text);
             QCOMPARE(coded.size(), 1 + 2 * text.size());
-            QVERIFY(coded.at(0) >= QLatin1Char('@') && coded.at(0) <= QLatin1Char('L'));
+            QVERIFY(coded.at(0) >= u'@' && coded.at(0) <= u'L');
             QCOMPARE(DecodeText(coded), text);
             codings.insert(coded);
         }
@@ -246,9 +238,9 @@ void TestXMLCode::scrambling()
     QVERIFY(codings.size() > 40);
 
     // A scrambled "<" next to a noise "/" would cut the value when read back: it never happens.
-    const QString digits = QStringLiteral("0123456789");
+    const QString digits = u"0123456789"_s;
     for (int round = 0; round < 2000; ++round) {
-        QString line = WriteElement(QStringLiteral("SMTPPassword"), EncodeText(digits));
+        QString line = WriteElement(u"SMTPPassword"_s, EncodeText(digits));
         QCOMPARE(DecodeText(TagValue(line)), digits);
     }
 }
@@ -258,10 +250,10 @@ void TestXMLCode::lockFile()
     QTemporaryDir dir;
     const FixedClock clock(QDateTime(QDate(2026, 11, 21), QTime(8, 0)));
     const ClockGuard guard(clock);
-    const QString path = dir.filePath(QStringLiteral("job.lck"));
+    const QString path = dir.filePath(u"job.lck"_s);
     CreateLockFile(path);
-    QCOMPARE(ReadAll(path), QByteArray("Lock File Created : 21-Nov-2026\r\n"));
-    CreateLockFile(dir.filePath(QStringLiteral("missing/job.lck"))); // swallowed
+    QCOMPARE(ReadFile(path), QByteArray("Lock File Created : 21-Nov-2026\r\n"));
+    CreateLockFile(dir.filePath(u"missing/job.lck"_s)); // swallowed
 }
 
 QORLO_TEST_MAIN(TestXMLCode)

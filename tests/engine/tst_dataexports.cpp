@@ -1,4 +1,5 @@
-#include "EngineFixtures.h"
+#include "Files.h"
+#include "SalesReport.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/EngineError.h"
@@ -6,8 +7,10 @@
 
 #include <QTemporaryDir>
 
+using namespace Qt::Literals::StringLiterals;
+
 using namespace Engine;
-using namespace EngineFixtures;
+using namespace TestSupport;
 
 class TestDataExports : public QObject
 {
@@ -33,20 +36,18 @@ private:
     }
     static QByteArray contents(const QString &path)
     {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll()
-                                              : QByteArray("(missing file ") + path.toUtf8() + ')';
+        return QFile::exists(path) ? ReadFile(path) : QByteArray("(missing file ") + path.toUtf8() + ')';
     }
 };
 
 void TestDataExports::init()
 {
     m_dir = std::make_unique<QTemporaryDir>();
-    MakeSalesDatabase(m_dir->filePath(QStringLiteral("sales.db")));
-    const QString path = SalesReport(
-        QDir(m_dir->path()), QStringLiteral("exports.rpt"),
-        QStringLiteral("SELECT id, order_date, region, customer, amount, paid FROM {Sales} ORDER BY id"),
-        QStringLiteral(R"(<parameter name="Region" type="12"><default>North</default></parameter>
+    MakeSalesDatabase(m_dir->filePath(u"sales.db"_s));
+    const QString path =
+        SalesReport(QDir(m_dir->path()), u"exports.rpt"_s,
+                    u"SELECT id, order_date, region, customer, amount, paid FROM {Sales} ORDER BY id"_s,
+                    uR"(<parameter name="Region" type="12"><default>North</default></parameter>
 <layout>
   <column field="id" caption="No." width="30" align="right"/>
   <column field="order_date" caption="Date" width="70" format="dd-MMM-yyyy"/>
@@ -54,7 +55,7 @@ void TestDataExports::init()
   <column field="amount" caption="Amount, EUR" width="60" align="right" format="#,##0.00"/>
   <column field="paid" caption="Paid" width="30"/>
 </layout>
-<groupSelection>id &lt;&gt; 2</groupSelection>)"));
+<groupSelection>id &lt;&gt; 2</groupSelection>)"_s);
     m_report = m_application.OpenReport(path);
 }
 
@@ -63,14 +64,14 @@ void TestDataExports::goldenFiles_data()
     QTest::addColumn<int>("formatType");
     QTest::addColumn<QString>("golden");
     QTest::addColumn<bool>("schedulerCsv");
-    QTest::newRow("record format") << 3 << QStringLiteral("records.txt") << false;
-    QTest::newRow("csv as the scheduler sets it") << 5 << QStringLiteral("scheduler.csv") << true;
-    QTest::newRow("csv engine defaults") << 5 << QStringLiteral("defaults.csv") << false;
-    QTest::newRow("tab separated values") << 6 << QStringLiteral("values.tsv") << false;
-    QTest::newRow("tab separated text") << 9 << QStringLiteral("text.tsv") << false;
-    QTest::newRow("xml") << 37 << QStringLiteral("records.xml") << false;
-    QTest::newRow("report with saved data") << 1 << QStringLiteral("saved.rpt") << false;
-    QTest::newRow("report 7.0 with saved data") << 33 << QStringLiteral("saved.rpt") << false;
+    QTest::newRow("record format") << 3 << u"records.txt"_s << false;
+    QTest::newRow("csv as the scheduler sets it") << 5 << u"scheduler.csv"_s << true;
+    QTest::newRow("csv engine defaults") << 5 << u"defaults.csv"_s << false;
+    QTest::newRow("tab separated values") << 6 << u"values.tsv"_s << false;
+    QTest::newRow("tab separated text") << 9 << u"text.tsv"_s << false;
+    QTest::newRow("xml") << 37 << u"records.xml"_s << false;
+    QTest::newRow("report with saved data") << 1 << u"saved.rpt"_s << false;
+    QTest::newRow("report 7.0 with saved data") << 33 << u"saved.rpt"_s << false;
 }
 
 void TestDataExports::goldenFiles()
@@ -82,25 +83,22 @@ void TestDataExports::goldenFiles()
         ExportOptions &options = m_report->ExportOptions();
         options.UseReportDateFormat = true;
         options.UseReportNumberFormat = true;
-        options.CharFieldDelimiter = QStringLiteral("|");
-        options.CharStringDelimiter = QStringLiteral("'");
+        options.CharFieldDelimiter = u"|"_s;
+        options.CharStringDelimiter = u"'"_s;
     }
-    const QByteArray actual = contents(exportTo(formatType, QStringLiteral("out")));
-    const QString goldenPath = TestSupport::DataFile(QStringLiteral("engine/exports/") + golden);
-    if (qEnvironmentVariableIsSet(
-            "QORLO_WRITE_GOLDEN")) { // refresh after a deliberate change, then review the diff
-        QFile file(goldenPath);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(actual);
-    }
+    const QByteArray actual = contents(exportTo(formatType, u"out"_s));
+    const QString goldenPath = DataFile(u"engine/exports/"_s + golden);
+    // Refresh after a deliberate change, then review the difference.
+    if (qEnvironmentVariableIsSet("QORLO_WRITE_GOLDEN"))
+        WriteFile(goldenPath, actual);
     QCOMPARE(actual, contents(goldenPath));
 }
 
 void TestDataExports::targetByFormatType()
 {
     ExportOptions &options = m_report->ExportOptions();
-    options.DiskFileName = m_dir->filePath(QStringLiteral("disk.out"));
-    options.XMLFileName = m_dir->filePath(QStringLiteral("xml.out"));
+    options.DiskFileName = m_dir->filePath(u"disk.out"_s);
+    options.XMLFileName = m_dir->filePath(u"xml.out"_s);
     options.FormatType = XmlFormat;
     m_report->Export(false);
     QVERIFY(QFile::exists(options.XMLFileName));
@@ -120,13 +118,13 @@ void TestDataExports::targetByFormatType()
                  {TextFormat, ""},
                  {PaginatedTextFormat, ""}};
     for (const auto &format : paged) {
-        const QByteArray file = contents(exportTo(format.type, QStringLiteral("paged.%1").arg(format.type)));
+        const QByteArray file = contents(exportTo(format.type, u"paged.%1"_s.arg(format.type)));
         QVERIFY2(file.startsWith(format.start), qPrintable(QString::number(format.type)));
         if (format.type != PdfFormat)
             QVERIFY2(file.contains("Acme Ltd") && file.contains("Page 1 of 1"), file.constData());
     }
     options.FormatType = DhtmlFormat;
-    options.HTMLFileName = m_dir->filePath(QStringLiteral("page.html"));
+    options.HTMLFileName = m_dir->filePath(u"page.html"_s);
     options.HTMLEnableSeparatedPages = true;
     options.HTMLHasPageNavigator = true;
     m_report->Export(false);
@@ -134,21 +132,20 @@ void TestDataExports::targetByFormatType()
             contents(options.HTMLFileName).contains("O'Brien"));
 
     // The saved report reopens with the same records and the file's own definition.
-    auto again = m_application.OpenReport(exportTo(CrystalReportFormat, QStringLiteral("again.rpt")));
+    auto again = m_application.OpenReport(exportTo(CrystalReportFormat, u"again.rpt"_s));
     QVERIFY(again->HasSavedData());
-    QCOMPARE(again->ReportTitle(), QStringLiteral("Fixture Sales"));
+    QCOMPARE(again->ReportTitle(), u"Fixture Sales"_s);
     again->ReadRecords();
     QCOMPARE(again->PrintingStatus().NumberOfRecordSelected(), 5);
 
     // A password never reaches a written report, whether the file or the log-on brought it.
-    const QString withPassword = WriteReport(QDir(m_dir->path()), QStringLiteral("pw.rpt"), QStringLiteral(R"(
+    const QString withPassword = WriteReport(QDir(m_dir->path()), u"pw.rpt"_s, uR"(
 <table name="Sales" location="sales" dll="sqlite"><property name="Database">sales.db</property>
-<property name="Password">hunter2</property></table><query>SELECT 1 AS one</query>)"));
+<property name="Password">hunter2</property></table><query>SELECT 1 AS one</query>)"_s);
     auto secret = m_application.OpenReport(withPassword);
-    secret->Database().Tables().Item(1).ConnectionProperties().Add(QStringLiteral("Password"),
-                                                                   QStringLiteral("s3cret"));
+    secret->Database().Tables().Item(1).ConnectionProperties().Add(u"Password"_s, u"s3cret"_s);
     secret->ExportOptions().FormatType = Crystal7Format;
-    secret->ExportOptions().DiskFileName = m_dir->filePath(QStringLiteral("pw-out.rpt"));
+    secret->ExportOptions().DiskFileName = m_dir->filePath(u"pw-out.rpt"_s);
     secret->Export(false);
     const QByteArray written = contents(secret->ExportOptions().DiskFileName);
     QVERIFY(written.contains("<property name=\"Database\">sales.db</property>"));
@@ -167,19 +164,19 @@ void TestDataExports::failures()
         return QString();
     };
     options.FormatType = CharSeparatedFormat;
-    QCOMPARE(failure(), QStringLiteral("No file name given for export format 5"));
+    QCOMPARE(failure(), u"No file name given for export format 5"_s);
     options.FormatType = HtmlFormat;
-    options.DiskFileName = m_dir->filePath(QStringLiteral("x.html"));
+    options.DiskFileName = m_dir->filePath(u"x.html"_s);
     QCOMPARE(failure(),
-             QStringLiteral("No file name given for export format 24")); // HTML goes to HTMLFileName
+             u"No file name given for export format 24"_s); // HTML goes to HTMLFileName
     options.FormatType = 99;
-    QCOMPARE(failure(), QStringLiteral("Export format 99 is unknown"));
+    QCOMPARE(failure(), u"Export format 99 is unknown"_s);
     options.FormatType = CharSeparatedFormat;
-    options.DiskFileName = m_dir->filePath(QStringLiteral("no/such/folder/x.csv"));
-    QVERIFY(failure().startsWith(QStringLiteral("Cannot write ") + options.DiskFileName));
-    options.DiskFileName = m_dir->filePath(QStringLiteral("x.csv"));
+    options.DiskFileName = m_dir->filePath(u"no/such/folder/x.csv"_s);
+    QVERIFY(failure().startsWith(u"Cannot write "_s + options.DiskFileName));
+    options.DiskFileName = m_dir->filePath(u"x.csv"_s);
     options.DestinationType = 2;
-    QCOMPARE(failure(), QStringLiteral("Export destination 2 is not a disk file (1)"));
+    QCOMPARE(failure(), u"Export destination 2 is not a disk file (1)"_s);
 }
 
 QORLO_TEST_MAIN(TestDataExports)

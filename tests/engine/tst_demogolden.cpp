@@ -1,12 +1,13 @@
 // Every demo report in every export format, against expected files (binary formats through their
 // readers' text), and the content of the Excel, word-processor and PDF files as their readers see it.
 
+#include "Files.h"
 #include "Peers.h"
+#include "Readers.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/Report.h"
 #include "engine/page/HtmlPageSink.h"
-#include "tst_page_sample.h"
 
 #include <QDate>
 #include <QLocale>
@@ -15,9 +16,11 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QTemporaryDir>
-#include <QUrl>
+
+using namespace Qt::Literals::StringLiterals;
 
 using namespace Engine;
+using namespace TestSupport;
 
 namespace {
 
@@ -51,7 +54,7 @@ const Format Formats[] = {{CrystalReportFormat, "rpt", Reader::Text},
 
 QString FileName(const QString &report, const Format &format)
 {
-    return QStringLiteral("%1.%2.%3").arg(report).arg(format.type).arg(QLatin1String(format.extension));
+    return u"%1.%2.%3"_s.arg(report).arg(format.type).arg(QLatin1String(format.extension));
 }
 
 const Format &FormatOf(int type)
@@ -64,7 +67,7 @@ QString ReadText(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll())
-                                          : QStringLiteral("(missing file %1)").arg(path);
+                                          : u"(missing file %1)"_s.arg(path);
 }
 
 // Where a line of a report shows up: details in every reader, totals in the page formats and the Excel
@@ -130,13 +133,12 @@ QString ShownLine(const char *formats, const QSqlQuery &query)
         case 'q': cells.append(english.toString(value.toLongLong())); break;
         case 'm': cells.append(english.toString(value.toDouble(), 'f', 2)); break;
         case 'd':
-            cells.append(
-                QDate::fromString(value.toString(), Qt::ISODate).toString(QStringLiteral("dd-MMM-yyyy")));
+            cells.append(QDate::fromString(value.toString(), Qt::ISODate).toString(u"dd-MMM-yyyy"_s));
             break;
         default: cells.append(value.toString());
         }
     }
-    return cells.join(QLatin1Char(' '));
+    return cells.join(u' ');
 }
 
 // A row as xls_dump.py shows a workbook's row: its cells that are not empty, numbers and dates typed.
@@ -146,38 +148,37 @@ QString SheetRow(const char *formats, const QSqlQuery &query)
     for (int i = 0; formats[i]; ++i) {
         const QVariant value = query.value(i);
         switch (formats[i]) {
-        case 'd': cells.append(QStringLiteral("date ") + value.toString()); break;
-        case 't': cells.append(QStringLiteral("text ") + value.toString()); break;
-        default: cells.append(QStringLiteral("number ") + QString::number(value.toDouble(), 'f', 2));
+        case 'd': cells.append(u"date "_s + value.toString()); break;
+        case 't': cells.append(u"text "_s + value.toString()); break;
+        default: cells.append(u"number "_s + QString::number(value.toDouble(), 'f', 2));
         }
     }
-    return cells.join(QLatin1Char('|'));
+    return cells.join(u'|');
 }
 
 // The rows of an xls_dump.py listing, in the form of SheetRow.
 QSet<QString> SheetRows(const QString &dump)
 {
     static const QRegularExpression cell(
-        QStringLiteral("^[A-Z]+(\\d+) (\\w+) (?:\"(.*)\"|([-\\d.e+]+)(?: (\\d{4}-\\d\\d-\\d\\d))?)"));
+        u"^[A-Z]+(\\d+) (\\w+) (?:\"(.*)\"|([-\\d.e+]+)(?: (\\d{4}-\\d\\d-\\d\\d))?)"_s);
     QMap<std::pair<int, int>, QStringList> rows; // by sheet and row
     int sheet = 0;
-    for (const QString &line : dump.split(QLatin1Char('\n'))) {
-        sheet += line.startsWith(QLatin1String("sheet ")) ? 1 : 0;
+    for (const QString &line : dump.split(u'\n')) {
+        sheet += line.startsWith(u"sheet "_s) ? 1 : 0;
         const auto match = cell.match(line);
         if (!match.hasMatch())
             continue;
         const QString kind = match.captured(2);
         QString value = match.captured(3);
-        if (kind == QLatin1String("number"))
+        if (kind == u"number"_s)
             value = QString::number(match.captured(4).toDouble(), 'f', 2);
-        else if (kind == QLatin1String("date"))
+        else if (kind == u"date"_s)
             value = match.captured(5);
-        rows[{sheet, match.captured(1).toInt()}].append(
-            kind + QLatin1Char(' ') + value.replace(QStringLiteral("\\\""), QStringLiteral("\"")));
+        rows[{sheet, match.captured(1).toInt()}].append(kind + u' ' + value.replace(u"\\\""_s, u"\""_s));
     }
     QSet<QString> result;
     for (const QStringList &row : std::as_const(rows))
-        result.insert(row.join(QLatin1Char('|')));
+        result.insert(row.join(u'|'));
     return result;
 }
 
@@ -185,7 +186,7 @@ QSet<QString> SheetRows(const QString &dump)
 QSet<QString> PageLines(const QString &text)
 {
     QSet<QString> lines;
-    for (const QString &line : text.split(QRegularExpression(QStringLiteral("[\\r\\n\\f]"))))
+    for (const QString &line : text.split(QRegularExpression(u"[\\r\\n\\f]"_s)))
         lines.insert(line.simplified());
     return lines;
 }
@@ -197,7 +198,7 @@ QString Missing(const QStringList &wanted, const QSet<QString> &lines)
     for (const QString &line : wanted)
         if (!lines.contains(line) && missing.size() < 5)
             missing.append(line);
-    return missing.join(QStringLiteral("\n"));
+    return missing.join(u"\n"_s);
 }
 
 } // namespace
@@ -226,38 +227,30 @@ private:
     QTemporaryDir m_dir;
     Application m_application;
     QHash<QString, int> m_pages;
-    QString m_python;
-    QString m_pdftotext;
-    QString m_pdfinfo;
-    QString m_soffice;
 };
 
 void TestDemoGolden::initTestCase()
 {
     QVERIFY(m_dir.isValid());
-    m_python = TestSupport::DebianPython();
-    m_pdftotext = TestSupport::FindProgram(QStringLiteral("pdftotext"));
-    m_pdfinfo = TestSupport::FindProgram(QStringLiteral("pdfinfo"));
-    m_soffice = TestSupport::FindProgram(QStringLiteral("soffice"));
     // The reports run on a copy, so that no export lands in the source tree.
     const QDir demo(QStringLiteral(QORLO_SOURCE_DIR "/demo"));
     for (const QString &name : demo.entryList(QDir::Files))
         QVERIFY(QFile::copy(demo.filePath(name), m_dir.filePath(name)));
-    QVERIFY(QDir(m_dir.path()).mkdir(QStringLiteral("out")));
+    QVERIFY(QDir(m_dir.path()).mkdir(u"out"_s));
     for (const DemoReport &report : Reports)
         exportAll(QLatin1String(report.name));
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
-    db.setDatabaseName(m_dir.filePath(QStringLiteral("demo.db")));
+    QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s);
+    db.setDatabaseName(m_dir.filePath(u"demo.db"_s));
     QVERIFY(db.open());
 }
 
 void TestDemoGolden::exportAll(const QString &name)
 {
-    auto report = m_application.OpenReport(m_dir.filePath(name + QStringLiteral(".rpt")));
+    auto report = m_application.OpenReport(m_dir.filePath(name + u".rpt"_s));
     // The one demo report without defaults takes two of the four regions.
-    if (name == QLatin1String("region-summary")) {
-        report->ParameterFields().Item(1).AddCurrentValue(QStringLiteral("North"));
-        report->ParameterFields().Item(1).AddCurrentValue(QStringLiteral("West"));
+    if (name == u"region-summary"_s) {
+        report->ParameterFields().Item(1).AddCurrentValue(u"North"_s);
+        report->ParameterFields().Item(1).AddCurrentValue(u"West"_s);
     }
     ExportOptions &options = report->ExportOptions();
     for (const Format &format : Formats) {
@@ -275,7 +268,7 @@ void TestDemoGolden::exportAll(const QString &name)
 
 QString TestDemoGolden::output(const QString &report, const Format &format) const
 {
-    return m_dir.filePath(QStringLiteral("out/") + FileName(report, format));
+    return m_dir.filePath(u"out/"_s + FileName(report, format));
 }
 
 QString TestDemoGolden::readable(const QString &report, const Format &format)
@@ -284,13 +277,9 @@ QString TestDemoGolden::readable(const QString &report, const Format &format)
     QString text;
     switch (format.reader) {
     case Reader::Excel:
-        text = QString::fromUtf8(
-            PageSample::ReadWith(m_python, {TestSupport::PeerScript(QStringLiteral("xls_dump.py")), path}));
+        text = QString::fromUtf8(ProgramOutput(DebianPython(), {PeerScript(u"xls_dump.py"_s), path}));
         break;
-    case Reader::Pdf:
-        text = QString::fromUtf8(
-            PageSample::ReadWith(m_pdftotext, {QStringLiteral("-layout"), path, QStringLiteral("-")}));
-        break;
+    case Reader::Pdf: text = PdfText(path, 0, true); break;
     case Reader::Text:
         if (format.type != DhtmlFormat) {
             text = ReadText(path);
@@ -299,12 +288,11 @@ QString TestDemoGolden::readable(const QString &report, const Format &format)
         // One file a page: the pages one after another, each under its file name.
         for (int number = 1; number <= m_pages.value(report); ++number) {
             const QString page = HtmlPageSink::PageFileName(path, number);
-            text += QStringLiteral("==> %1 <==\n").arg(QFileInfo(page).fileName()) + ReadText(page);
+            text += u"==> %1 <==\n"_s.arg(QFileInfo(page).fileName()) + ReadText(page);
         }
     }
     const QDate today = QDate::currentDate();
-    return text.replace(m_dir.path(), QStringLiteral("<FOLDER>"))
-        .replace(today.toString(Qt::ISODate), QStringLiteral("<PRINT DATE>"));
+    return text.replace(m_dir.path(), u"<FOLDER>"_s).replace(today.toString(Qt::ISODate), u"<PRINT DATE>"_s);
 }
 
 QStringList TestDemoGolden::expected(const DemoReport &report, const QList<Part> &parts, bool sheet)
@@ -337,44 +325,36 @@ void TestDemoGolden::goldenFiles()
     QFETCH(QString, report);
     QFETCH(int, format);
     const Format &type = Formats[format];
-    QORLO_REQUIRE_PEER(type.reader != Reader::Pdf || !m_pdftotext.isEmpty(), QStringLiteral("poppler-utils"));
-    QORLO_REQUIRE_PEER(type.reader != Reader::Excel || QFileInfo(m_python).isExecutable(),
-                       QStringLiteral("python3-xlrd"));
-    const QString golden =
-        TestSupport::DataFile(QStringLiteral("engine/golden/") + FileName(report, type) +
-                              (type.reader == Reader::Text ? QString() : QStringLiteral(".txt")));
+    QORLO_REQUIRE_PEER(type.reader != Reader::Pdf || PopplerInstalled(), u"poppler-utils"_s);
+    QORLO_REQUIRE_PEER(type.reader != Reader::Excel || XlrdInstalled(), u"python3-xlrd"_s);
+    const QString golden = DataFile(u"engine/golden/"_s + FileName(report, type) +
+                                    (type.reader == Reader::Text ? QString() : u".txt"_s));
     // A runaway export is reported by its size rather than read into memory (remove the expected file to
     // write one that grows by much).
     const qint64 size = QFileInfo(output(report, type)).size();
     const qint64 limit = 2 * QFileInfo(golden).size() + 65536;
-    QVERIFY2(
-        type.reader != Reader::Text || !QFile::exists(golden) || size <= limit,
-        qPrintable(QStringLiteral("%1 bytes written, %2 expected").arg(size).arg(QFileInfo(golden).size())));
+    QVERIFY2(type.reader != Reader::Text || !QFile::exists(golden) || size <= limit,
+             qPrintable(u"%1 bytes written, %2 expected"_s.arg(size).arg(QFileInfo(golden).size())));
     const QString actual = readable(report, type);
     // Refresh after a deliberate change, then review the difference.
-    if (qEnvironmentVariableIsSet("QORLO_WRITE_GOLDEN")) {
-        QFile file(golden);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(actual.toUtf8());
-    }
+    if (qEnvironmentVariableIsSet("QORLO_WRITE_GOLDEN"))
+        WriteFile(golden, actual.toUtf8());
     QCOMPARE(actual, ReadText(golden));
 }
 
 void TestDemoGolden::pagesAgree()
 {
-    QORLO_REQUIRE_PEER(!m_pdftotext.isEmpty() && !m_pdfinfo.isEmpty(), QStringLiteral("poppler-utils"));
+    QORLO_REQUIRE_PEER(PopplerInstalled(), u"poppler-utils"_s);
     const Format &text = FormatOf(PaginatedTextFormat);
     const Format &pdf = FormatOf(PdfFormat);
     for (const DemoReport &report : Reports) {
         const QString name = QLatin1String(report.name);
         const int count = m_pages.value(name);
         QVERIFY2(count > 0, report.name);
-        const QString info = QString::fromUtf8(PageSample::ReadWith(m_pdfinfo, {output(name, pdf)}));
-        QVERIFY2(info.contains(QRegularExpression(QStringLiteral("Pages:\\s+%1\\n").arg(count))),
-                 qPrintable(name + QLatin1Char('\n') + info));
-        const QStringList textPages = ReadText(output(name, text)).split(QLatin1Char('\f'));
+        QVERIFY2(PdfPages(output(name, pdf)) == count, qPrintable(name));
+        const QStringList textPages = ReadText(output(name, text)).split(u'\f');
         // pdftotext ends every page with a form feed.
-        QStringList pdfPages = readable(name, pdf).split(QLatin1Char('\f'));
+        QStringList pdfPages = readable(name, pdf).split(u'\f');
         QCOMPARE(pdfPages.takeLast().trimmed(), QString());
         // The separate HTML pages: one file a page.
         const QString html = output(name, FormatOf(DhtmlFormat));
@@ -383,9 +363,9 @@ void TestDemoGolden::pagesAgree()
         QCOMPARE(textPages.size(), count);
         QCOMPARE(pdfPages.size(), count);
         for (int i = 0; i < count; ++i) {
-            const QString footer = QStringLiteral("Page %1 of %2").arg(i + 1).arg(count);
-            QVERIFY2(textPages[i].contains(footer), qPrintable(name + QLatin1Char(' ') + footer));
-            QVERIFY2(pdfPages[i].contains(footer), qPrintable(name + QLatin1Char(' ') + footer));
+            const QString footer = u"Page %1 of %2"_s.arg(i + 1).arg(count);
+            QVERIFY2(textPages[i].contains(footer), qPrintable(name + u' ' + footer));
+            QVERIFY2(pdfPages[i].contains(footer), qPrintable(name + u' ' + footer));
         }
     }
 }
@@ -394,30 +374,30 @@ void TestDemoGolden::xmlHoldsEveryRecord()
 {
     // The XML export goes to its file in pieces; a 3000-row report must come out with each record once.
     QSqlQuery query;
-    QVERIFY(query.exec(QStringLiteral("SELECT COUNT(*) FROM sales")) && query.next());
-    const QString xml = ReadText(output(QStringLiteral("large-orders-alert"), FormatOf(XmlFormat)));
-    QCOMPARE(xml.count(QStringLiteral("<Record>")), query.value(0).toInt());
-    QVERIFY(xml.trimmed().endsWith(QStringLiteral("</Report>")));
+    QVERIFY(query.exec(u"SELECT COUNT(*) FROM sales"_s) && query.next());
+    const QString xml = ReadText(output(u"large-orders-alert"_s, FormatOf(XmlFormat)));
+    QCOMPARE(xml.count(u"<Record>"_s), query.value(0).toInt());
+    QVERIFY(xml.trimmed().endsWith(u"</Report>"_s));
 }
 
 void TestDemoGolden::pageFormatsShowTheLines()
 {
-    QORLO_REQUIRE_PEER(!m_pdftotext.isEmpty(), QStringLiteral("pdftotext (poppler-utils)"));
+    QORLO_REQUIRE_PEER(PopplerInstalled(), u"poppler-utils"_s);
     for (const DemoReport &report : Reports) {
         const QStringList wanted = expected(report, {Part::Detail, Part::Total, Part::Subreport}, false);
         QVERIFY(!wanted.isEmpty());
         for (const int type : {PdfFormat, PaginatedTextFormat, TextFormat}) {
             const Format &format = FormatOf(type);
             const QString missing = Missing(wanted, PageLines(readable(QLatin1String(report.name), format)));
-            QVERIFY2(missing.isEmpty(), qPrintable(FileName(QLatin1String(report.name), format) +
-                                                   QStringLiteral(" lacks:\n") + missing));
+            QVERIFY2(missing.isEmpty(),
+                     qPrintable(FileName(QLatin1String(report.name), format) + u" lacks:\n"_s + missing));
         }
     }
 }
 
 void TestDemoGolden::excelWorkbooks()
 {
-    QORLO_REQUIRE_PEER(QFileInfo(m_python).isExecutable(), QStringLiteral("python3-xlrd"));
+    QORLO_REQUIRE_PEER(XlrdInstalled(), u"python3-xlrd"_s);
     for (const DemoReport &report : Reports) {
         const QStringList details = expected(report, {Part::Detail}, true);
         const QStringList totals = expected(report, {Part::Total}, true);
@@ -428,44 +408,38 @@ void TestDemoGolden::excelWorkbooks()
             const QSet<QString> rows = SheetRows(readable(QLatin1String(report.name), format));
             QVERIFY2(!rows.isEmpty(), qPrintable(name));
             QString missing = Missing(details, rows);
-            QVERIFY2(missing.isEmpty(), qPrintable(name + QStringLiteral(" lacks:\n") + missing));
+            QVERIFY2(missing.isEmpty(), qPrintable(name + u" lacks:\n"_s + missing));
             // The data-only workbook has the records alone.
             if (format.type == ExcelDataOnlyFormat) {
                 for (const QString &total : totals)
-                    QVERIFY2(!rows.contains(total), qPrintable(name + QStringLiteral(" has ") + total));
+                    QVERIFY2(!rows.contains(total), qPrintable(name + u" has "_s + total));
                 continue;
             }
             missing = Missing(totals, rows);
-            QVERIFY2(missing.isEmpty(), qPrintable(name + QStringLiteral(" lacks:\n") + missing));
+            QVERIFY2(missing.isEmpty(), qPrintable(name + u" lacks:\n"_s + missing));
         }
     }
 }
 
 void TestDemoGolden::wordProcessorText()
 {
-    QORLO_REQUIRE_PEER(!m_soffice.isEmpty(), QStringLiteral("LibreOffice (libreoffice-writer-nogui)"));
+    QORLO_REQUIRE_PEER(!LibreOffice().isEmpty(), u"LibreOffice (libreoffice-writer-nogui)"_s);
     QStringList files;
     for (const DemoReport &report : Reports)
         for (const int type : {RichTextFormat, WordFormat})
             files.append(output(QLatin1String(report.name), FormatOf(type)));
     // One conversion for every file: LibreOffice takes seconds to start.
-    const QString out = m_dir.filePath(QStringLiteral("converted"));
-    const QString profile = QUrl::fromLocalFile(m_dir.filePath(QStringLiteral("profile"))).toString();
-    QVERIFY(PageSample::Run(m_soffice,
-                            QStringList{QStringLiteral("-env:UserInstallation=") + profile,
-                                        QStringLiteral("--headless"), QStringLiteral("--convert-to"),
-                                        QStringLiteral("txt"), QStringLiteral("--outdir"), out} +
-                                files,
-                            nullptr, 300000));
+    const QString out = m_dir.filePath(u"converted"_s);
+    QVERIFY(ConvertWithLibreOffice(files, u"txt"_s, out));
     for (const DemoReport &report : Reports) {
         const QStringList wanted = expected(report, {Part::Detail, Part::Total, Part::Subreport}, false);
         for (const int type : {RichTextFormat, WordFormat}) {
             const Format &format = FormatOf(type);
-            const QString txt = out + QLatin1Char('/') +
+            const QString txt = out + u'/' +
                                 QFileInfo(output(QLatin1String(report.name), format)).completeBaseName() +
-                                QStringLiteral(".txt");
+                                u".txt"_s;
             const QString missing = Missing(wanted, PageLines(ReadText(txt)));
-            QVERIFY2(missing.isEmpty(), qPrintable(txt + QStringLiteral(" lacks:\n") + missing));
+            QVERIFY2(missing.isEmpty(), qPrintable(txt + u" lacks:\n"_s + missing));
         }
     }
 }

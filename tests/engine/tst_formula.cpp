@@ -4,6 +4,8 @@
 
 #include <QDate>
 
+using namespace Qt::Literals::StringLiterals;
+
 using namespace Engine;
 
 class TestFormula : public QObject
@@ -17,19 +19,16 @@ private Q_SLOTS:
     void faultsNameFormulaAndPosition();
 
 private:
-    const QStringList m_fields{QStringLiteral("region"), QStringLiteral("amount"),
-                               QStringLiteral("order_date"), QStringLiteral("paid"),
-                               QStringLiteral("customer")};
-    const RecordStore::Row m_row{QStringLiteral("North"), qlonglong(1500), QStringLiteral("2024-02-29"), true,
-                                 QStringLiteral("O'Brien")};
+    const QStringList m_fields{u"region"_s, u"amount"_s, u"order_date"_s, u"paid"_s, u"customer"_s};
+    const RecordStore::Row m_row{u"North"_s, qlonglong(1500), u"2024-02-29"_s, true, u"O'Brien"_s};
 
     QVariant value(const QString &text)
     {
-        Formula formula = Formula::Parse(QStringLiteral("t"), text);
+        Formula formula = Formula::Parse(u"t"_s, text);
         formula.bind(m_fields, [](const QString &name) {
-            if (name == QLatin1String("Regions"))
-                return QVariantList{QStringLiteral("South"), QStringLiteral("North")};
-            if (name == QLatin1String("Limit"))
+            if (name == u"Regions"_s)
+                return QVariantList{u"South"_s, u"North"_s};
+            if (name == u"Limit"_s)
                 return QVariantList{1000.0};
             return QVariantList();
         });
@@ -41,35 +40,32 @@ void TestFormula::evaluates_data()
 {
     QTest::addColumn<QString>("formula");
     QTest::addColumn<QVariant>("expected");
-    QTest::newRow("compare") << QStringLiteral("amount >= 1500 and amount < 1500.5") << QVariant(true);
-    QTest::newRow("precedence") << QStringLiteral("1 + 2 * 3 = 7 or false") << QVariant(true);
-    QTest::newRow("parentheses") << QStringLiteral("(1 + 2) * 3") << QVariant(9.0);
-    QTest::newRow("unary") << QStringLiteral("-amount / 4") << QVariant(-375.0);
-    QTest::newRow("not binds tighter than and") << QStringLiteral("not paid and true") << QVariant(false);
-    QTest::newRow("text equality is exact") << QStringLiteral("region = 'north'") << QVariant(false);
-    QTest::newRow("text order") << QStringLiteral("region > 'East' and region <> \"South\"")
-                                << QVariant(true);
-    QTest::newRow("quote doubled") << QStringLiteral("customer = 'O''Brien'") << QVariant(true);
-    QTest::newRow("braced field") << QStringLiteral("{Sales.amount} = 1500") << QVariant(true);
-    QTest::newRow("in list") << QStringLiteral("region in ['East', 'North']") << QVariant(true);
-    QTest::newRow("not in list") << QStringLiteral("not (region in ('East', 'West'))") << QVariant(true);
-    QTest::newRow("in parameter") << QStringLiteral("region in {?Regions}") << QVariant(true);
-    QTest::newRow("single parameter") << QStringLiteral("amount > {?Limit}") << QVariant(true);
-    QTest::newRow("date literal vs text date")
-        << QStringLiteral("order_date = #2024-02-29#") << QVariant(true);
-    QTest::newRow("date order") << QStringLiteral("order_date < #2024-03-01 08:00#") << QVariant(true);
-    QTest::newRow("date function") << QStringLiteral("order_date > date(2024, 2, 28)") << QVariant(true);
-    QTest::newRow("parts of date") << QStringLiteral("year(order_date) * 100 + month(order_date)")
-                                   << QVariant(202402.0);
-    QTest::newRow("text functions") << QStringLiteral("upper(region) & '-' & lower(trim('  X '))")
-                                    << QVariant(QStringLiteral("NORTH-x"));
-    QTest::newRow("length") << QStringLiteral("length(customer)") << QVariant(7.0);
-    QTest::newRow("round") << QStringLiteral("round(2 / 3, 2)") << QVariant(0.67);
-    QTest::newRow("abs") << QStringLiteral("abs(10 - amount)") << QVariant(1490.0);
-    QTest::newRow("contains") << QStringLiteral("contains(customer, 'Bri') and startswith(region, 'No')")
+    QTest::newRow("compare") << u"amount >= 1500 and amount < 1500.5"_s << QVariant(true);
+    QTest::newRow("precedence") << u"1 + 2 * 3 = 7 or false"_s << QVariant(true);
+    QTest::newRow("parentheses") << u"(1 + 2) * 3"_s << QVariant(9.0);
+    QTest::newRow("unary") << u"-amount / 4"_s << QVariant(-375.0);
+    QTest::newRow("not binds tighter than and") << u"not paid and true"_s << QVariant(false);
+    QTest::newRow("text equality is exact") << u"region = 'north'"_s << QVariant(false);
+    QTest::newRow("text order") << u"region > 'East' and region <> \"South\""_s << QVariant(true);
+    QTest::newRow("quote doubled") << u"customer = 'O''Brien'"_s << QVariant(true);
+    QTest::newRow("braced field") << u"{Sales.amount} = 1500"_s << QVariant(true);
+    QTest::newRow("in list") << u"region in ['East', 'North']"_s << QVariant(true);
+    QTest::newRow("not in list") << u"not (region in ('East', 'West'))"_s << QVariant(true);
+    QTest::newRow("in parameter") << u"region in {?Regions}"_s << QVariant(true);
+    QTest::newRow("single parameter") << u"amount > {?Limit}"_s << QVariant(true);
+    QTest::newRow("date literal vs text date") << u"order_date = #2024-02-29#"_s << QVariant(true);
+    QTest::newRow("date order") << u"order_date < #2024-03-01 08:00#"_s << QVariant(true);
+    QTest::newRow("date function") << u"order_date > date(2024, 2, 28)"_s << QVariant(true);
+    QTest::newRow("parts of date") << u"year(order_date) * 100 + month(order_date)"_s << QVariant(202402.0);
+    QTest::newRow("text functions") << u"upper(region) & '-' & lower(trim('  X '))"_s
+                                    << QVariant(u"NORTH-x"_s);
+    QTest::newRow("length") << u"length(customer)"_s << QVariant(7.0);
+    QTest::newRow("round") << u"round(2 / 3, 2)"_s << QVariant(0.67);
+    QTest::newRow("abs") << u"abs(10 - amount)"_s << QVariant(1490.0);
+    QTest::newRow("contains") << u"contains(customer, 'Bri') and startswith(region, 'No')"_s
                               << QVariant(true);
-    QTest::newRow("keywords any case") << QStringLiteral("TRUE AND Not FALSE") << QVariant(true);
-    QTest::newRow("division by zero") << QStringLiteral("amount / 0") << QVariant();
+    QTest::newRow("keywords any case") << u"TRUE AND Not FALSE"_s << QVariant(true);
+    QTest::newRow("division by zero") << u"amount / 0"_s << QVariant();
 }
 
 void TestFormula::evaluates()
@@ -86,23 +82,22 @@ void TestFormula::evaluates()
 void TestFormula::nullsAndParameters()
 {
     const RecordStore::Row withNull{QVariant(), QVariant(), QVariant(), QVariant(), QVariant()};
-    Formula formula = Formula::Parse(QStringLiteral("n"), QStringLiteral("amount > 10 or isnull(amount)"));
+    Formula formula = Formula::Parse(u"n"_s, u"amount > 10 or isnull(amount)"_s);
     formula.bind(m_fields, {});
     QVERIFY(formula.test(withNull));
-    Formula compare = Formula::Parse(QStringLiteral("n"), QStringLiteral("amount > 10"));
+    Formula compare = Formula::Parse(u"n"_s, u"amount > 10"_s);
     compare.bind(m_fields, {});
     QVERIFY(compare.evaluate(withNull).isNull());
     QVERIFY(!compare.test(withNull));
-    Formula negated = Formula::Parse(QStringLiteral("n"), QStringLiteral("not (amount > 10)"));
+    Formula negated = Formula::Parse(u"n"_s, u"not (amount > 10)"_s);
     negated.bind(m_fields, {});
     QVERIFY(!negated.test(withNull)); // unknown stays unknown, it does not turn true
     // SQLite keeps booleans as 0 and 1.
-    const RecordStore::Row zeroOne{QStringLiteral("x"), qlonglong(0), QString(), qlonglong(0), QString()};
-    Formula unpaid =
-        Formula::Parse(QStringLiteral("b"), QStringLiteral("not paid and paid = false and paid <> true"));
+    const RecordStore::Row zeroOne{u"x"_s, qlonglong(0), QString(), qlonglong(0), QString()};
+    Formula unpaid = Formula::Parse(u"b"_s, u"not paid and paid = false and paid <> true"_s);
     unpaid.bind(m_fields, {});
     QVERIFY(unpaid.test(zeroOne));
-    Formula empty = Formula::Parse(QStringLiteral("n"), QStringLiteral("  "));
+    Formula empty = Formula::Parse(u"n"_s, u"  "_s);
     QVERIFY(empty.isEmpty());
     QVERIFY(empty.test(m_row));
 }
@@ -111,26 +106,17 @@ void TestFormula::faultsNameFormulaAndPosition_data()
 {
     QTest::addColumn<QString>("formula");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("unclosed text") << QStringLiteral("region = 'North")
-                                   << QStringLiteral("position 10: text not closed");
-    QTest::newRow("missing operand") << QStringLiteral("amount > ")
-                                     << QStringLiteral("position 10: the formula ends too early");
-    QTest::newRow("stray token") << QStringLiteral("amount 5")
-                                 << QStringLiteral("position 8: unexpected \"5\"");
-    QTest::newRow("unknown character")
-        << QStringLiteral("amount ; 5") << QStringLiteral("position 8: unexpected character");
-    QTest::newRow("unknown field") << QStringLiteral("amout > 5")
-                                   << QStringLiteral("position 1: unknown field \"amout\"");
-    QTest::newRow("unknown function")
-        << QStringLiteral("x1(amount)") << QStringLiteral("unknown function \"x1\"");
-    QTest::newRow("argument count") << QStringLiteral("upper(region, 1)")
-                                    << QStringLiteral("upper takes 1 argument");
-    QTest::newRow("bad date") << QStringLiteral("order_date = #2024-02-30#")
-                              << QStringLiteral("position 14: \"2024-02-30\" is not a date");
-    QTest::newRow("in without list") << QStringLiteral("region in 'North'")
-                                     << QStringLiteral("expected a list");
-    QTest::newRow("type mismatch") << QStringLiteral("region * 2 > 1")
-                                   << QStringLiteral("position 8: \"North\" is not a number");
+    QTest::newRow("unclosed text") << u"region = 'North"_s << u"position 10: text not closed"_s;
+    QTest::newRow("missing operand") << u"amount > "_s << u"position 10: the formula ends too early"_s;
+    QTest::newRow("stray token") << u"amount 5"_s << u"position 8: unexpected \"5\""_s;
+    QTest::newRow("unknown character") << u"amount ; 5"_s << u"position 8: unexpected character"_s;
+    QTest::newRow("unknown field") << u"amout > 5"_s << u"position 1: unknown field \"amout\""_s;
+    QTest::newRow("unknown function") << u"x1(amount)"_s << u"unknown function \"x1\""_s;
+    QTest::newRow("argument count") << u"upper(region, 1)"_s << u"upper takes 1 argument"_s;
+    QTest::newRow("bad date") << u"order_date = #2024-02-30#"_s
+                              << u"position 14: \"2024-02-30\" is not a date"_s;
+    QTest::newRow("in without list") << u"region in 'North'"_s << u"expected a list"_s;
+    QTest::newRow("type mismatch") << u"region * 2 > 1"_s << u"position 8: \"North\" is not a number"_s;
 }
 
 void TestFormula::faultsNameFormulaAndPosition()
@@ -142,8 +128,7 @@ void TestFormula::faultsNameFormulaAndPosition()
         QFAIL("the formula must fail");
     } catch (const EngineError &error) {
         QCOMPARE(error.number(), int(EngineError::BadFormula));
-        QVERIFY2(error.description().startsWith(QLatin1String("Formula t: ")),
-                 qPrintable(error.description()));
+        QVERIFY2(error.description().startsWith(u"Formula t: "_s), qPrintable(error.description()));
         QVERIFY2(error.description().contains(expected), qPrintable(error.description()));
     }
 }

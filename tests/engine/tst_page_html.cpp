@@ -1,11 +1,14 @@
 #include "engine/page/HtmlPageSink.h"
+#include "Files.h"
+#include "PageSample.h"
 #include "TestMain.h"
-#include "tst_page_sample.h"
 
 #include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 #include <QTemporaryDir>
+
+using namespace Qt::Literals::StringLiterals;
 
 using namespace Engine;
 
@@ -21,22 +24,21 @@ private Q_SLOTS:
 
 namespace {
 
-QString ReadFile(const QString &path)
+QString ReadText(const QString &path)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return QString::fromUtf8(TestSupport::ReadFile(path));
 }
 
 // The navigator's entries in order, a link as "caption=href", plain text as "caption".
 QStringList NavigatorOf(const QString &html)
 {
-    const QRegularExpression block(QStringLiteral("<div class=\"navigator\">(.*?)</div>"));
-    const QRegularExpression entry(QStringLiteral("<a href=\"([^\"]*)\">([^<]*)</a>|<span>([^<]*)</span>"));
+    const QRegularExpression block(u"<div class=\"navigator\">(.*?)</div>"_s);
+    const QRegularExpression entry(u"<a href=\"([^\"]*)\">([^<]*)</a>|<span>([^<]*)</span>"_s);
     QStringList entries;
     auto it = entry.globalMatch(block.match(html).captured(1));
     while (it.hasNext()) {
         const auto match = it.next();
-        entries.append(match.hasCaptured(1) ? match.captured(2) + QLatin1Char('=') + match.captured(1)
+        entries.append(match.hasCaptured(1) ? match.captured(2) + u'=' + match.captured(1)
                                             : match.captured(3));
     }
     return entries;
@@ -47,107 +49,99 @@ QStringList NavigatorOf(const QString &html)
 void TestPageHtml::onePageFile()
 {
     QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("sales.html"));
+    const QString file = dir.filePath(u"sales.html"_s);
     HtmlPageSink sink(file, {false, false});
     PageSample::Render(sink, PageSample::Setup(false), 3);
     QVERIFY2(!sink.failed(), qPrintable(sink.errorString()));
-    QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{QStringLiteral("sales.html")});
+    QCOMPARE(QDir(dir.path()).entryList(QDir::Files), QStringList{u"sales.html"_s});
 
-    const QString html = ReadFile(file);
-    QVERIFY(html.startsWith(QStringLiteral("<!DOCTYPE html>")));
-    QVERIFY(html.contains(QStringLiteral("<meta charset=\"utf-8\">")));
-    QVERIFY(html.contains(QStringLiteral("<title>Sales &amp; Co</title>")));
-    QCOMPARE(html.count(QStringLiteral("<div class=\"page\"")), 3);
+    const QString html = ReadText(file);
+    QVERIFY(html.startsWith(u"<!DOCTYPE html>"_s));
+    QVERIFY(html.contains(u"<meta charset=\"utf-8\">"_s));
+    QVERIFY(html.contains(u"<title>Sales &amp; Co</title>"_s));
+    QCOMPARE(html.count(u"<div class=\"page\""_s), 3);
     QCOMPARE(html.count(QRegularExpression(
-                 QStringLiteral("<div class=\"page\" id=\"page\\d\" style=\"width:500pt;height:560pt\">"))),
+                 u"<div class=\"page\" id=\"page\\d\" style=\"width:500pt;height:560pt\">"_s)),
              3);
-    QVERIFY(!html.contains(QStringLiteral("navigator\">")));
-    QVERIFY(html.indexOf(QStringLiteral("Page 1 of 3")) < html.indexOf(QStringLiteral("id=\"page2\"")));
-    QVERIFY(html.indexOf(QStringLiteral("Page 3 of 3")) > html.indexOf(QStringLiteral("id=\"page3\"")));
-    QVERIFY(html.endsWith(QStringLiteral("</html>\n")));
+    QVERIFY(!html.contains(u"navigator\">"_s));
+    QVERIFY(html.indexOf(u"Page 1 of 3"_s) < html.indexOf(u"id=\"page2\""_s));
+    QVERIFY(html.indexOf(u"Page 3 of 3"_s) > html.indexOf(u"id=\"page3\""_s));
+    QVERIFY(html.endsWith(u"</html>\n"_s));
 
     // Texts are escaped and kept in UTF-8; each sits at its place, right-aligned amounts at the right.
-    QVERIFY(html.contains(QStringLiteral(">Smith &amp; &lt;Sons&gt;</div>")));
-    QVERIFY(!html.contains(QStringLiteral("<Sons>")));
-    QVERIFY(html.contains(QStringLiteral(">Łódź {Ltd} \\ 5€</div>")));
-    QVERIFY(html.contains(QStringLiteral("left:340pt;top:100pt;width:100pt;height:14pt;"
-                                         "font:9pt &quot;Liberation Sans&quot;,sans-serif;"
-                                         "justify-content:flex-end;align-items:center\">12.50</div>")));
-    QVERIFY(html.contains(QStringLiteral("font:bold 14pt &quot;Liberation Sans&quot;")));
+    QVERIFY(html.contains(u">Smith &amp; &lt;Sons&gt;</div>"_s));
+    QVERIFY(!html.contains(u"<Sons>"_s));
+    QVERIFY(html.contains(u">Łódź {Ltd} \\ 5€</div>"_s));
+    QVERIFY(html.contains(u"left:340pt;top:100pt;width:100pt;height:14pt;"
+                          "font:9pt &quot;Liberation Sans&quot;,sans-serif;"
+                          "justify-content:flex-end;align-items:center\">12.50</div>"_s));
+    QVERIFY(html.contains(u"font:bold 14pt &quot;Liberation Sans&quot;"_s));
     // The heading line and the shaded box.
-    QVERIFY(html.contains(QStringLiteral(
-        "<line x1=\"40\" y1=\"96\" x2=\"440\" y2=\"96\" stroke=\"black\" stroke-width=\"1\"/>")));
     QVERIFY(html.contains(
-        QStringLiteral("<rect x=\"36\" y=\"76\" width=\"408\" height=\"156\" fill=\"#f0f0f0\"")));
+        u"<line x1=\"40\" y1=\"96\" x2=\"440\" y2=\"96\" stroke=\"black\" stroke-width=\"1\"/>"_s));
+    QVERIFY(html.contains(u"<rect x=\"36\" y=\"76\" width=\"408\" height=\"156\" fill=\"#f0f0f0\""_s));
 }
 
 void TestPageHtml::separatePagesWithNavigator()
 {
     QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("my sales.html"));
+    const QString file = dir.filePath(u"my sales.html"_s);
     HtmlPageSink sink(file, {true, true});
     PageSample::Render(sink, PageSample::Setup(true), 3);
     QVERIFY2(!sink.failed(), qPrintable(sink.errorString()));
     QStringList files = QDir(dir.path()).entryList(QDir::Files, QDir::Name);
-    QCOMPARE(files, (QStringList{QStringLiteral("my sales.html"), QStringLiteral("my sales2.html"),
-                                 QStringLiteral("my sales3.html")}));
+    QCOMPARE(files, (QStringList{u"my sales.html"_s, u"my sales2.html"_s, u"my sales3.html"_s}));
 
-    const QString first = ReadFile(file);
-    const QString second = ReadFile(dir.filePath(QStringLiteral("my sales2.html")));
-    const QString third = ReadFile(dir.filePath(QStringLiteral("my sales3.html")));
+    const QString first = ReadText(file);
+    const QString second = ReadText(dir.filePath(u"my sales2.html"_s));
+    const QString third = ReadText(dir.filePath(u"my sales3.html"_s));
     for (const QString *page : {&first, &second, &third}) {
-        QCOMPARE(page->count(QStringLiteral("<div class=\"page\"")), 1);
-        QVERIFY(page->contains(QStringLiteral("<meta charset=\"utf-8\">")));
-        QVERIFY(page->contains(QStringLiteral("style=\"width:560pt;height:500pt\"")));
-        QVERIFY(page->endsWith(QStringLiteral("</html>\n")));
+        QCOMPARE(page->count(u"<div class=\"page\""_s), 1);
+        QVERIFY(page->contains(u"<meta charset=\"utf-8\">"_s));
+        QVERIFY(page->contains(u"style=\"width:560pt;height:500pt\""_s));
+        QVERIFY(page->endsWith(u"</html>\n"_s));
     }
-    QVERIFY(second.contains(QStringLiteral("Page 2 of 3")));
-    QVERIFY(!second.contains(QStringLiteral("Page 1 of 3")));
-    QVERIFY(second.contains(QStringLiteral(">R009</div>")));
+    QVERIFY(second.contains(u"Page 2 of 3"_s));
+    QVERIFY(!second.contains(u"Page 1 of 3"_s));
+    QVERIFY(second.contains(u">R009</div>"_s));
 
-    QCOMPARE(NavigatorOf(first),
-             (QStringList{QStringLiteral("First"), QStringLiteral("Previous"),
-                          QStringLiteral("Next=my%20sales2.html"), QStringLiteral("Last=my%20sales3.html"),
-                          QStringLiteral("Page 1 of 3")}));
+    QCOMPARE(NavigatorOf(first), (QStringList{u"First"_s, u"Previous"_s, u"Next=my%20sales2.html"_s,
+                                              u"Last=my%20sales3.html"_s, u"Page 1 of 3"_s}));
     QCOMPARE(NavigatorOf(second),
-             (QStringList{QStringLiteral("First=my%20sales.html"), QStringLiteral("Previous=my%20sales.html"),
-                          QStringLiteral("Next=my%20sales3.html"), QStringLiteral("Last=my%20sales3.html"),
-                          QStringLiteral("Page 2 of 3")}));
-    QCOMPARE(
-        NavigatorOf(third),
-        (QStringList{QStringLiteral("First=my%20sales.html"), QStringLiteral("Previous=my%20sales2.html"),
-                     QStringLiteral("Next"), QStringLiteral("Last"), QStringLiteral("Page 3 of 3")}));
+             (QStringList{u"First=my%20sales.html"_s, u"Previous=my%20sales.html"_s,
+                          u"Next=my%20sales3.html"_s, u"Last=my%20sales3.html"_s, u"Page 2 of 3"_s}));
+    QCOMPARE(NavigatorOf(third), (QStringList{u"First=my%20sales.html"_s, u"Previous=my%20sales2.html"_s,
+                                              u"Next"_s, u"Last"_s, u"Page 3 of 3"_s}));
 }
 
 void TestPageHtml::separatePagesWithoutNavigator()
 {
     QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("plain.htm"));
+    const QString file = dir.filePath(u"plain.htm"_s);
     HtmlPageSink sink(file, {true, false});
     PageSample::Render(sink, PageSample::Setup(false), 2);
     QVERIFY2(!sink.failed(), qPrintable(sink.errorString()));
     QCOMPARE(QDir(dir.path()).entryList(QDir::Files, QDir::Name),
-             (QStringList{QStringLiteral("plain.htm"), QStringLiteral("plain2.htm")}));
-    QVERIFY(!ReadFile(dir.filePath(QStringLiteral("plain2.htm"))).contains(QStringLiteral("navigator\">")));
+             (QStringList{u"plain.htm"_s, u"plain2.htm"_s}));
+    QVERIFY(!ReadText(dir.filePath(u"plain2.htm"_s)).contains(u"navigator\">"_s));
 
     // No pages at all still gives the named file, an empty document.
-    const QString empty = dir.filePath(QStringLiteral("empty.html"));
+    const QString empty = dir.filePath(u"empty.html"_s);
     HtmlPageSink nothing(empty, {true, true});
     PageSample::Render(nothing, PageSample::Setup(false), 0);
     QVERIFY(!nothing.failed());
-    QVERIFY(ReadFile(empty).endsWith(QStringLiteral("</html>\n")));
+    QVERIFY(ReadText(empty).endsWith(u"</html>\n"_s));
 }
 
 void TestPageHtml::unwritableTarget()
 {
     QTemporaryDir dir;
     for (const bool separate : {false, true}) {
-        const QString file = dir.filePath(QStringLiteral("missing/out.html"));
+        const QString file = dir.filePath(u"missing/out.html"_s);
         HtmlPageSink sink(file, {separate, separate});
         PageSample::Render(sink, PageSample::Setup(false), 2);
         QVERIFY(sink.failed());
-        QVERIFY2(sink.errorString().startsWith(QStringLiteral("Cannot write ") + file),
-                 qPrintable(sink.errorString()));
+        QVERIFY2(sink.errorString().startsWith(u"Cannot write "_s + file), qPrintable(sink.errorString()));
     }
     QCOMPARE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList());
 }

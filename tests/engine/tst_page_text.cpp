@@ -1,9 +1,12 @@
 #include "engine/page/TextPageSink.h"
+#include "Files.h"
+#include "PageSample.h"
 #include "TestMain.h"
-#include "tst_page_sample.h"
 
 #include <QFile>
 #include <QTemporaryDir>
+
+using namespace Qt::Literals::StringLiterals;
 
 using namespace Engine;
 
@@ -31,14 +34,13 @@ QString Render(const QString &file, const TextPageOptions &options, QList<Page> 
         sink.end();
     }
     if (sink.failed())
-        return QStringLiteral("FAILED: ") + sink.errorString();
-    QFile out(file);
-    return out.open(QIODevice::ReadOnly) ? QString::fromUtf8(out.readAll()) : QString();
+        return u"FAILED: "_s + sink.errorString();
+    return QString::fromUtf8(TestSupport::ReadFile(file));
 }
 
 QString Row(int row)
 {
-    return QStringLiteral("R%1").arg(row, 3, 10, QLatin1Char('0'));
+    return u"R%1"_s.arg(row, 3, 10, QLatin1Char('0'));
 }
 
 } // namespace
@@ -47,23 +49,22 @@ void TestPageText::paginatedGrid()
 {
     QTemporaryDir dir;
     // 10 characters an inch: 7.2 points a column; 40 lines on 560 points: 14 points a line.
-    const QString text = Render(dir.filePath(QStringLiteral("sales.txt")), {10, 40, true});
-    QCOMPARE(text.count(QStringLiteral("\r\n")), text.count(QLatin1Char('\n')));
-    const QStringList pages = text.split(QLatin1Char('\f'));
+    const QString text = Render(dir.filePath(u"sales.txt"_s), {10, 40, true});
+    QCOMPARE(text.count(u"\r\n"_s), text.count(u'\n'));
+    const QStringList pages = text.split(u'\f');
     QCOMPARE(pages.size(), 3);
     for (int number = 1; number <= 3; ++number) {
-        const QStringList lines = pages[number - 1].split(QStringLiteral("\r\n"));
+        const QStringList lines = pages[number - 1].split(u"\r\n"_s);
         QCOMPARE(lines.last(), QString()); // the page's last line is ended too
         // The title's middle is at 50 points: line 3; the headings at 87: line 6.
-        QCOMPARE(lines[3], QStringLiteral("      Sales by customer"));
-        QVERIFY2(lines[6].startsWith(QStringLiteral("      Row        Customer")), qPrintable(lines[6]));
+        QCOMPARE(lines[3], u"      Sales by customer"_s);
+        QVERIFY2(lines[6].startsWith(u"      Row        Customer"_s), qPrintable(lines[6]));
         // The footer at 467 points lies on line 33, at column 40 / 7.2 = 6.
-        QCOMPARE(lines[33], QStringLiteral("      Page %1 of 3").arg(number));
+        QCOMPARE(lines[33], u"      Page %1 of 3"_s.arg(number));
         QCOMPARE(lines.size(), 35);
         // Rows at 107, 123, 139, 155 points: lines 7, 8, 9 and 11; the amount ends at column 440 / 7.2 = 61.
         const int first = (number - 1) * PageSample::RowsPerPage + 1;
-        const QString expected =
-            QStringLiteral("      %1").arg(Row(first)).leftJustified(17) + PageSample::Name(first);
+        const QString expected = u"      %1"_s.arg(Row(first)).leftJustified(17) + PageSample::Name(first);
         QCOMPARE(lines[7].left(expected.size()), expected);
         QVERIFY(lines[7].endsWith(PageSample::Amount(first)));
         QCOMPARE(lines[7].size(), 61);
@@ -72,7 +73,7 @@ void TestPageText::paginatedGrid()
         QCOMPARE(lines[10], QString());
         QVERIFY(lines[11].contains(Row(first + 3)));
     }
-    QVERIFY(text.contains(QStringLiteral("Łódź {Ltd} \\ 5€")));
+    QVERIFY(text.contains(u"Łódź {Ltd} \\ 5€"_s));
 }
 
 void TestPageText::crowdedRowsKeepApart()
@@ -81,29 +82,29 @@ void TestPageText::crowdedRowsKeepApart()
     // 10 lines on 560 points: 56 points a line, so several rows fall on one line of the grid.
     Page page = PageSample::TablePage(1, 1);
     // A long text that runs into the next column must not overwrite it, nor be cut.
-    page.texts.append(PageSample::Text(40, 300, 60, QStringLiteral("A very long first column text")));
-    page.texts.append(PageSample::Text(120, 300, 60, QStringLiteral("next")));
-    const QString text = Render(dir.filePath(QStringLiteral("crowded.txt")), {10, 10, true}, {page});
-    QVERIFY(!text.contains(QLatin1Char('\f')));
-    const QStringList lines = text.split(QStringLiteral("\r\n"));
+    page.texts.append(PageSample::Text(40, 300, 60, u"A very long first column text"_s));
+    page.texts.append(PageSample::Text(120, 300, 60, u"next"_s));
+    const QString text = Render(dir.filePath(u"crowded.txt"_s), {10, 10, true}, {page});
+    QVERIFY(!text.contains(u'\f'));
+    const QStringList lines = text.split(u"\r\n"_s);
     QVERIFY(lines.size() > 10);
     int previous = -1;
     for (int row = 1; row <= PageSample::RowsPerPage; ++row) {
-        const int line = int(lines.indexOf(QRegularExpression(QStringLiteral("\\s*%1\\s.*").arg(Row(row)))));
+        const int line = int(lines.indexOf(QRegularExpression(u"\\s*%1\\s.*"_s.arg(Row(row)))));
         QVERIFY2(line > previous, qPrintable(Row(row)));
         QVERIFY(lines[line].contains(PageSample::Name(row)));
         previous = line;
     }
-    QVERIFY(lines.contains(QStringLiteral("      A very long first column text next")));
-    QVERIFY(lines.indexOf(QStringLiteral("      Page 1 of 1")) > previous);
+    QVERIFY(lines.contains(u"      A very long first column text next"_s));
+    QVERIFY(lines.indexOf(u"      Page 1 of 1"_s) > previous);
 }
 
 void TestPageText::plainTextWithoutBreaks()
 {
     QTemporaryDir dir;
-    const QString text = Render(dir.filePath(QStringLiteral("plain.txt")), {0, 0, false});
-    QVERIFY(!text.contains(QLatin1Char('\f')));
-    QCOMPARE(text.count(QStringLiteral("Sales by customer")), 3);
+    const QString text = Render(dir.filePath(u"plain.txt"_s), {0, 0, false});
+    QVERIFY(!text.contains(u'\f'));
+    QCOMPARE(text.count(u"Sales by customer"_s), 3);
     int position = 0;
     for (int row = 1; row <= 3 * PageSample::RowsPerPage; ++row) {
         const int found = int(text.indexOf(Row(row), position));
@@ -111,15 +112,15 @@ void TestPageText::plainTextWithoutBreaks()
         position = found;
     }
     // Pages follow each other: page 1's footer, then page 2's title.
-    QVERIFY(text.indexOf(QStringLiteral("Page 1 of 3")) < text.indexOf(Row(PageSample::RowsPerPage + 1)));
-    QVERIFY(text.endsWith(QStringLiteral("Page 3 of 3\r\n")));
+    QVERIFY(text.indexOf(u"Page 1 of 3"_s) < text.indexOf(Row(PageSample::RowsPerPage + 1)));
+    QVERIFY(text.endsWith(u"Page 3 of 3\r\n"_s));
 }
 
 void TestPageText::unwritableTarget()
 {
     QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("no/such/folder.txt"));
-    QVERIFY(Render(file, {}).startsWith(QStringLiteral("FAILED: Cannot write ") + file));
+    const QString file = dir.filePath(u"no/such/folder.txt"_s);
+    QVERIFY(Render(file, {}).startsWith(u"FAILED: Cannot write "_s + file));
     QVERIFY(!QFile::exists(file));
 }
 

@@ -1,12 +1,16 @@
 #include "engine/page/PdfPageSink.h"
+#include "PageSample.h"
 #include "Peers.h"
+#include "Readers.h"
 #include "TestMain.h"
-#include "tst_page_sample.h"
 
 #include <QRegularExpression>
 #include <QTemporaryDir>
 
+using namespace Qt::Literals::StringLiterals;
+
 using namespace Engine;
+using namespace TestSupport;
 
 class TestPdfSink : public QObject
 {
@@ -16,88 +20,69 @@ private Q_SLOTS:
     void pagesTextAndFonts();
     void landscape();
     void unwritableTarget();
-
-private:
-    QString m_pdfinfo;
-    QString m_pdftotext;
-    QString m_pdffonts;
 };
 
 void TestPdfSink::initTestCase()
 {
-    m_pdfinfo = TestSupport::FindProgram(QStringLiteral("pdfinfo"));
-    m_pdftotext = TestSupport::FindProgram(QStringLiteral("pdftotext"));
-    m_pdffonts = TestSupport::FindProgram(QStringLiteral("pdffonts"));
-    QORLO_REQUIRE_PEER(!m_pdfinfo.isEmpty() && !m_pdftotext.isEmpty() && !m_pdffonts.isEmpty(),
-                       QStringLiteral("poppler-utils"));
+    QORLO_REQUIRE_PEER(PopplerInstalled(), u"poppler-utils"_s);
 }
 
 void TestPdfSink::pagesTextAndFonts()
 {
     QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("sales.pdf"));
+    const QString file = dir.filePath(u"sales.pdf"_s);
     PdfPageSink sink(file);
     PageSample::Render(sink, PageSample::Setup(false), 3);
     QVERIFY2(!sink.failed(), qPrintable(sink.errorString()));
 
-    const QString info = QString::fromUtf8(PageSample::ReadWith(m_pdfinfo, {file}));
-    QVERIFY2(info.contains(QRegularExpression(QStringLiteral("Pages:\\s+3\\n"))), qPrintable(info));
-    QVERIFY(info.contains(QRegularExpression(QStringLiteral("Page size:\\s+500 x 560 pts"))));
-    QVERIFY(info.contains(QRegularExpression(QStringLiteral("Title:\\s+Sales & Co"))));
+    QCOMPARE(PdfPages(file), 3);
+    QCOMPARE(PdfPageSize(file), QSizeF(500, 560));
+    QVERIFY(PdfInfo(file).contains(QRegularExpression(u"Title:\\s+Sales & Co"_s)));
 
     // Each page holds its own rows and footer, in reading order, special characters intact.
     for (int number = 1; number <= 3; ++number) {
-        const QString n = QString::number(number);
-        const QString text = QString::fromUtf8(
-            PageSample::ReadWith(m_pdftotext, {QStringLiteral("-layout"), QStringLiteral("-f"), n,
-                                               QStringLiteral("-l"), n, file, QStringLiteral("-")}));
-        QVERIFY2(text.contains(QStringLiteral("Page %1 of 3").arg(number)), qPrintable(text));
+        const QString text = PdfText(file, number, true);
+        QVERIFY2(text.contains(u"Page %1 of 3"_s.arg(number)), qPrintable(text));
         const int first = (number - 1) * PageSample::RowsPerPage + 1;
         const int last = number * PageSample::RowsPerPage;
         QVERIFY(text.contains(QRegularExpression(
-            QStringLiteral("R%1\\s+%2\\s+%3")
-                .arg(first, 3, 10, QLatin1Char('0'))
+            u"R%1\\s+%2\\s+%3"_s.arg(first, 3, 10, QLatin1Char('0'))
                 .arg(QRegularExpression::escape(PageSample::Name(first)), PageSample::Amount(first)))));
         QVERIFY(text.contains(PageSample::Name(last)));
-        QVERIFY(!text.contains(QStringLiteral("R%1").arg(last + 1, 3, 10, QLatin1Char('0'))));
-        QVERIFY(text.indexOf(QStringLiteral("Sales by customer")) < text.indexOf(QStringLiteral("Page ")));
+        QVERIFY(!text.contains(u"R%1"_s.arg(last + 1, 3, 10, QLatin1Char('0'))));
+        QVERIFY(text.indexOf(u"Sales by customer"_s) < text.indexOf(u"Page "_s));
     }
-    const QString all = QString::fromUtf8(PageSample::ReadWith(m_pdftotext, {file, QStringLiteral("-")}));
-    QVERIFY(all.contains(QStringLiteral("Łódź {Ltd} \\ 5€")));
-    QVERIFY(all.contains(QStringLiteral("Müller Grünwald")));
+    const QString all = PdfText(file);
+    QVERIFY(all.contains(u"Łódź {Ltd} \\ 5€"_s));
+    QVERIFY(all.contains(u"Müller Grünwald"_s));
 
     // Every font is embedded, regular and bold alike.
-    const QStringList fonts =
-        QString::fromUtf8(PageSample::ReadWith(m_pdffonts, {file})).split(QLatin1Char('\n'));
-    const QStringList rows = fonts.mid(2).filter(QRegularExpression(QStringLiteral("\\S")));
+    const QStringList fonts = PdfFonts(file).split(u'\n');
+    const QStringList rows = fonts.mid(2).filter(QRegularExpression(u"\\S"_s));
     QCOMPARE(rows.size(), 2);
     for (const QString &row : rows) {
-        QVERIFY2(row.startsWith(QStringLiteral("LiberationSans")), qPrintable(row));
-        QVERIFY2(row.contains(QRegularExpression(QStringLiteral("\\s+yes\\s+(yes|no)\\s+yes\\s+"))),
-                 qPrintable(row));
+        QVERIFY2(row.startsWith(u"LiberationSans"_s), qPrintable(row));
+        QVERIFY2(row.contains(QRegularExpression(u"\\s+yes\\s+(yes|no)\\s+yes\\s+"_s)), qPrintable(row));
     }
 }
 
 void TestPdfSink::landscape()
 {
     QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("wide.pdf"));
+    const QString file = dir.filePath(u"wide.pdf"_s);
     PdfPageSink sink(file);
     PageSample::Render(sink, PageSample::Setup(true), 2);
     QVERIFY2(!sink.failed(), qPrintable(sink.errorString()));
-    const QString info = QString::fromUtf8(PageSample::ReadWith(m_pdfinfo, {file}));
-    QVERIFY2(info.contains(QRegularExpression(QStringLiteral("Page size:\\s+560 x 500 pts"))),
-             qPrintable(info));
-    QVERIFY(info.contains(QRegularExpression(QStringLiteral("Pages:\\s+2\\n"))));
+    QCOMPARE(PdfPageSize(file), QSizeF(560, 500));
+    QCOMPARE(PdfPages(file), 2);
     // The footer near the bottom of the shorter page is still on it.
-    const QString text = QString::fromUtf8(PageSample::ReadWith(m_pdftotext, {file, QStringLiteral("-")}));
-    QVERIFY(text.contains(QStringLiteral("Page 2 of 2")));
+    QVERIFY(PdfText(file).contains(u"Page 2 of 2"_s));
 }
 
 void TestPdfSink::unwritableTarget()
 {
     QTemporaryDir dir;
-    const QString file = dir.filePath(QStringLiteral("missing/folder/out.pdf"));
+    const QString file = dir.filePath(u"missing/folder/out.pdf"_s);
     PdfPageSink sink(file);
     PageSample::Render(sink, PageSample::Setup(false), 2);
     QVERIFY(sink.failed());

@@ -1,18 +1,24 @@
+// Printing through CUPS to a private server: the printer list, jobs and their ends, the page sink
+// and a whole report.
+#include "engine/Application.h"
 #include "engine/Codes.h"
+#include "engine/EngineError.h"
+#include "engine/Report.h"
 #include "engine/page/CupsPrinter.h"
 #include "engine/page/PdfPageSink.h"
 #include "engine/page/PrintPageSink.h"
-#include "CupsPeerFixture.h"
-#include "Peers.h"
+#include "CupsPeer.h"
+#include "Files.h"
+#include "PageSample.h"
+#include "Readers.h"
 #include "TestMain.h"
-#include "tst_page_sample.h"
 
-#include <QDeadlineTimer>
-#include <QFileInfo>
 #include <QTemporaryDir>
-#include <QThread>
+
+using namespace Qt::Literals::StringLiterals;
 
 using namespace Engine;
+using namespace TestSupport;
 
 class TestPrintCups : public QObject
 {
@@ -22,17 +28,19 @@ private Q_SLOTS:
     void printerList();
     void twoCopiesLandscape();
     void printPageSink();
+    void reportPrintsEveryPageAndCopy();
+    void reportOnUnknownPrinterFails();
     void failures();
 
 private:
     QTemporaryDir m_dir;
-    TestSupport::PeerProcess m_cups;
+    PeerProcess m_cups;
     QString m_printed; // the file the printer writes each job to
 };
 
 namespace {
 
-const QString Printer = QStringLiteral("PeerPDFFile");
+const QString Printer = u"PeerPDFFile"_s;
 
 } // namespace
 
@@ -48,16 +56,15 @@ void TestPrintCups::printerList()
     QVERIFY2(error.isEmpty(), qPrintable(error));
     QCOMPARE(printers.size(), 1);
     QCOMPARE(printers[0].deviceName, Printer);
-    QVERIFY2(printers[0].driverName.contains(QStringLiteral("PDF Printer")),
-             qPrintable(printers[0].driverName));
-    QCOMPARE(printers[0].port, QStringLiteral("file:") + m_printed);
+    QVERIFY2(printers[0].driverName.contains(u"PDF Printer"_s), qPrintable(printers[0].driverName));
+    QCOMPARE(printers[0].port, u"file:"_s + m_printed);
     // The peer has no default printer.
     QCOMPARE(CupsPrinter::DefaultPrinterName(), QString());
 }
 
 void TestPrintCups::twoCopiesLandscape()
 {
-    const QString pdf = m_dir.filePath(QStringLiteral("wide.pdf"));
+    const QString pdf = m_dir.filePath(u"wide.pdf"_s);
     PdfPageSink sink(pdf);
     PageSample::Render(sink, PageSample::Setup(true), 2);
     QVERIFY2(!sink.failed(), qPrintable(sink.errorString()));
@@ -66,21 +73,23 @@ void TestPrintCups::twoCopiesLandscape()
     const PrinterInfo info = CupsPrinter::InstalledPrinters().value(0);
     printer.select(info.driverName, info.deviceName, info.port);
     QCOMPARE(printer.selected().port, info.port);
-    const int job = printer.submit(pdf, 2, LandscapeOrientation, QStringLiteral("Sales"));
+    const int job = printer.submit(pdf, 2, LandscapeOrientation, u"Sales"_s);
     QVERIFY2(job > 0, qPrintable(printer.errorString()));
     QCOMPARE(printer.waitForJob(job, 60000), int(ProgressCompleted));
 
     // Two copies of two pages, turned on the printer's paper.
-    QCOMPARE(TestSupport::PrintedPagesAndRotation(pdf), qMakePair(2, 0));
-    const auto [pages, rotation] = TestSupport::PrintedPagesAndRotation(m_printed);
-    QCOMPARE(pages, 4);
+    QCOMPARE(PdfPages(pdf), 2);
+    QCOMPARE(PdfRotation(pdf), 0);
+    QCOMPARE(PdfPages(m_printed), 4);
+    const int rotation = PdfRotation(m_printed);
     QVERIFY2(rotation == 90 || rotation == 270, qPrintable(QString::number(rotation)));
 
     // The same document in portrait, once: nothing turned.
-    const int portrait = printer.submit(pdf, 1, PortraitOrientation, QStringLiteral("Sales"));
+    const int portrait = printer.submit(pdf, 1, PortraitOrientation, u"Sales"_s);
     QVERIFY2(portrait > job, qPrintable(printer.errorString()));
     QCOMPARE(printer.waitForJob(portrait, 60000), int(ProgressCompleted));
-    QCOMPARE(TestSupport::PrintedPagesAndRotation(m_printed), qMakePair(2, 0));
+    QCOMPARE(PdfPages(m_printed), 2);
+    QCOMPARE(PdfRotation(m_printed), 0);
 }
 
 void TestPrintCups::printPageSink()
@@ -93,61 +102,89 @@ void TestPrintCups::printPageSink()
     QVERIFY2(!sink.failed(), qPrintable(sink.errorString()));
     QVERIFY(sink.jobId() > 0);
     QCOMPARE(sink.progress(), int(ProgressCompleted));
-    QCOMPARE(TestSupport::PrintedPagesAndRotation(m_printed), qMakePair(3, 0));
+    QCOMPARE(PdfPages(m_printed), 3);
+    QCOMPARE(PdfRotation(m_printed), 0);
 
-    printer.select(QString(), QStringLiteral("NoSuchPrinter"), QString());
+    printer.select(QString(), u"NoSuchPrinter"_s, QString());
     PrintPageSink lost(printer, 1, DefaultPaperOrientation, 5000);
     PageSample::Render(lost, PageSample::Setup(false), 1);
     QVERIFY(lost.failed());
-    QVERIFY2(lost.errorString().startsWith(QStringLiteral("Cannot print to NoSuchPrinter: ")),
+    QVERIFY2(lost.errorString().startsWith(u"Cannot print to NoSuchPrinter: "_s),
              qPrintable(lost.errorString()));
     QCOMPARE(lost.progress(), int(ProgressFailed));
     QCOMPARE(lost.jobId(), 0);
 }
 
+void TestPrintCups::reportPrintsEveryPageAndCopy()
+{
+    Application application;
+    auto report = application.OpenReport(QStringLiteral(QORLO_SOURCE_DIR "/demo/sales-parameters.rpt"));
+    report->ParameterFields().Item(3).AddCurrentValue(u"2024-05-31"_s);
+    report->SelectPrinter(u"Generic PDF Printer"_s, Printer, QString());
+    report->setPaperOrientation(PortraitOrientation);
+    report->PrintOut(false, 2);
+    QCOMPARE(report->PrintingStatus().Progress(), int(ProgressCompleted));
+    const int pages = report->PrintingStatus().NumberOfPages();
+    QVERIFY(pages > 1);
+    QCOMPARE(PdfPages(m_printed), 2 * pages);
+}
+
+void TestPrintCups::reportOnUnknownPrinterFails()
+{
+    Application application;
+    auto report = application.OpenReport(QStringLiteral(QORLO_SOURCE_DIR "/demo/region-summary.rpt"));
+    report->ParameterFields().Item(1).AddCurrentValue(u"North"_s);
+    report->SelectPrinter(QString(), u"NoSuchPrinter"_s, QString());
+    try {
+        report->PrintOut(false, 1);
+        QFAIL("a printer that does not exist cannot print");
+    } catch (const EngineError &error) {
+        QCOMPARE(error.number(), int(EngineError::PrintFailed));
+        QVERIFY(!error.description().isEmpty());
+    }
+    QCOMPARE(report->PrintingStatus().Progress(), int(ProgressFailed));
+}
+
+// Last, as it leaves the printer stopped.
 void TestPrintCups::failures()
 {
-    const QString pdf = m_dir.filePath(QStringLiteral("one.pdf"));
+    const QString pdf = m_dir.filePath(u"one.pdf"_s);
     PdfPageSink sink(pdf);
     PageSample::Render(sink, PageSample::Setup(false), 1);
 
     CupsPrinter printer;
-    printer.select(QString(), QStringLiteral("NoSuchPrinter"), QString());
-    QCOMPARE(printer.submit(pdf, 1, PortraitOrientation, QStringLiteral("Sales")), 0);
-    QVERIFY2(printer.errorString().startsWith(QStringLiteral("Cannot print to NoSuchPrinter: ")),
+    printer.select(QString(), u"NoSuchPrinter"_s, QString());
+    QCOMPARE(printer.submit(pdf, 1, PortraitOrientation, u"Sales"_s), 0);
+    QVERIFY2(printer.errorString().startsWith(u"Cannot print to NoSuchPrinter: "_s),
              qPrintable(printer.errorString()));
 
     // No printer selected and no default printer.
     CupsPrinter unselected;
-    QCOMPARE(unselected.submit(pdf, 1, 0, QStringLiteral("Sales")), 0);
-    QCOMPARE(unselected.errorString(), QStringLiteral("No printer selected and no default printer"));
+    QCOMPARE(unselected.submit(pdf, 1, 0, u"Sales"_s), 0);
+    QCOMPARE(unselected.errorString(), u"No printer selected and no default printer"_s);
 
     printer.select(QString(), Printer, QString());
-    QCOMPARE(printer.submit(m_dir.filePath(QStringLiteral("missing.pdf")), 1, 0, QString()), 0);
-    QVERIFY(printer.errorString().startsWith(QStringLiteral("Cannot read ")));
+    QCOMPARE(printer.submit(m_dir.filePath(u"missing.pdf"_s), 1, 0, QString()), 0);
+    QVERIFY(printer.errorString().startsWith(u"Cannot read "_s));
 
     // A job the server does not know ends the wait at once as failed.
     QCOMPARE(printer.waitForJob(987654, 5000), int(ProgressFailed));
-    QVERIFY2(printer.errorString().startsWith(QStringLiteral("Cannot follow print job 987654")),
+    QVERIFY2(printer.errorString().startsWith(u"Cannot follow print job 987654"_s),
              qPrintable(printer.errorString()));
 
     // A document the printer's filter cannot read halts the job.
-    QFile broken(m_dir.filePath(QStringLiteral("broken.pdf")));
-    QVERIFY(broken.open(QIODevice::WriteOnly));
-    broken.write("%PDF-1.4\n1 0 obj << /Type /Catalog /Pages 9 0 R >> endobj\n%%EOF\n");
-    broken.close();
-    const int halted = printer.submit(broken.fileName(), 1, 0, QStringLiteral("Broken"));
+    const QString broken = WriteFile(m_dir.filePath(u"broken.pdf"_s),
+                                     "%PDF-1.4\n1 0 obj << /Type /Catalog /Pages 9 0 R >> endobj\n%%EOF\n");
+    const int halted = printer.submit(broken, 1, 0, u"Broken"_s);
     QVERIFY2(halted > 0, qPrintable(printer.errorString()));
     QCOMPARE(printer.waitForJob(halted, 60000), int(ProgressHalted));
 
     // On a stopped printer a job waits; the wait gives up at its limit.
-    const QString cupsdisable = TestSupport::FindProgram(QStringLiteral("cupsdisable"));
-    QVERIFY(!cupsdisable.isEmpty());
-    QVERIFY(PageSample::Run(cupsdisable, {Printer}));
-    const int waiting = printer.submit(pdf, 1, 0, QStringLiteral("Waiting"));
+    QVERIFY(RunProgram(FindProgram(u"cupsdisable"_s), {Printer}));
+    const int waiting = printer.submit(pdf, 1, 0, u"Waiting"_s);
     QVERIFY2(waiting > 0, qPrintable(printer.errorString()));
     QCOMPARE(printer.waitForJob(waiting, 300), int(ProgressFailed));
-    QCOMPARE(printer.errorString(), QStringLiteral("Print job %1 did not end within 0.3 s").arg(waiting));
+    QCOMPARE(printer.errorString(), u"Print job %1 did not end within 0.3 s"_s.arg(waiting));
 }
 
 QORLO_TEST_MAIN(TestPrintCups)

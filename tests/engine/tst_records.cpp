@@ -1,6 +1,6 @@
-#include "EngineFixtures.h"
+#include "DatabasePeers.h"
 #include "Peers.h"
-#include "PostgresPeer.h"
+#include "SalesReport.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/EngineError.h"
@@ -8,8 +8,10 @@
 
 #include <QTemporaryDir>
 
+using namespace Qt::Literals::StringLiterals;
+
 using namespace Engine;
-using namespace EngineFixtures;
+using namespace TestSupport;
 
 class TestRecords : public QObject
 {
@@ -46,50 +48,49 @@ private:
 void TestRecords::sqliteBindsEveryValueType()
 {
     QTemporaryDir dir;
-    MakeSalesDatabase(dir.filePath(QStringLiteral("sales.db")));
+    MakeSalesDatabase(dir.filePath(u"sales.db"_s));
     const QString path = SalesReport(
-        QDir(dir.path()), QStringLiteral("types.rpt"),
-        QStringLiteral(
-            "SELECT {?Num} AS num, {?Money} AS money, {?Flag} AS flag, {?Day} AS day, {?Moment} AS moment, "
-            "{?At} AS at, {?Text} AS text, '{?Num}' AS literal"),
-        QStringLiteral("<parameter name=\"Num\" type=\"7\"/><parameter name=\"Money\" type=\"8\"/>"
-                       "<parameter name=\"Flag\" type=\"9\"/><parameter name=\"Day\" type=\"10\"/>"
-                       "<parameter name=\"Moment\" type=\"16\"/><parameter name=\"At\" type=\"11\"/>"
-                       "<parameter name=\"Text\" type=\"12\"><default>unused</default></parameter>"));
+        QDir(dir.path()), u"types.rpt"_s,
+        u"SELECT {?Num} AS num, {?Money} AS money, {?Flag} AS flag, {?Day} AS day, {?Moment} AS moment, "
+        "{?At} AS at, {?Text} AS text, '{?Num}' AS literal"_s,
+        u"<parameter name=\"Num\" type=\"7\"/><parameter name=\"Money\" type=\"8\"/>"
+        "<parameter name=\"Flag\" type=\"9\"/><parameter name=\"Day\" type=\"10\"/>"
+        "<parameter name=\"Moment\" type=\"16\"/><parameter name=\"At\" type=\"11\"/>"
+        "<parameter name=\"Text\" type=\"12\"><default>unused</default></parameter>"_s);
     Application application;
     auto report = application.OpenReport(path);
     auto &fields = report->ParameterFields();
     fields.Item(1).AddCurrentValue(12.5);
-    fields.Item(2).AddCurrentValue(QStringLiteral("-3.75"));
+    fields.Item(2).AddCurrentValue(u"-3.75"_s);
     fields.Item(3).AddCurrentValue(true);
     fields.Item(4).AddCurrentValue(45351.0);
     fields.Item(5).AddCurrentValue(45351.75);
-    fields.Item(6).AddCurrentValue(QStringLiteral("07:30:00"));
-    fields.Item(7).AddCurrentValue(QStringLiteral("it's; a \"test\" --"));
+    fields.Item(6).AddCurrentValue(u"07:30:00"_s);
+    fields.Item(7).AddCurrentValue(u"it's; a \"test\" --"_s);
     report->ReadRecords();
     QCOMPARE(report->PrintingStatus().NumberOfRecordSelected(), 1);
     const RecordStore::Row &row = report->records().row(0);
     QCOMPARE(row[0].toDouble(), 12.5);
     QCOMPARE(row[1].toDouble(), -3.75);
     QCOMPARE(row[2].toInt(), 1);
-    QCOMPARE(row[3].toString(), QStringLiteral("2024-02-29"));
-    QCOMPARE(row[4].toString(), QStringLiteral("2024-02-29 18:00:00"));
-    QCOMPARE(row[5].toString(), QStringLiteral("07:30:00"));
-    QCOMPARE(row[6].toString(), QStringLiteral("it's; a \"test\" --"));
-    QCOMPARE(row[7].toString(), QStringLiteral("{?Num}")); // quoted text is the query's own
+    QCOMPARE(row[3].toString(), u"2024-02-29"_s);
+    QCOMPARE(row[4].toString(), u"2024-02-29 18:00:00"_s);
+    QCOMPARE(row[5].toString(), u"07:30:00"_s);
+    QCOMPARE(row[6].toString(), u"it's; a \"test\" --"_s);
+    QCOMPARE(row[7].toString(), u"{?Num}"_s); // quoted text is the query's own
     QCOMPARE(report->PrintingStatus().Progress(), int(ProgressCompleted));
 }
 
 void TestRecords::multiValuedListsStayData()
 {
     QTemporaryDir dir;
-    MakeSalesDatabase(dir.filePath(QStringLiteral("sales.db")));
-    const QString path = SalesReport(
-        QDir(dir.path()), QStringLiteral("list.rpt"),
-        QStringLiteral("SELECT id, customer FROM {Sales} WHERE customer IN ({?Names}) AND order_date >= "
-                       "{?From} ORDER BY id"),
-        QStringLiteral("<parameter name=\"Names\" type=\"12\" multiple=\"true\"/>"
-                       "<parameter name=\"From\" type=\"10\"><default>2024-01-01</default></parameter>"));
+    MakeSalesDatabase(dir.filePath(u"sales.db"_s));
+    const QString path =
+        SalesReport(QDir(dir.path()), u"list.rpt"_s,
+                    u"SELECT id, customer FROM {Sales} WHERE customer IN ({?Names}) AND order_date >= "
+                    "{?From} ORDER BY id"_s,
+                    u"<parameter name=\"Names\" type=\"12\" multiple=\"true\"/>"
+                    "<parameter name=\"From\" type=\"10\"><default>2024-01-01</default></parameter>"_s);
     Application application;
     auto report = application.OpenReport(path);
     for (const char *name : {"Bolt; Nut", "x'); DROP TABLE sales; --", "O'Brien \"Tools\"", "Nobody"})
@@ -101,105 +102,95 @@ void TestRecords::multiValuedListsStayData()
     QCOMPARE(column(*report, 0), (QVariantList{3, 6}));
 
     // The table is still whole: the texts above reached it as data.
-    const QString count =
-        SalesReport(QDir(dir.path()), QStringLiteral("count.rpt"), QStringLiteral("SELECT * FROM {Sales}"));
+    const QString count = SalesReport(QDir(dir.path()), u"count.rpt"_s, u"SELECT * FROM {Sales}"_s);
     auto all = application.OpenReport(count);
     all->ReadRecords();
     QCOMPARE(all->PrintingStatus().NumberOfRecordSelected(), 6);
 
     report->ParameterFields().Item(1).ClearCurrentValueAndRange();
-    QCOMPARE(errorOf(*report), QStringLiteral("Parameter {?Names} has no value"));
+    QCOMPARE(errorOf(*report), u"Parameter {?Names} has no value"_s);
 }
 
 void TestRecords::readFailuresCarryTheDriversMessage()
 {
     QTemporaryDir dir;
     const QDir folder(dir.path());
-    MakeSalesDatabase(dir.filePath(QStringLiteral("sales.db")));
+    MakeSalesDatabase(dir.filePath(u"sales.db"_s));
     Application application;
-    auto syntax = application.OpenReport(
-        SalesReport(folder, QStringLiteral("s.rpt"), QStringLiteral("SELEC id FROM {Sales}")));
+    auto syntax = application.OpenReport(SalesReport(folder, u"s.rpt"_s, u"SELEC id FROM {Sales}"_s));
     QVERIFY(syntax->Database().Tables().Item(1).TestConnectivity());
     const QString syntaxError = errorOf(*syntax);
-    QVERIFY2(syntaxError.startsWith(QLatin1String("The query failed: ")) &&
-                 syntaxError.contains(QLatin1String("syntax error")),
+    QVERIFY2(syntaxError.startsWith(u"The query failed: "_s) && syntaxError.contains(u"syntax error"_s),
              qPrintable(syntaxError));
     QCOMPARE(syntax->PrintingStatus().Progress(), int(ProgressFailed));
-    auto table = application.OpenReport(
-        SalesReport(folder, QStringLiteral("t.rpt"), QStringLiteral("SELECT * FROM {Nope}")));
-    QCOMPARE(errorOf(*table), QStringLiteral("The query names the unknown table {Nope}"));
-    auto parameter = application.OpenReport(
-        SalesReport(folder, QStringLiteral("p.rpt"), QStringLiteral("SELECT {?Nope}")));
-    QCOMPARE(errorOf(*parameter), QStringLiteral("The query names the unknown parameter {?Nope}"));
+    auto table = application.OpenReport(SalesReport(folder, u"t.rpt"_s, u"SELECT * FROM {Nope}"_s));
+    QCOMPARE(errorOf(*table), u"The query names the unknown table {Nope}"_s);
+    auto parameter = application.OpenReport(SalesReport(folder, u"p.rpt"_s, u"SELECT {?Nope}"_s));
+    QCOMPARE(errorOf(*parameter), u"The query names the unknown parameter {?Nope}"_s);
 
-    auto layout = application.OpenReport(
-        SalesReport(folder, QStringLiteral("l.rpt"), QStringLiteral("SELECT id FROM {Sales}"),
-                    QStringLiteral("<layout><group field=\"regoin\"/></layout>")));
-    QCOMPARE(errorOf(*layout),
-             QStringLiteral("The layout of ") + folder.filePath(QStringLiteral("l.rpt")) +
-                 QStringLiteral(" names the field \"regoin\", which the query does not return"));
+    auto layout = application.OpenReport(SalesReport(folder, u"l.rpt"_s, u"SELECT id FROM {Sales}"_s,
+                                                     u"<layout><group field=\"regoin\"/></layout>"_s));
+    QCOMPARE(errorOf(*layout), u"The layout of "_s + folder.filePath(u"l.rpt"_s) +
+                                   u" names the field \"regoin\", which the query does not return"_s);
 
-    auto missing =
-        application.OpenReport(SalesReport(folder, QStringLiteral("m.rpt"), QStringLiteral("SELECT 1")));
-    missing->Database().Tables().Item(1).ConnectionProperties().Item(1).setValue(QStringLiteral("gone.db"));
+    auto missing = application.OpenReport(SalesReport(folder, u"m.rpt"_s, u"SELECT 1"_s));
+    missing->Database().Tables().Item(1).ConnectionProperties().Item(1).setValue(u"gone.db"_s);
     QVERIFY(!missing->Database().Tables().Item(1).TestConnectivity());
-    QVERIFY2(missing->Database().Tables().Item(1).lastError().startsWith(QLatin1String("Cannot connect to")),
+    QVERIFY2(missing->Database().Tables().Item(1).lastError().startsWith(u"Cannot connect to"_s),
              qPrintable(missing->Database().Tables().Item(1).lastError()));
-    QVERIFY(errorOf(*missing).contains(QLatin1String("unable to open database file")));
-    QVERIFY(!QFile::exists(folder.filePath(QStringLiteral("gone.db")))); // never created by a read
+    QVERIFY(errorOf(*missing).contains(u"unable to open database file"_s));
+    QVERIFY(!QFile::exists(folder.filePath(u"gone.db"_s))); // never created by a read
 
     // Log-off forgets a log-on once.
     QVERIFY(syntax->Database().Tables().Item(1).TestConnectivity());
-    application.LogOffServer(QStringLiteral("sqlite"), QString(), QStringLiteral("sales.db"));
-    QVERIFY_THROWS_EXCEPTION(EngineError, application.LogOffServer(QStringLiteral("sqlite"), QString(),
-                                                                   QStringLiteral("sales.db")));
+    application.LogOffServer(u"sqlite"_s, QString(), u"sales.db"_s);
+    QVERIFY_THROWS_EXCEPTION(EngineError, application.LogOffServer(u"sqlite"_s, QString(), u"sales.db"_s));
 }
 
 void TestRecords::savedDataSelectionAndAlerts()
 {
     QTemporaryDir dir;
     const QDir folder(dir.path());
-    MakeSalesDatabase(dir.filePath(QStringLiteral("sales.db")));
+    MakeSalesDatabase(dir.filePath(u"sales.db"_s));
     const QString path =
-        SalesReport(folder, QStringLiteral("alerts.rpt"),
-                    QStringLiteral("SELECT id, region, amount, paid FROM {Sales} ORDER BY id"),
-                    QStringLiteral("<alert name=\"Big\">amount &gt;= 1500</alert>"
-                                   "<alert name=\"Unpaid\">not paid</alert>"
-                                   "<groupSelection>region &lt;&gt; 'East'</groupSelection>"));
+        SalesReport(folder, u"alerts.rpt"_s, u"SELECT id, region, amount, paid FROM {Sales} ORDER BY id"_s,
+                    u"<alert name=\"Big\">amount &gt;= 1500</alert>"
+                    "<alert name=\"Unpaid\">not paid</alert>"
+                    "<groupSelection>region &lt;&gt; 'East'</groupSelection>"_s);
     Application application;
     auto report = application.OpenReport(path);
     report->ReadRecords();
     QCOMPARE(report->PrintingStatus().NumberOfRecordSelected(), 5);
     QCOMPARE(report->ReportAlerts().Count(), 2);
-    QCOMPARE(report->ReportAlerts().Item(1).Name(), QStringLiteral("Big"));
+    QCOMPARE(report->ReportAlerts().Item(1).Name(), u"Big"_s);
     QCOMPARE(report->ReportAlerts().Item(1).AlertingRecords().Count(), 2);
     QCOMPARE(report->ReportAlerts().Item(2).AlertingRecords().Count(),
              1); // East's unpaid row is not selected
     const QString opening = report->GroupSelectionFormula();
-    report->setGroupSelectionFormula(opening + QStringLiteral(" and ") +
+    report->setGroupSelectionFormula(opening + u" and "_s +
                                      report->ReportAlerts().Item(1).ConditionFormula());
     QCOMPARE(column(*report, 0), (QVariantList{3, 5}));
-    QVERIFY_THROWS_EXCEPTION(EngineError, report->setGroupSelectionFormula(QStringLiteral("amount >")));
-    QVERIFY_THROWS_EXCEPTION(EngineError, report->setGroupSelectionFormula(QStringLiteral("amout > 1")));
+    QVERIFY_THROWS_EXCEPTION(EngineError, report->setGroupSelectionFormula(u"amount >"_s));
+    QVERIFY_THROWS_EXCEPTION(EngineError, report->setGroupSelectionFormula(u"amout > 1"_s));
     QCOMPARE(column(*report, 0), (QVariantList{3, 5})); // a failed change leaves the view as it was
     report->setGroupSelectionFormula(opening);
 
     report->ExportOptions().FormatType = CrystalReportFormat;
-    report->ExportOptions().DiskFileName = folder.filePath(QStringLiteral("saved.rpt"));
+    report->ExportOptions().DiskFileName = folder.filePath(u"saved.rpt"_s);
     report->Export(false);
-    QVERIFY(QFile::remove(folder.filePath(QStringLiteral("sales.db"))));
-    auto saved = application.OpenReport(folder.filePath(QStringLiteral("saved.rpt")));
+    QVERIFY(QFile::remove(folder.filePath(u"sales.db"_s)));
+    auto saved = application.OpenReport(folder.filePath(u"saved.rpt"_s));
     QVERIFY(saved->HasSavedData());
     saved->ReadRecords(); // from the saved rows: the database is gone
     QCOMPARE(saved->records().count(), 6);
     QCOMPARE(saved->PrintingStatus().NumberOfRecordSelected(), 5);
     QCOMPARE(saved->ReportAlerts().Item(1).AlertingRecords().Count(), 2);
     QCOMPARE(saved->records().row(3)[2], QVariant()); // the NULL amount stays null
-    QCOMPARE(saved->records().row(2)[1], QVariant(QStringLiteral("North")));
+    QCOMPARE(saved->records().row(2)[1], QVariant(u"North"_s));
     saved->DiscardSavedData();
     QVERIFY(!saved->HasSavedData());
     QCOMPARE(saved->PrintingStatus().NumberOfRecordSelected(), 0);
-    QVERIFY(errorOf(*saved).contains(QLatin1String("unable to open database file")));
+    QVERIFY(errorOf(*saved).contains(u"unable to open database file"_s));
 }
 
 void TestRecords::subreportTakesLinkedValues()
@@ -207,10 +198,10 @@ void TestRecords::subreportTakesLinkedValues()
     Application application;
     auto report = application.OpenReport(QStringLiteral(QORLO_SOURCE_DIR "/demo/regions-with-summary.rpt"));
     auto &regions = report->ParameterFields().Item(1);
-    regions.AddCurrentValue(QStringLiteral("West"));
-    regions.AddCurrentValue(QStringLiteral("East"));
+    regions.AddCurrentValue(u"West"_s);
+    regions.AddCurrentValue(u"East"_s);
     report->ReadRecords();
-    QCOMPARE(column(*report, 0), (QVariantList{QStringLiteral("East"), QStringLiteral("West")}));
+    QCOMPARE(column(*report, 0), (QVariantList{u"East"_s, u"West"_s}));
     Report *sub = nullptr;
     for (Section &section : report->Sections()) {
         for (ReportObject &object : section.ReportObjects()) {
@@ -222,7 +213,7 @@ void TestRecords::subreportTakesLinkedValues()
     QCOMPARE(sub->ParameterFields().Item(1).NumberOfCurrentValues(), 2);
     QCOMPARE(sub->PrintingStatus().NumberOfRecordSelected(), 10); // 2 regions x 5 products
     for (const QVariant &region : column(*sub, 0))
-        QVERIFY(region == QLatin1String("East") || region == QLatin1String("West"));
+        QVERIFY(region == u"East"_s || region == u"West"_s);
 }
 
 void TestRecords::demoAlertsAgreeWithSql()
@@ -233,11 +224,11 @@ void TestRecords::demoAlertsAgreeWithSql()
     QCOMPARE(report->PrintingStatus().NumberOfRecordSelected(), 3000);
     // The same conditions counted by the database itself, through a second report on the demo data.
     QTemporaryDir dir;
-    const QString counts = WriteReport(QDir(dir.path()), QStringLiteral("counts.rpt"),
-                                       QStringLiteral(R"(
+    const QString counts = WriteReport(QDir(dir.path()), u"counts.rpt"_s,
+                                       uR"(
 <table name="Sales" location="sales" dll="sqlite"><property name="Database">%1</property></table>
 <query>SELECT SUM(amount &gt;= 2000), SUM(amount &gt;= 1500 AND NOT paid),
-  SUM(product = 'Doohickey' AND region = 'North' AND substr(order_date, 6, 2) = '12') FROM {Sales}</query>)")
+  SUM(product = 'Doohickey' AND region = 'North' AND substr(order_date, 6, 2) = '12') FROM {Sales}</query>)"_s
                                            .arg(QStringLiteral(QORLO_SOURCE_DIR "/demo/demo.db")));
     auto sql = application.OpenReport(counts);
     sql->ReadRecords();
@@ -251,32 +242,20 @@ void TestRecords::demoAlertsAgreeWithSql()
 
 void TestRecords::odbcDataSource()
 {
-    const QString driver = QStringLiteral("/usr/lib/x86_64-linux-gnu/odbc/libsqlite3odbc.so");
-    QORLO_REQUIRE_PEER(QFile::exists(driver) && QSqlDatabase::isDriverAvailable(QStringLiteral("QODBC")),
-                       QStringLiteral("libsqliteodbc and the Qt ODBC driver"));
+    QORLO_REQUIRE_PEER(OdbcInstalled(), u"libsqliteodbc and the Qt ODBC driver"_s);
     QTemporaryDir dir;
     const QDir folder(dir.path());
-    MakeSalesDatabase(dir.filePath(QStringLiteral("sales.db")));
-    QFile odbcinst(folder.filePath(QStringLiteral("odbcinst.ini")));
-    QVERIFY(odbcinst.open(QIODevice::WriteOnly));
-    odbcinst.write("[SQLite3]\nDriver=" + driver.toUtf8() + "\n");
-    odbcinst.close();
-    QFile odbc(folder.filePath(QStringLiteral("odbc.ini")));
-    QVERIFY(odbc.open(QIODevice::WriteOnly));
-    odbc.write("[QorloSales]\nDriver=SQLite3\nDatabase=" + dir.filePath(QStringLiteral("sales.db")).toUtf8() +
-               "\n");
-    odbc.close();
-    qputenv("ODBCSYSINI", QFile::encodeName(dir.path()));
-    qputenv("ODBCINI", QFile::encodeName(odbc.fileName()));
+    MakeSalesDatabase(dir.filePath(u"sales.db"_s));
+    MakeOdbcDataSource(dir.path(), u"QorloSales"_s, dir.filePath(u"sales.db"_s));
 
-    const QString path = WriteReport(folder, QStringLiteral("odbc.rpt"), QStringLiteral(R"(
+    const QString path = WriteReport(folder, u"odbc.rpt"_s, uR"(
 <table name="Sales" location="sales" dll="odbc"><property name="DSN">QorloSales</property></table>
 <parameter name="Regions" type="12" multiple="true"/><parameter name="Min" type="7"/>
-<query>SELECT id FROM {Sales} WHERE region IN ({?Regions}) AND amount &gt; {?Min} ORDER BY id</query>)"));
+<query>SELECT id FROM {Sales} WHERE region IN ({?Regions}) AND amount &gt; {?Min} ORDER BY id</query>)"_s);
     Application application;
     auto report = application.OpenReport(path);
-    report->ParameterFields().Item(1).AddCurrentValue(QStringLiteral("North"));
-    report->ParameterFields().Item(1).AddCurrentValue(QStringLiteral("x'); DROP TABLE sales; --"));
+    report->ParameterFields().Item(1).AddCurrentValue(u"North"_s);
+    report->ParameterFields().Item(1).AddCurrentValue(u"x'); DROP TABLE sales; --"_s);
     report->ParameterFields().Item(2).AddCurrentValue(50);
     QVERIFY2(report->Database().Tables().Item(1).TestConnectivity(),
              qPrintable(report->Database().Tables().Item(1).lastError()));
@@ -285,27 +264,24 @@ void TestRecords::odbcDataSource()
     QCOMPARE(column(*report, 0)[0].toInt(), 1);
     QCOMPARE(column(*report, 0)[1].toInt(), 3);
 
-    report->Database().Tables().Item(1).ConnectionProperties().Item(1).setValue(
-        QStringLiteral("NoSuchSource"));
+    report->Database().Tables().Item(1).ConnectionProperties().Item(1).setValue(u"NoSuchSource"_s);
     QVERIFY(!report->Database().Tables().Item(1).TestConnectivity());
     const QString failure = errorOf(*report);
-    QVERIFY2(failure.contains(QLatin1String("Data source name not found")), qPrintable(failure));
+    QVERIFY2(failure.contains(u"Data source name not found"_s), qPrintable(failure));
 }
 
 void TestRecords::postgresServer()
 {
-    QORLO_REQUIRE_PEER(PostgresPeer::Installed() && QSqlDatabase::isDriverAvailable(QStringLiteral("QPSQL")),
-                       QStringLiteral("PostgreSQL 15 and the Qt PostgreSQL driver"));
+    QORLO_REQUIRE_PEER(PostgresPeer::Installed(), u"PostgreSQL 15 and the Qt PostgreSQL driver"_s);
     PostgresPeer server;
-    QVERIFY2(server.start(QStringLiteral("s3cret")), qPrintable(server.error()));
-    QVERIFY2(server.sql(QStringLiteral(
-                 "CREATE TABLE sales (id integer, order_date date, region text, amount numeric(10,2));"
+    QVERIFY2(server.start(u"s3cret"_s), qPrintable(server.error()));
+    QVERIFY2(server.sql(
+                 u"CREATE TABLE sales (id integer, order_date date, region text, amount numeric(10,2));"
                  "INSERT INTO sales VALUES (1, '2024-01-05', 'North', 120.5), (2, '2024-01-20', 'South', 80),"
-                 "(3, '2024-02-02', 'North', 1500.25), (4, '2024-03-01', 'it''s; --', 5);")),
+                 "(3, '2024-02-02', 'North', 1500.25), (4, '2024-03-01', 'it''s; --', 5);"_s),
              qPrintable(server.error()));
     QTemporaryDir dir;
-    const QString path = WriteReport(QDir(dir.path()), QStringLiteral("pg.rpt"),
-                                     QStringLiteral(R"(
+    const QString path = WriteReport(QDir(dir.path()), u"pg.rpt"_s, uR"(
 <table name="Sales" location="public.sales" dll="psql">
   <property name="Server">127.0.0.1</property><property name="Port">%1</property>
   <property name="Database">postgres</property><property name="User ID">postgres</property>
@@ -313,8 +289,7 @@ void TestRecords::postgresServer()
 <parameter name="Regions" type="12" multiple="true"/><parameter name="From" type="10"/>
 <parameter name="Min" type="8"/>
 <query>SELECT id, region FROM {Sales} WHERE region IN ({?Regions}) AND order_date &gt;= {?From}
-  AND amount &gt; {?Min} ORDER BY id</query>)")
-                                         .arg(server.port()));
+  AND amount &gt; {?Min} ORDER BY id</query>)"_s.arg(server.port()));
     Application application;
     auto report = application.OpenReport(path);
     DatabaseTable &table = report->Database().Tables().Item(1);
@@ -324,21 +299,20 @@ void TestRecords::postgresServer()
     fields.Item(2).AddCurrentValue(QDate(2024, 1, 10));
     fields.Item(3).AddCurrentValue(1.0);
 
-    table.ConnectionProperties().Add(QStringLiteral("Password"), QStringLiteral("wrong"));
+    table.ConnectionProperties().Add(u"Password"_s, u"wrong"_s);
     QVERIFY(!table.TestConnectivity());
-    QVERIFY2(table.lastError().contains(QLatin1String("password authentication failed")),
-             qPrintable(table.lastError()));
-    QVERIFY(errorOf(*report).contains(QLatin1String("password authentication failed")));
+    QVERIFY2(table.lastError().contains(u"password authentication failed"_s), qPrintable(table.lastError()));
+    QVERIFY(errorOf(*report).contains(u"password authentication failed"_s));
 
-    table.ConnectionProperties().Item(5).setValue(QStringLiteral("s3cret"));
+    table.ConnectionProperties().Item(5).setValue(u"s3cret"_s);
     QVERIFY2(table.TestConnectivity(), qPrintable(table.lastError()));
     report->ReadRecords();
     QCOMPARE(column(*report, 0), (QVariantList{3, 4}));
-    QCOMPARE(report->records().row(report->selectedRows()[1])[1].toString(), QStringLiteral("it's; --"));
+    QCOMPARE(report->records().row(report->selectedRows()[1])[1].toString(), u"it's; --"_s);
 
-    table.ConnectionProperties().Item(3).setValue(QStringLiteral("nowhere"));
+    table.ConnectionProperties().Item(3).setValue(u"nowhere"_s);
     QVERIFY(!table.TestConnectivity());
-    QVERIFY2(errorOf(*report).contains(QLatin1String("database \"nowhere\" does not exist")),
+    QVERIFY2(errorOf(*report).contains(u"database \"nowhere\" does not exist"_s),
              qPrintable(table.lastError()));
 }
 

@@ -2,12 +2,15 @@
 #include "engine/page/PdfPageSink.h"
 #include "engine/page/RtfPageSink.h"
 #include "engine/page/TextPageSink.h"
+#include "Files.h"
+#include "PageSample.h"
 #include "TestMain.h"
-#include "tst_page_sample.h"
 
 #include <QFile>
 #include <QTemporaryDir>
 #include <limits>
+
+using namespace Qt::Literals::StringLiterals;
 
 using namespace Engine;
 
@@ -28,10 +31,10 @@ Page HostilePage()
     const double huge = 1e300;
     Page page;
     page.number = 1;
-    page.texts.append(PageSample::Text(nan, nan, nan, QStringLiteral("nowhere")));
-    page.texts.append(PageSample::Text(huge, huge, huge, QStringLiteral("far away"), Qt::AlignRight));
-    page.texts.append(PageSample::Text(-huge, -50, 10, QStringLiteral("far left"), Qt::AlignHCenter));
-    PageText big = PageSample::Text(40, 40, 100, QStringLiteral("big and tiny"));
+    page.texts.append(PageSample::Text(nan, nan, nan, u"nowhere"_s));
+    page.texts.append(PageSample::Text(huge, huge, huge, u"far away"_s, Qt::AlignRight));
+    page.texts.append(PageSample::Text(-huge, -50, 10, u"far left"_s, Qt::AlignHCenter));
+    PageText big = PageSample::Text(40, 40, 100, u"big and tiny"_s);
     big.font.pointSize = nan;
     page.texts.append(big);
     big.font.pointSize = huge;
@@ -49,8 +52,7 @@ QByteArray Render(PageSink &sink, const QString &file)
     sink.begin(setup, 1);
     sink.addPage(HostilePage());
     sink.end();
-    QFile out(file);
-    return !sink.failed() && out.open(QIODevice::ReadOnly) ? out.readAll() : QByteArray();
+    return sink.failed() ? QByteArray() : TestSupport::ReadFile(file);
 }
 
 } // namespace
@@ -58,33 +60,31 @@ QByteArray Render(PageSink &sink, const QString &file)
 void TestRenderBadInput::hostileGeometry()
 {
     QTemporaryDir dir;
-    const QStringList texts{QStringLiteral("nowhere"), QStringLiteral("far away"), QStringLiteral("far left"),
-                            QStringLiteral("big and tiny")};
+    const QStringList texts{u"nowhere"_s, u"far away"_s, u"far left"_s, u"big and tiny"_s};
 
-    const QString textFile = dir.filePath(QStringLiteral("out.txt"));
+    const QString textFile = dir.filePath(u"out.txt"_s);
     TextPageSink text(textFile, {10, 40, true});
     const QString plain = QString::fromUtf8(Render(text, textFile));
     for (const QString &expected : texts)
         QVERIFY2(plain.contains(expected), qPrintable(expected));
-    QCOMPARE(plain.count(QStringLiteral("big and tiny")), 3);
-    for (const QString &line : plain.split(QStringLiteral("\r\n")))
+    QCOMPARE(plain.count(u"big and tiny"_s), 3);
+    for (const QString &line : plain.split(u"\r\n"_s))
         QVERIFY2(line.size() < 200, qPrintable(line.left(80)));
 
-    const QString htmlFile = dir.filePath(QStringLiteral("out.html"));
+    const QString htmlFile = dir.filePath(u"out.html"_s);
     HtmlPageSink html(htmlFile, {false, false});
     const QString markup = QString::fromUtf8(Render(html, htmlFile));
     for (const QString &expected : texts)
-        QVERIFY2(markup.contains(QLatin1Char('>') + expected + QStringLiteral("</div>")),
-                 qPrintable(expected));
+        QVERIFY2(markup.contains(u'>' + expected + u"</div>"_s), qPrintable(expected));
 
-    const QString rtfFile = dir.filePath(QStringLiteral("out.rtf"));
+    const QString rtfFile = dir.filePath(u"out.rtf"_s);
     RtfPageSink rtf(rtfFile);
     const QString document = QString::fromLatin1(Render(rtf, rtfFile));
     for (const QString &expected : texts)
-        QVERIFY2(document.contains(QLatin1Char(' ') + expected + QLatin1Char('}')), qPrintable(expected));
-    QVERIFY(!document.contains(QStringLiteral("nan")));
+        QVERIFY2(document.contains(u' ' + expected + u'}'), qPrintable(expected));
+    QVERIFY(!document.contains(u"nan"_s));
 
-    const QString pdfFile = dir.filePath(QStringLiteral("out.pdf"));
+    const QString pdfFile = dir.filePath(u"out.pdf"_s);
     PdfPageSink pdf(pdfFile);
     QVERIFY(Render(pdf, pdfFile).startsWith("%PDF-"));
 }

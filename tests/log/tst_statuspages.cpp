@@ -1,4 +1,5 @@
 // The status pages livestat.htm and logstat.htm, compared line by line with hand-written pages.
+#include "Files.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 #include "core/Ansi.h"
@@ -12,24 +13,21 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
 
 // Wednesday 18 March 2026, 15:45.
 const QDateTime kNow(QDate(2026, 3, 18), QTime(15, 45));
 
-double D(int year, int month, int day, int hour = 0, int minute = 0)
-{
-    return DayDate::FromParts(year, month, day, hour, minute);
-}
-
 QStringList ExpectedLines(const char *name)
 {
-    QFile file(TestSupport::DataFile(QStringLiteral("log/web/") + QLatin1String(name)));
+    QFile file(TestSupport::DataFile(u"log/web/"_s + QLatin1String(name)));
     if (!file.open(QIODevice::ReadOnly))
-        return {QStringLiteral("missing fixture")};
+        return {u"missing fixture"_s};
     QString text = QString::fromUtf8(file.readAll());
-    text.replace(QStringLiteral("{COMPUTER}"), CommonFile::ComputerName());
-    QStringList lines = text.split(QLatin1Char('\n'));
+    text.replace(u"{COMPUTER}"_s, CommonFile::ComputerName());
+    QStringList lines = text.split(u'\n');
     if (lines.last().isEmpty())
         lines.removeLast();
     return lines;
@@ -40,11 +38,11 @@ QStringList PageLines(const QString &path)
 {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
-        return {QStringLiteral("missing page")};
+        return {u"missing page"_s};
     const QByteArray bytes = file.readAll();
     if (!bytes.endsWith("\r\n") || bytes.count('\n') != bytes.count("\r\n"))
-        return {QStringLiteral("line ends are not CR LF")};
-    QStringList lines = Ansi::Decode(bytes).split(QStringLiteral("\r\n"));
+        return {u"line ends are not CR LF"_s};
+    QStringList lines = Ansi::Decode(bytes).split(u"\r\n"_s);
     lines.removeLast();
     return lines;
 }
@@ -64,8 +62,8 @@ QStringList ShownIDs(const QStringList &page)
 {
     QStringList ids;
     for (qsizetype i = 0; i + 3 < page.size(); ++i) {
-        if (page[i] == QLatin1String("<tr>"))
-            ids.append(page[i + 3].section(QLatin1Char('>'), 2).section(QLatin1Char('<'), 0, 0));
+        if (page[i] == u"<tr>"_s)
+            ids.append(page[i + 3].section(u'>', 2).section(u'<', 0, 0));
     }
     return ids;
 }
@@ -79,7 +77,7 @@ private Q_SLOTS:
     void init()
     {
         m_clock.set(kNow);
-        QVERIFY(QDir(m_app.path()).mkpath(QStringLiteral("Web")));
+        QVERIFY(QDir(m_app.path()).mkpath(u"Web"_s));
     }
     void liveActive();
     void liveStopped();
@@ -87,10 +85,7 @@ private Q_SLOTS:
     void pageText();
 
 private:
-    QString Page(const char *name) const
-    {
-        return m_app.path() + QStringLiteral("/Web/") + QLatin1String(name);
-    }
+    QString Page(const char *name) const { return m_app.path() + u"/Web/"_s + QLatin1String(name); }
     QTemporaryDir m_app;
     FixedClock m_clock{kNow};
     ClockGuard m_guard{m_clock};
@@ -101,17 +96,17 @@ void TestStatusPages::liveActive()
     clsSchedule schedule(m_app.path());
     schedule.StartedAt = D(2026, 3, 18, 8, 0);
     schedule.Active = true;
-    schedule.StopTime = QStringLiteral("18-Mar-2026 22:00:00");
+    schedule.StopTime = u"18-Mar-2026 22:00:00"_s;
     for (int i = 0; i < 3; ++i)
         schedule.AddNew();
-    schedule.LastReport = QStringLiteral("Daily Sales");
-    schedule.LastReportID = QStringLiteral("7");
+    schedule.LastReport = u"Daily Sales"_s;
+    schedule.LastReportID = u"7"_s;
     schedule.LastReportDate = D(2026, 3, 18, 15, 30);
-    schedule.LastReportMsg = QStringLiteral("Report completed");
-    schedule.ProcessingID = QStringLiteral("9");
-    schedule.ProcessingName = QStringLiteral("Stock Levels");
-    schedule.BackupPrevious = QStringLiteral("18-Mar-2026 08:00");
-    schedule.BackupPreviousFile = QStringLiteral("/srv/qorlo/Backup/Qorlo20260318.xml");
+    schedule.LastReportMsg = u"Report completed"_s;
+    schedule.ProcessingID = u"9"_s;
+    schedule.ProcessingName = u"Stock Levels"_s;
+    schedule.BackupPrevious = u"18-Mar-2026 08:00"_s;
+    schedule.BackupPreviousFile = u"/srv/qorlo/Backup/Qorlo20260318.xml"_s;
     schedule.BackupDate = D(2026, 3, 19, 8, 0);
 
     SaveWeb(schedule, false, D(2026, 3, 18, 16, 0));
@@ -123,9 +118,9 @@ void TestStatusPages::liveStopped()
 {
     clsSchedule schedule(m_app.path());
     schedule.StartedAt = D(2026, 3, 18, 8, 0);
-    schedule.StartTime = QStringLiteral("19-Mar-2026 06:00:00");
-    schedule.BackupFrequency = QStringLiteral("Never");
-    schedule.BackupPrevious = QStringLiteral("18-Mar-2026 08:00"); // not shown for "Never"
+    schedule.StartTime = u"19-Mar-2026 06:00:00"_s;
+    schedule.BackupFrequency = u"Never"_s;
+    schedule.BackupPrevious = u"18-Mar-2026 08:00"_s; // not shown for "Never"
 
     SaveWeb(schedule, true, D(2026, 3, 19));
     const QStringList expected = ExpectedLines("livestat-stopped.htm");
@@ -134,12 +129,12 @@ void TestStatusPages::liveStopped()
     // Without shutdown exactly the one line goes.
     SaveWeb(schedule, false, D(2026, 3, 19));
     QStringList withoutShutdown = expected;
-    withoutShutdown.removeAll(QStringLiteral("QorloMANAGER shutdown at 18-Mar-2026 15:45</br>"));
+    withoutShutdown.removeAll(u"QorloMANAGER shutdown at 18-Mar-2026 15:45</br>"_s);
     QCOMPARE(PageLines(Page("livestat.htm")), withoutShutdown);
     QCOMPARE(withoutShutdown.size(), expected.size() - 1);
 
     // A missing Web folder: nothing written, nothing reported.
-    QVERIFY(QDir(m_app.path() + QStringLiteral("/Web")).removeRecursively());
+    QVERIFY(QDir(m_app.path() + u"/Web"_s).removeRecursively());
     SaveWeb(schedule, false, D(2026, 3, 19));
     QVERIFY(!QFile::exists(Page("livestat.htm")));
 }
@@ -148,7 +143,7 @@ void TestStatusPages::logPage()
 {
     clsLog log(m_app.path());
     log.DeleteLogDate = D(2027, 1, 1); // no retention in this test
-    log.WebLogSetting = QStringLiteral("Last 7 Days");
+    log.WebLogSetting = u"Last 7 Days"_s;
     AddRow(log, "12", D(2026, 3, 10, 8, 0), D(2026, 3, 10, 8, 5), "Before the week");
     AddRow(log, "13", D(2026, 3, 11, 7, 0), D(2026, 3, 11, 7, 10), "Last 7 days edge");
     AddRow(log, "14", D(2026, 3, 14, 23, 50), D(2026, 3, 15, 0, 2), "Finished on Sunday");
@@ -165,35 +160,33 @@ void TestStatusPages::logPage()
 
     const auto shown = [&log](const char *setting) {
         log.WebLogSetting = QLatin1String(setting);
-        return ShownIDs(LogStatusLines(log)).join(QLatin1Char(' '));
+        return ShownIDs(LogStatusLines(log)).join(u' ');
     };
-    QCOMPARE(shown("This Week"), QStringLiteral("14 DEL 16"));
-    QCOMPARE(shown("Today"), QStringLiteral("DEL 16"));
+    QCOMPARE(shown("This Week"), u"14 DEL 16"_s);
+    QCOMPARE(shown("Today"), u"DEL 16"_s);
     // The dialog's spellings and an empty setting show today's rows only.
-    QCOMPARE(shown("Last 7 days"), QStringLiteral("DEL 16"));
-    QCOMPARE(shown("This week"), QStringLiteral("DEL 16"));
-    QCOMPARE(shown(""), QStringLiteral("DEL 16"));
-    QVERIFY(LogStatusLines(log).contains(
-        QStringLiteral("<b>QorloMANAGER log as at 18-Mar-2026 15:45 (Display=)</b></br>")));
+    QCOMPARE(shown("Last 7 days"), u"DEL 16"_s);
+    QCOMPARE(shown("This week"), u"DEL 16"_s);
+    QCOMPARE(shown(""), u"DEL 16"_s);
+    QVERIFY(
+        LogStatusLines(log).contains(u"<b>QorloMANAGER log as at 18-Mar-2026 15:45 (Display=)</b></br>"_s));
 
     // "This Week" on a Sunday: that day's rows only.
     m_clock.set(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));
     log.Clear();
     AddRow(log, "17", D(2026, 3, 14, 22, 0), D(2026, 3, 14, 23, 55), "Saturday");
     AddRow(log, "14", D(2026, 3, 14, 23, 50), D(2026, 3, 15, 0, 2), "Sunday");
-    QCOMPARE(shown("This Week"), QStringLiteral("14"));
+    QCOMPARE(shown("This Week"), u"14"_s);
 }
 
 void TestStatusPages::pageText()
 {
     clsSchedule schedule(m_app.path());
     // Windows-1252 characters as their bytes; others as numeric references the browser resolves.
-    schedule.LastReport = QStringLiteral("Caf\u00e9 \u20ac");
-    schedule.LastReportMsg = QStringLiteral("\u03a9 ") + QString::fromUcs4(U"\U0001F600");
+    schedule.LastReport = u"Caf\u00e9 \u20ac"_s;
+    schedule.LastReportMsg = u"\u03a9 "_s + QString::fromUcs4(U"\U0001F600");
     SaveWeb(schedule, false, D(2026, 3, 19));
-    QFile file(Page("livestat.htm"));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QByteArray bytes = file.readAll();
+    const QByteArray bytes = TestSupport::ReadFile(Page("livestat.htm"));
     QVERIFY(bytes.contains("Most recent report was Caf\xe9 \x80(Report ID=)</br>\r\n"));
     QVERIFY(bytes.contains("<i>&#937; &#128512;</i></p>\r\n"));
 }

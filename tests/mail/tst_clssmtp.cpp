@@ -1,12 +1,16 @@
-#include "tst_smtpmail_support.h"
-
-#include "TestClocks.h"
+#include "Files.h"
+#include "SmtpPeer.h"
 #include "TestMain.h"
 
-#include "mail/clsSMTP.h"
+#include "core/Ansi.h"
 #include "core/XMLCode.h"
+#include "mail/MailDocument.h"
+#include "mail/clsSMTP.h"
 
-using namespace SmtpMailTest;
+#include <QDir>
+
+using namespace Qt::Literals::StringLiterals;
+
 using namespace TestSupport;
 
 class TestClsSMTP : public QObject
@@ -28,22 +32,14 @@ struct Mailbox
 {
     Mailbox()
     {
-        const QDir source(DataFile(QStringLiteral("mail/documents")));
-        for (const QString &name : source.entryList(QDir::Files)) {
-            QByteArray bytes = ReadAll(source.filePath(name));
-            bytes.replace("@FOLDER@", QFile::encodeName(dir.path()));
-            write(name, bytes);
-        }
-        write(QStringLiteral("chart.png"), QByteArray("\x89PNG\r\n\x1a\n", 8) + QByteArray(64, '\2'));
+        const QDir source(DataFile(u"mail/documents"_s));
+        for (const QString &name : source.entryList(QDir::Files))
+            write(name, ReadFile(source.filePath(name)).replace("@FOLDER@", QFile::encodeName(dir.path())));
+        write(u"chart.png"_s, QByteArray("\x89PNG\r\n\x1a\n", 8) + QByteArray(64, '\2'));
     }
     QString path(const QString &name) const { return dir.filePath(name); }
-    void write(const QString &name, const QByteArray &bytes) const
-    {
-        QFile file(path(name));
-        file.open(QIODevice::WriteOnly);
-        file.write(bytes);
-    }
-    QStringList locks() const { return QDir(dir.path()).entryList({QStringLiteral("*.lck")}, QDir::Files); }
+    void write(const QString &name, const QByteArray &bytes) const { WriteFile(path(name), bytes); }
+    QStringList locks() const { return FileNames(dir.path(), {u"*.lck"_s}); }
 
     QTemporaryDir dir;
 };
@@ -54,21 +50,20 @@ void TestClsSMTP::plainDocument()
 {
     Mailbox box;
     clsSMTP document;
-    document.Load(box.path(QStringLiteral("plain.xml")));
-    QCOMPARE(document.DocType, QStringLiteral("QorloMAILDoc"));
-    QCOMPARE(document.FilePath, box.path(QStringLiteral("plain.xml")));
-    QCOMPARE(document.Server, QStringLiteral("127.0.0.1"));
-    QCOMPARE(document.From, QStringLiteral("desk@example.com"));
-    QCOMPARE(document.To, QStringLiteral("boss@example.com;team@example.com"));
-    QCOMPARE(document.Subject, QStringLiteral("Orders & returns"));
+    document.Load(box.path(u"plain.xml"_s));
+    QCOMPARE(document.DocType, u"QorloMAILDoc"_s);
+    QCOMPARE(document.FilePath, box.path(u"plain.xml"_s));
+    QCOMPARE(document.Server, u"127.0.0.1"_s);
+    QCOMPARE(document.From, u"desk@example.com"_s);
+    QCOMPARE(document.To, u"boss@example.com;team@example.com"_s);
+    QCOMPARE(document.Subject, u"Orders & returns"_s);
     // The end tag on a line of its own ends the body with an empty line.
-    QCOMPARE(document.Body, QStringLiteral("First line & more\r\nSecond line\r\n"));
-    QCOMPARE(document.Attach, QStringLiteral("\r\n") + box.path(QStringLiteral("orders.csv")) +
-                                  QStringLiteral("\r\n") + box.path(QStringLiteral("notes.txt")));
+    QCOMPARE(document.Body, u"First line & more\r\nSecond line\r\n"_s);
+    QCOMPARE(document.Attach, u"\r\n"_s + box.path(u"orders.csv"_s) + u"\r\n"_s + box.path(u"notes.txt"_s));
     QCOMPARE(document.SMTP_Port, qint16(2525));
     QVERIFY(document.Authentication);
-    QCOMPARE(document.SMTPUser, QStringLiteral("desk"));
-    QCOMPARE(document.SMTPPassword, QStringLiteral("plain<pw"));
+    QCOMPARE(document.SMTPUser, u"desk"_s);
+    QCOMPARE(document.SMTPPassword, u"plain<pw"_s);
     QCOMPARE(document.MsgHTML(), QString());
     QVERIFY(box.locks().isEmpty());
 
@@ -83,50 +78,46 @@ void TestClsSMTP::htmlBodyAndFile()
 {
     Mailbox box;
     clsSMTP document;
-    document.Load(box.path(QStringLiteral("html.xml")));
+    document.Load(box.path(u"html.xml"_s));
     QCOMPARE(document.HTMLFileText,
-             QStringLiteral("<html><body>\r\n<p>Total: 1,234.50 and again 1,234.50 for $NAME$</p>\r\n"
-                            "<img src=\"chart.png\">\r\n</body></html>"));
-    QCOMPARE(document.MsgHTML(),
-             QStringLiteral("<h1>Week 9</h1>\r\n<p>See below</p>\r\n\r\n") + document.HTMLFileText);
+             u"<html><body>\r\n<p>Total: 1,234.50 and again 1,234.50 for $NAME$</p>\r\n"
+             "<img src=\"chart.png\">\r\n</body></html>"_s);
+    QCOMPARE(document.MsgHTML(), u"<h1>Week 9</h1>\r\n<p>See below</p>\r\n\r\n"_s + document.HTMLFileText);
     QCOMPARE(document.FindText, QString());
 
     // A named file that is missing leaves the HTML body alone.
-    box.write(QStringLiteral("missing.xml"), "<QorloMAILDoc>\r\n<HTMLBody>Only this</HTMLBody>\r\n"
-                                             "<HTML-File>/nowhere/page.htm</HTML-File>\r\n");
-    document.Load(box.path(QStringLiteral("missing.xml")));
-    QCOMPARE(document.MsgHTML(), QStringLiteral("Only this"));
-    document.SetMsgHTML(QStringLiteral("Set"));
-    QCOMPARE(document.MsgHTML(), QStringLiteral("Set"));
+    box.write(u"missing.xml"_s, "<QorloMAILDoc>\r\n<HTMLBody>Only this</HTMLBody>\r\n"
+                                "<HTML-File>/nowhere/page.htm</HTML-File>\r\n");
+    document.Load(box.path(u"missing.xml"_s));
+    QCOMPARE(document.MsgHTML(), u"Only this"_s);
+    document.SetMsgHTML(u"Set"_s);
+    QCOMPARE(document.MsgHTML(), u"Set"_s);
 }
 
 void TestClsSMTP::bodyLinesJoined()
 {
     Mailbox box;
-    box.write(QStringLiteral("lines.xml"), "<QorloMAILDoc>\r\n<Body>Line one\r\nLine two</Body>\r\n"
-                                           "<HTMLBody><p>one</p>\r\n\r\n<p>two</p></HTMLBody>\r\n");
+    box.write(u"lines.xml"_s, "<QorloMAILDoc>\r\n<Body>Line one\r\nLine two</Body>\r\n"
+                              "<HTMLBody><p>one</p>\r\n\r\n<p>two</p></HTMLBody>\r\n");
     clsSMTP document;
-    document.Load(box.path(QStringLiteral("lines.xml")));
-    QCOMPARE(document.Body, QStringLiteral("Line one\r\nLine two"));
-    QCOMPARE(document.MsgHTML(), QStringLiteral("<p>one</p>\r\n\r\n<p>two</p>"));
+    document.Load(box.path(u"lines.xml"_s));
+    QCOMPARE(document.Body, u"Line one\r\nLine two"_s);
+    QCOMPARE(document.MsgHTML(), u"<p>one</p>\r\n\r\n<p>two</p>"_s);
 }
 
 void TestClsSMTP::passwordsInFileOrder()
 {
     Mailbox box;
-    const QString coded = XMLCode::EncodeText(QStringLiteral("s3cret"));
-    const QString line =
-        QStringLiteral("<SMTPPassword>") + XMLCode::XMLEscape(coded) + QStringLiteral("</SMTPPassword>\r\n");
+    const QString coded = XMLCode::EncodeText(u"s3cret"_s);
+    const QString line = u"<SMTPPassword>"_s + XMLCode::XMLEscape(coded) + u"</SMTPPassword>\r\n"_s;
     // Tags act in file order: before <Encryption> the password is decoded, as the setting is not "None" yet.
-    box.write(QStringLiteral("early.xml"),
-              Ansi::Encode(line + QStringLiteral("<Encryption>None</Encryption>\r\n")));
-    box.write(QStringLiteral("late.xml"),
-              Ansi::Encode(QStringLiteral("<Encryption>None</Encryption>\r\n") + line));
+    box.write(u"early.xml"_s, Ansi::Encode(line + u"<Encryption>None</Encryption>\r\n"_s));
+    box.write(u"late.xml"_s, Ansi::Encode(u"<Encryption>None</Encryption>\r\n"_s + line));
     clsSMTP document;
-    document.Load(box.path(QStringLiteral("early.xml")));
-    QCOMPARE(document.SMTPPassword, QStringLiteral("s3cret"));
-    QCOMPARE(document.Encryption, QStringLiteral("None"));
-    document.Load(box.path(QStringLiteral("late.xml")));
+    document.Load(box.path(u"early.xml"_s));
+    QCOMPARE(document.SMTPPassword, u"s3cret"_s);
+    QCOMPARE(document.Encryption, u"None"_s);
+    document.Load(box.path(u"late.xml"_s));
     QCOMPARE(document.SMTPPassword, coded);
 }
 
@@ -134,67 +125,48 @@ void TestClsSMTP::locksAndBadDocuments()
 {
     Mailbox box;
     clsSMTP document;
-    document.Load(box.path(QStringLiteral("noroot.xml")));
+    document.Load(box.path(u"noroot.xml"_s));
     QCOMPARE(document.DocType, QString());
-    QCOMPARE(document.To, QStringLiteral("boss@example.com"));
-    document.Load(box.path(QStringLiteral("absent.xml")));
+    QCOMPARE(document.To, u"boss@example.com"_s);
+    document.Load(box.path(u"absent.xml"_s));
     QCOMPARE(document.To, QString());
     QCOMPARE(document.FilePath, QString());
 
     // Another writer's lock, in any case of its extension, holds the folder: nothing is read or removed.
-    box.write(QStringLiteral("writer.LCK"), "busy");
-    document.Load(box.path(QStringLiteral("plain.xml")));
+    box.write(u"writer.LCK"_s, "busy");
+    document.Load(box.path(u"plain.xml"_s));
     QCOMPARE(document.DocType, QString());
-    QCOMPARE(QDir(box.dir.path()).entryList({QStringLiteral("*.LCK")}),
-             QStringList{QStringLiteral("writer.LCK")});
+    QCOMPARE(QDir(box.dir.path()).entryList({u"*.LCK"_s}), QStringList{u"writer.LCK"_s});
 }
 
 void TestClsSMTP::documentSent()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
+    QORLO_START_PEER(peer.start(), peer);
     // A document always goes out on the client's default port, which these settings point at the peer.
-    ShortClientTimeouts(peer.port());
+    ShortMailTimeouts(peer.port());
     Mailbox box;
-    for (const QString &name : {QStringLiteral("plain.xml"), QStringLiteral("html.xml")}) {
-        clsSMTP document;
-        document.Load(box.path(name));
-        clsSendMail mail;
-        MailEvents events(mail);
-        mail.SetSMTPHostValidation(0);
-        mail.SetSMTPHost(document.Server);
-        mail.SetFrom(document.From);
-        mail.SetSubject(document.Subject);
-        mail.SetMessage(document.Body);
-        mail.SetAttachment(
-            document.Attach.split(QStringLiteral("\r\n"), Qt::SkipEmptyParts).join(QLatin1Char(';')));
-        if (!document.MsgHTML().isEmpty()) {
-            mail.SetMessage(document.MsgHTML());
-            mail.SetAsHTML(true);
-        }
-        mail.SetRecipient(document.To);
-        mail.Send();
-        QVERIFY2(events.succeeded(), qPrintable(events.failures.join(QString())));
-    }
+    QVERIFY(ProcessMailDocument(box.dir.path(), box.path(u"plain.xml"_s)));
+    QVERIFY(ProcessMailDocument(box.dir.path(), box.path(u"html.xml"_s)));
+    QVERIFY(!ProcessMailDocument(box.dir.path(), box.path(u"noroot.xml"_s)));
 
     QCOMPARE(peer.messages().size(), 2);
     const QJsonObject plain = ParseMessage(peer.messages().at(0));
-    QCOMPARE(plain.value(QStringLiteral("subject")).toString(), QStringLiteral("Orders & returns"));
-    QCOMPARE(Recipients(peer.messages().at(0)),
-             QStringList({QStringLiteral("boss@example.com"), QStringLiteral("team@example.com")}));
-    QCOMPARE(PartNames(plain),
-             QStringList({QString(), QStringLiteral("orders.csv"), QStringLiteral("notes.txt")}));
-    QCOMPARE(PartOf(plain, 0).value(QStringLiteral("text")).toString(),
-             QStringLiteral("First line & more\nSecond line\n\n"));
-    QCOMPARE(PartOf(plain, 2).value(QStringLiteral("size")).toInt(), 12);
+    QCOMPARE(plain.value(u"subject"_s).toString(), u"Orders & returns"_s);
+    QCOMPARE(Recipients(peer.messages().at(0)), QStringList({u"boss@example.com"_s, u"team@example.com"_s}));
+    QCOMPARE(PartNames(plain), QStringList({QString(), u"orders.csv"_s, u"notes.txt"_s}));
+    QCOMPARE(PartOf(plain, 0).value(u"text"_s).toString(), u"First line & more\nSecond line\n\n"_s);
+    QCOMPARE(PartOf(plain, 2).value(u"size"_s).toInt(), 12);
 
     const QJsonObject html = ParseMessage(peer.messages().at(1));
-    QCOMPARE(html.value(QStringLiteral("content_type")).toString(), QStringLiteral("multipart/related"));
-    const QString page = PartOf(html, 0).value(QStringLiteral("text")).toString();
-    QVERIFY(page.startsWith(QStringLiteral("<h1>Week 9</h1>\n<p>See below</p>\n\n<html>")));
-    QVERIFY(page.contains(QStringLiteral("<img src=\"cid:chart.png\">")));
-    QVERIFY(!page.contains(QStringLiteral("Plain text")));
-    QCOMPARE(PartOf(html, 1).value(QStringLiteral("content_id")).toString(), QStringLiteral("<chart.png>"));
+    QCOMPARE(html.value(u"content_type"_s).toString(), u"multipart/related"_s);
+    const QString page = PartOf(html, 0).value(u"text"_s).toString();
+    QVERIFY(page.startsWith(u"<h1>Week 9</h1>\n<p>See below</p>\n\n<html>"_s));
+    QVERIFY(page.contains(u"<img src=\"cid:chart.png\">"_s));
+    QVERIFY(!page.contains(u"Plain text"_s));
+    QCOMPARE(PartOf(html, 1).value(u"content_id"_s).toString(), u"<chart.png>"_s);
+    const QString log = Ansi::Decode(ReadFile(box.path(u"SMTP.Log"_s)));
+    QVERIFY2(log.contains(u"Invalid XML document - cannot find QorloMAILDoc"_s), qPrintable(log));
 }
 
 QORLO_TEST_MAIN(TestClsSMTP)

@@ -1,8 +1,9 @@
 #include "mail/MailAddress.h"
 #include "mail/MimeEncoders.h"
+#include "Files.h"
 #include "TestMain.h"
 
-#include <QRandomGenerator>
+using namespace Qt::Literals::StringLiterals;
 
 using namespace MimeEncoders;
 
@@ -24,9 +25,7 @@ void TestMimeEncoders::base64LinesAndPadding()
     QCOMPARE(EncodeBase64Bytes("M"), QByteArray("TQ==\r\n"));
     QCOMPARE(EncodeBase64Bytes("Ma"), QByteArray("TWE=\r\n"));
     for (const int size : {56, 57, 58, 114, 11400, 11401}) {
-        QByteArray bytes(size, '\0');
-        for (char &b : bytes)
-            b = char(QRandomGenerator::global()->bounded(256));
+        const QByteArray bytes = TestSupport::RandomBytes(size);
         const QByteArray encoded = EncodeBase64Bytes(bytes);
         QVERIFY(encoded.endsWith("\r\n"));
         QVERIFY(!encoded.endsWith("\r\n\r\n"));
@@ -40,19 +39,19 @@ void TestMimeEncoders::base64LinesAndPadding()
     QCOMPARE(EncodeBase64Bytes(QByteArray(11400, 'x')).count("\r\n"), 200);
     QCOMPARE(EncodeBase64String(QString()), QString());
     // Text goes out as Windows-1252 bytes.
-    QCOMPARE(EncodeBase64String(QStringLiteral("\u00e9\u20ac")), QStringLiteral("6YA=\r\n"));
+    QCOMPARE(EncodeBase64String(u"\u00e9\u20ac"_s), u"6YA=\r\n"_s);
 }
 
 void TestMimeEncoders::base64Decoding()
 {
-    QCOMPARE(DecodeBase64String(QStringLiteral("VXNlcm5hbWU6")), QStringLiteral("Username:"));
-    QCOMPARE(DecodeBase64String(QStringLiteral("UGFzc3dvcmQ6")), QStringLiteral("Password:"));
-    QCOMPARE(DecodeBase64String(QStringLiteral("TWE=")), QStringLiteral("Ma"));
-    QCOMPARE(DecodeBase64String(QStringLiteral("TQ==")), QStringLiteral("M"));
-    QCOMPARE(DecodeBase64String(QStringLiteral("6YA=")), QStringLiteral("\u00e9\u20ac"));
+    QCOMPARE(DecodeBase64String(u"VXNlcm5hbWU6"_s), u"Username:"_s);
+    QCOMPARE(DecodeBase64String(u"UGFzc3dvcmQ6"_s), u"Password:"_s);
+    QCOMPARE(DecodeBase64String(u"TWE="_s), u"Ma"_s);
+    QCOMPARE(DecodeBase64String(u"TQ=="_s), u"M"_s);
+    QCOMPARE(DecodeBase64String(u"6YA="_s), u"\u00e9\u20ac"_s);
     // One character outside the table spoils the whole text, case matters.
-    QCOMPARE(DecodeBase64String(QStringLiteral("VXNl cm5h")), QString());
-    QCOMPARE(DecodeBase64String(QStringLiteral("VXNlcm5hbWU6\r\n")), QString());
+    QCOMPARE(DecodeBase64String(u"VXNl cm5h"_s), QString());
+    QCOMPARE(DecodeBase64String(u"VXNlcm5hbWU6\r\n"_s), QString());
 }
 
 void TestMimeEncoders::uuencodeLines()
@@ -69,62 +68,60 @@ void TestMimeEncoders::uuencodeLines()
 
 void TestMimeEncoders::headerWords()
 {
-    QCOMPARE(EncodeHeaderText(QStringLiteral("Plain ~ text"), false), QStringLiteral("Plain ~ text"));
-    QCOMPARE(EncodeHeaderText(QStringLiteral("Ann Lee"), true), QStringLiteral("\"Ann Lee\""));
-    QCOMPARE(EncodeHeaderText(QStringLiteral("Zo\u00eb"), true), QStringLiteral("=?ISO-8859-1?B?Wm/r?="));
+    QCOMPARE(EncodeHeaderText(u"Plain ~ text"_s, false), u"Plain ~ text"_s);
+    QCOMPARE(EncodeHeaderText(u"Ann Lee"_s, true), u"\"Ann Lee\""_s);
+    QCOMPARE(EncodeHeaderText(u"Zo\u00eb"_s, true), u"=?ISO-8859-1?B?Wm/r?="_s);
     // Code 127 counts as 8-bit.
-    QVERIFY(EncodeHeaderText(QStringLiteral("a\u007f"), false).startsWith(QLatin1String("=?ISO-8859-1?B?")));
-    const QString subject = QString(41, QLatin1Char('a')) + QStringLiteral("\u00fc") + QStringLiteral("tail");
-    const QStringList words = EncodeHeaderText(subject, false).split(QStringLiteral("\r\n\t"));
+    QVERIFY(EncodeHeaderText(u"a\u007f"_s, false).startsWith(u"=?ISO-8859-1?B?"_s));
+    const QString subject = QString(41, u'a') + u"\u00fc"_s + u"tail"_s;
+    const QStringList words = EncodeHeaderText(subject, false).split(u"\r\n\t"_s);
     QCOMPARE(words.size(), 2);
     QCOMPARE(DecodeBase64String(words.at(0).mid(15).chopped(2)), subject.left(42));
-    QCOMPARE(DecodeBase64String(words.at(1).mid(15).chopped(2)), QStringLiteral("tail"));
+    QCOMPARE(DecodeBase64String(words.at(1).mid(15).chopped(2)), u"tail"_s);
 }
 
 void TestMimeEncoders::dotStuffingAndFolding()
 {
     QCOMPARE(PrepareMessageText(QString()), QString());
-    QCOMPARE(PrepareMessageText(QStringLiteral(".\r\nend\r\n..x")), QStringLiteral("..\r\nend\r\n...x"));
-    QCOMPARE(PrepareMessageText(QStringLiteral("a\r.b")), QStringLiteral("a\r..b"));
+    QCOMPARE(PrepareMessageText(u".\r\nend\r\n..x"_s), u"..\r\nend\r\n...x"_s);
+    QCOMPARE(PrepareMessageText(u"a\r.b"_s), u"a\r..b"_s);
     // A lone LF is no line break: the dot after it stays.
-    QCOMPARE(PrepareMessageText(QStringLiteral("a\n.b")), QStringLiteral("a\n.b"));
-    const QString exact(998, QLatin1Char('x'));
+    QCOMPARE(PrepareMessageText(u"a\n.b"_s), u"a\n.b"_s);
+    const QString exact(998, u'x');
     QCOMPARE(PrepareMessageText(exact), exact);
-    const QString longer = QString(500, QLatin1Char('a')) + QLatin1Char(' ') + QString(498, QLatin1Char('b'));
+    const QString longer = QString(500, u'a') + u' ' + QString(498, u'b');
     QCOMPARE(longer.size(), 999);
-    QCOMPARE(PrepareMessageText(longer),
-             QString(500, QLatin1Char('a')) + QStringLiteral(" \r\n") + QString(498, QLatin1Char('b')));
+    QCOMPARE(PrepareMessageText(longer), QString(500, u'a') + u" \r\n"_s + QString(498, u'b'));
     // Without a blank the cut falls at 998; a continuation line starting with "." is not stuffed.
-    const QString solid = QString(998, QLatin1Char('y')) + QStringLiteral(".z");
-    QCOMPARE(PrepareMessageText(QStringLiteral("top\r\n") + solid),
-             QStringLiteral("top\r\n") + QString(998, QLatin1Char('y')) + QStringLiteral("\r\n.z"));
-    QCOMPARE(PrepareMessageText(QString(2000, QLatin1Char('q'))).split(QStringLiteral("\r\n")).size(), 3);
-    QVERIFY(HasEightBit(QStringLiteral("caf\u00e9")));
-    QVERIFY(HasEightBit(QStringLiteral("\u0100")));
-    QVERIFY(!HasEightBit(QStringLiteral("plain ~")));
+    const QString solid = QString(998, u'y') + u".z"_s;
+    QCOMPARE(PrepareMessageText(u"top\r\n"_s + solid), u"top\r\n"_s + QString(998, u'y') + u"\r\n.z"_s);
+    QCOMPARE(PrepareMessageText(QString(2000, u'q')).split(u"\r\n"_s).size(), 3);
+    QVERIFY(HasEightBit(u"caf\u00e9"_s));
+    QVERIFY(HasEightBit(u"\u0100"_s));
+    QVERIFY(!HasEightBit(u"plain ~"_s));
 }
 
 void TestMimeEncoders::addressAndDomainChecks()
 {
     using namespace MailAddress;
-    QVERIFY(IsValidEmailAddress(QStringLiteral("a@example.com")));
-    QVERIFY(IsValidEmailAddress(QStringLiteral("@example.com")));
-    QVERIFY(!IsValidEmailAddress(QStringLiteral("a@b@example.com")));
-    QVERIFY(!IsValidEmailAddress(QStringLiteral("example.com")));
-    QVERIFY(!IsValidDomain(QStringLiteral("localhost")));
-    QVERIFY(!IsValidDomain(QStringLiteral("mail.example.test")));
+    QVERIFY(IsValidEmailAddress(u"a@example.com"_s));
+    QVERIFY(IsValidEmailAddress(u"@example.com"_s));
+    QVERIFY(!IsValidEmailAddress(u"a@b@example.com"_s));
+    QVERIFY(!IsValidEmailAddress(u"example.com"_s));
+    QVERIFY(!IsValidDomain(u"localhost"_s));
+    QVERIFY(!IsValidDomain(u"mail.example.test"_s));
     // The list is searched as one text: any run of its letters passes, one letter too.
-    QVERIFY(IsValidDomain(QStringLiteral("host.m")));
-    QVERIFY(IsValidDomain(QStringLiteral("host.useu")));
-    QVERIFY(IsValidDomain(QStringLiteral(" 10.1.2.3 ")));
-    QVERIFY(IsIPAddress(QStringLiteral("239.255.255.255")));
-    QVERIFY(!IsIPAddress(QStringLiteral("240.1.1.1")));
-    QVERIFY(!IsIPAddress(QStringLiteral("1.2.3.256")));
-    QVERIFY(!IsIPAddress(QStringLiteral("1.2.3")));
-    QVERIFY(!IsIPAddress(QStringLiteral("1.2.x.4")));
-    QCOMPARE(SplitList(QString(), QStringLiteral(";")), QStringList());
-    QCOMPARE(SplitList(QStringLiteral("a;;b"), QStringLiteral(";")).size(), 3);
-    QCOMPARE(CleanAddressList({QStringLiteral(" a@x.com\r\n\t ")}), QStringList{QStringLiteral("a@x.com")});
+    QVERIFY(IsValidDomain(u"host.m"_s));
+    QVERIFY(IsValidDomain(u"host.useu"_s));
+    QVERIFY(IsValidDomain(u" 10.1.2.3 "_s));
+    QVERIFY(IsIPAddress(u"239.255.255.255"_s));
+    QVERIFY(!IsIPAddress(u"240.1.1.1"_s));
+    QVERIFY(!IsIPAddress(u"1.2.3.256"_s));
+    QVERIFY(!IsIPAddress(u"1.2.3"_s));
+    QVERIFY(!IsIPAddress(u"1.2.x.4"_s));
+    QCOMPARE(SplitList(QString(), u";"_s), QStringList());
+    QCOMPARE(SplitList(u"a;;b"_s, u";"_s).size(), 3);
+    QCOMPARE(CleanAddressList({u" a@x.com\r\n\t "_s}), QStringList{u"a@x.com"_s});
 }
 
 QORLO_TEST_MAIN(TestMimeEncoders)

@@ -1,15 +1,22 @@
-#include "MailTestPeers.h"
+#include "Files.h"
+#include "MailEvents.h"
+#include "SmtpPeer.h"
 #include "TestMain.h"
 
 #include "core/QorloError.h"
 #include "mail/modMXQuery.h"
 
+#include <QDeadlineTimer>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QNetworkDatagram>
+#include <QSemaphore>
 #include <QUdpSocket>
 
 #include <functional>
 #include <thread>
+
+using namespace Qt::Literals::StringLiterals;
 
 using namespace TestSupport;
 
@@ -25,11 +32,11 @@ public:
     {
         m_thread = std::thread([this, answer] {
             QUdpSocket socket;
-            if (!socket.bind(QHostAddress::LocalHost, m_port))
-                return;
-            m_bound = true;
-            for (int turn = 0; turn < 800 && !socket.hasPendingDatagrams(); ++turn)
-                socket.waitForReadyRead(10);
+            m_listening = socket.bind(QHostAddress::LocalHost, m_port);
+            m_bindTried.release();
+            const QDeadlineTimer deadline(8000);
+            while (m_listening && !socket.hasPendingDatagrams() && !deadline.hasExpired())
+                socket.waitForReadyRead(50);
             if (!socket.hasPendingDatagrams())
                 return;
             const QNetworkDatagram datagram = socket.receiveDatagram();
@@ -40,16 +47,28 @@ public:
                 socket.waitForBytesWritten(1000);
             }
         });
-        for (int i = 0; i < 100 && !m_bound; ++i)
-            QThread::msleep(10);
+        m_bindTried.acquire();
     }
-    ~CraftedDns() { m_thread.join(); }
+    ~CraftedDns() { finish(); }
     quint16 port() const { return m_port; }
-    QByteArray query() const { return m_query; }
+    bool listening() const { return m_listening; }
+    // The query it received, once it has answered; empty when none came in time.
+    QByteArray query()
+    {
+        finish();
+        return m_query;
+    }
 
 private:
+    void finish()
+    {
+        if (m_thread.joinable())
+            m_thread.join();
+    }
+
     quint16 m_port;
-    std::atomic<bool> m_bound = false;
+    bool m_listening = false;
+    QSemaphore m_bindTried;
     QByteArray m_query;
     std::thread m_thread;
 };
@@ -65,7 +84,7 @@ QByteArray Word(int value)
 QByteArray Labels(const QString &name)
 {
     QByteArray bytes;
-    for (const QString &label : name.split(QLatin1Char('.')))
+    for (const QString &label : name.split(u'.'))
         bytes += char(label.size()) + label.toLatin1();
     return bytes;
 }
@@ -104,9 +123,14 @@ private Q_SLOTS:
     void sendThroughMXHost();
 
 private:
-    void
-    useServer(quint16 port,
-              const QString &resolver = QStringLiteral("nameserver 127.0.0.1\ndomain office.example.com\n"));
+    void useServer(quint16 port,
+                   const QString &resolver = u"nameserver 127.0.0.1\ndomain office.example.com\n"_s);
+    // Aims the resolver at a crafted server, which must be listening.
+    void useServer(CraftedDns &dns)
+    {
+        QVERIFY2(dns.listening(), "the crafted name server is not listening");
+        useServer(dns.port());
+    }
     QTemporaryDir m_folder;
 };
 
@@ -117,12 +141,7 @@ void TestMXQuery::init()
 
 void TestMXQuery::useServer(quint16 port, const QString &resolver)
 {
-    const QString path = m_folder.filePath(QStringLiteral("resolv.conf"));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    file.write(resolver.toLatin1());
-    file.close();
-    modMXQuery::SetResolverFile(path);
+    modMXQuery::SetResolverFile(WriteFile(m_folder.filePath(u"resolv.conf"_s), resolver.toLatin1()));
     modMXQuery::SetDnsPort(port);
 }
 
@@ -130,55 +149,54 @@ void TestMXQuery::craftedAnswers()
 {
     // Two records of equal preference: the first in the answer is the best, and the sort keeps the order.
     CraftedDns dns([](const QByteArray &query) -> QByteArray {
-        return Reply(query, 3) +
-               Record(kQuestionPointer, 15, Mx(10, Labels(QStringLiteral("first")) + kQuestionPointer)) +
-               Record(kQuestionPointer, 15, Mx(20, Labels(QStringLiteral("backup")) + kQuestionPointer)) +
-               Record(kQuestionPointer, 15, Mx(10, Labels(QStringLiteral("second")) + kQuestionPointer));
+        return Reply(query, 3) + Record(kQuestionPointer, 15, Mx(10, Labels(u"first"_s) + kQuestionPointer)) +
+               Record(kQuestionPointer, 15, Mx(20, Labels(u"backup"_s) + kQuestionPointer)) +
+               Record(kQuestionPointer, 15, Mx(10, Labels(u"second"_s) + kQuestionPointer));
     });
-    useServer(dns.port());
-    QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("example.com")), QStringLiteral("first.example.com"));
+    useServer(dns);
+    QCOMPARE(modMXQuery::ResolveMX(u"example.com"_s), u"first.example.com"_s);
     QCOMPARE(dns.query(), QByteArray::fromHex("11df01000001000000000000076578616d706c6503636f6d00000f0001"));
     const QList<modMXQuery::MXRecord> records = modMXQuery::MXRecords();
     QCOMPARE(records.size(), 3);
-    QCOMPARE(records.at(0).host, QStringLiteral("first.example.com"));
-    QCOMPARE(records.at(1).host, QStringLiteral("second.example.com"));
-    QCOMPARE(records.at(2).host, QStringLiteral("backup.example.com"));
+    QCOMPARE(records.at(0).host, u"first.example.com"_s);
+    QCOMPARE(records.at(1).host, u"second.example.com"_s);
+    QCOMPARE(records.at(2).host, u"backup.example.com"_s);
     QCOMPARE(records.at(2).preference, qint16(20));
-    QCOMPARE(modMXQuery::LocalDomain(), QStringLiteral("office.example.com"));
-    QCOMPARE(modMXQuery::ParentDomain(), QStringLiteral("example.com"));
+    QCOMPARE(modMXQuery::LocalDomain(), u"office.example.com"_s);
+    QCOMPARE(modMXQuery::ParentDomain(), u"example.com"_s);
 }
 
 void TestMXQuery::answersThatStopTheWalk()
 {
     {
         CraftedDns dns([](const QByteArray &query) -> QByteArray {
-            return Reply(query, 2) +
-                   Record(kQuestionPointer, 5, Labels(QStringLiteral("alias.example.com")) + '\0') +
-                   Record(kQuestionPointer, 15, Mx(10, Labels(QStringLiteral("mx.example.com")) + '\0'));
+            return Reply(query, 2) + Record(kQuestionPointer, 5, Labels(u"alias.example.com"_s) + '\0') +
+                   Record(kQuestionPointer, 15, Mx(10, Labels(u"mx.example.com"_s) + '\0'));
         });
-        useServer(dns.port());
-        QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("example.com")), QString());
+        useServer(dns);
+        QCOMPARE(modMXQuery::ResolveMX(u"example.com"_s), QString());
         QVERIFY(modMXQuery::MXRecords().isEmpty());
+        QVERIFY(!dns.query().isEmpty());
     }
     {
         // An owner name spelled out instead of a pointer puts the walk off its track.
         CraftedDns dns([](const QByteArray &query) -> QByteArray {
-            const QByteArray owner = Labels(QStringLiteral("example.com")) + '\0';
-            return Reply(query, 1) +
-                   Record(owner, 15, Mx(10, Labels(QStringLiteral("mx")) + kQuestionPointer));
+            const QByteArray owner = Labels(u"example.com"_s) + '\0';
+            return Reply(query, 1) + Record(owner, 15, Mx(10, Labels(u"mx"_s) + kQuestionPointer));
         });
-        useServer(dns.port());
-        QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("example.com")), QString());
+        useServer(dns);
+        QCOMPARE(modMXQuery::ResolveMX(u"example.com"_s), QString());
+        QVERIFY(!dns.query().isEmpty());
     }
     {
         // A host name ending in a zero byte leaves the position one short: only the first record counts.
         CraftedDns dns([](const QByteArray &query) -> QByteArray {
             return Reply(query, 2) +
-                   Record(kQuestionPointer, 15, Mx(20, Labels(QStringLiteral("mx2.example.com")) + '\0')) +
-                   Record(kQuestionPointer, 15, Mx(10, Labels(QStringLiteral("mx1")) + kQuestionPointer));
+                   Record(kQuestionPointer, 15, Mx(20, Labels(u"mx2.example.com"_s) + '\0')) +
+                   Record(kQuestionPointer, 15, Mx(10, Labels(u"mx1"_s) + kQuestionPointer));
         });
-        useServer(dns.port());
-        QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("example.com")), QStringLiteral("mx2.example.com"));
+        useServer(dns);
+        QCOMPARE(modMXQuery::ResolveMX(u"example.com"_s), u"mx2.example.com"_s);
         QCOMPARE(modMXQuery::MXRecords().size(), 1);
     }
     // A pointer to itself and a name running past the packet end the reading without harm.
@@ -189,7 +207,7 @@ void TestMXQuery::answersThatStopTheWalk()
     position = 0;
     text.clear();
     modMXQuery::ReadDomainName(QByteArray::fromHex("05616263"), position, text);
-    QCOMPARE(text, QStringLiteral("abc\u0000\u0000"));
+    QCOMPARE(text, u"abc\u0000\u0000"_s);
     // Only 192 is a pointer: 193 is taken as a label length.
     position = 0;
     text.clear();
@@ -200,93 +218,75 @@ void TestMXQuery::answersThatStopTheWalk()
 void TestMXQuery::silentServerAndRefusals()
 {
     CraftedDns dns(nullptr);
-    useServer(dns.port());
+    useServer(dns);
     clsSendMail mail;
     MailEvents events(mail);
     QElapsedTimer watch;
     watch.start();
-    QCOMPARE(mail.MXQuery(QStringLiteral("example.com")), QString());
+    QCOMPARE(mail.MXQuery(u"example.com"_s), QString());
     QVERIFY(watch.elapsed() >= 4900);
-    QCOMPARE(events.statuses, QStringList({QStringLiteral("Performing MX Query, Domain: example.com"),
-                                           QStringLiteral("Problem receiving MX query")}));
+    QVERIFY(!dns.query().isEmpty());
+    QCOMPARE(events.statuses,
+             QStringList({u"Performing MX Query, Domain: example.com"_s, u"Problem receiving MX query"_s}));
     try {
-        modMXQuery::ResolveMX(QStringLiteral("a.io"));
+        modMXQuery::ResolveMX(u"a.io"_s);
         QFAIL("a domain of four characters is refused");
     } catch (const QorloError &error) {
         QCOMPARE(error.number(), 20000);
-        QCOMPARE(error.description(), QStringLiteral("No Valid Domain Specified"));
+        QCOMPARE(error.description(), u"No Valid Domain Specified"_s);
     }
-    useServer(dns.port(), QStringLiteral("# no name servers\nsearch corp.example.com other.example.com\n"));
+    useServer(dns.port(), u"# no name servers\nsearch corp.example.com other.example.com\n"_s);
     events.statuses.clear();
     QCOMPARE(mail.MXQuery(QString()), QString());
     QCOMPARE(events.statuses,
-             QStringList({QStringLiteral("Performing MX Query"),
-                          QStringLiteral("No DNS entries found, MX Query cannot contine.")}));
-    useServer(
-        dns.port(),
-        QStringLiteral("nameserver 10.0.0.1 10.0.0.2\nsearch corp.example.com x.org\nnameserver ::1\n"));
+             QStringList({u"Performing MX Query"_s, u"No DNS entries found, MX Query cannot contine."_s}));
+    useServer(dns.port(), u"nameserver 10.0.0.1 10.0.0.2\nsearch corp.example.com x.org\nnameserver ::1\n"_s);
     modMXQuery::GetDNSInfo();
-    QCOMPARE(modMXQuery::DnsServers(), QStringList({QStringLiteral("10.0.0.1"), QStringLiteral("::1")}));
-    QCOMPARE(modMXQuery::LocalDomain(), QStringLiteral("corp.example.com"));
+    QCOMPARE(modMXQuery::DnsServers(), QStringList({u"10.0.0.1"_s, u"::1"_s}));
+    QCOMPARE(modMXQuery::LocalDomain(), u"corp.example.com"_s);
 }
 
 void TestMXQuery::dnsmasqRecords()
 {
-    const QString dnsmasq = FindProgram(QStringLiteral("dnsmasq"));
-    QORLO_REQUIRE_PEER(!dnsmasq.isEmpty(), QStringLiteral("dnsmasq"));
+    QORLO_REQUIRE_PEER(!FindProgram(u"dnsmasq"_s).isEmpty(), u"dnsmasq"_s);
     const quint16 port = FreeUdpPort();
     PeerProcess peer;
-    const QStringList arguments{QStringLiteral("--no-daemon"),
-                                QStringLiteral("--conf-file=/dev/null"),
-                                QStringLiteral("--port=%1").arg(port),
-                                QStringLiteral("--listen-address=127.0.0.1"),
-                                QStringLiteral("--bind-interfaces"),
-                                QStringLiteral("--no-resolv"),
-                                QStringLiteral("--no-hosts"),
-                                QStringLiteral("--pid-file="),
-                                QStringLiteral("--local=/example.com/"),
-                                QStringLiteral("--mx-host=example.com,mx1.example.com,10"),
-                                QStringLiteral("--mx-host=example.com,mx2.example.com,20")};
-    // dnsmasq logs to standard error; the shell hands that to the ready check.
-    QORLO_REQUIRE_PEER(
-        peer.start(QStringLiteral("/bin/sh"),
-                   QStringList{QStringLiteral("-c"), QStringLiteral("exec \"$0\" \"$@\" 2>&1"), dnsmasq} +
-                       arguments,
-                   QStringLiteral("started")),
-        peer.error());
+    QORLO_START_PEER(StartDnsPeer(peer, port,
+                                  {u"--local=/example.com/"_s, u"--mx-host=example.com,mx1.example.com,10"_s,
+                                   u"--mx-host=example.com,mx2.example.com,20"_s}),
+                     peer);
     useServer(port);
     // dnsmasq lists the preference-20 record first and spells the exchange names out without a pointer:
     // the walk, built for compressed names, stops after that first record.
-    QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("example.com")), QStringLiteral("mx2.example.com"));
+    QCOMPARE(modMXQuery::ResolveMX(u"example.com"_s), u"mx2.example.com"_s);
     QCOMPARE(modMXQuery::MXRecords().size(), 1);
     QCOMPARE(modMXQuery::MXRecords().first().preference, qint16(20));
     // A sub-domain without records falls back step by step to the parent of the local domain.
-    QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("a.sales.example.com")), QStringLiteral("mx2.example.com"));
-    QCOMPARE(modMXQuery::ResolveMX(QString()), QStringLiteral("mx2.example.com"));
-    useServer(port, QStringLiteral("nameserver 127.0.0.1\ndomain office.example.org\n"));
-    QCOMPARE(modMXQuery::ResolveMX(QStringLiteral("sales.example.com")), QString());
+    QCOMPARE(modMXQuery::ResolveMX(u"a.sales.example.com"_s), u"mx2.example.com"_s);
+    QCOMPARE(modMXQuery::ResolveMX(QString()), u"mx2.example.com"_s);
+    useServer(port, u"nameserver 127.0.0.1\ndomain office.example.org\n"_s);
+    QCOMPARE(modMXQuery::ResolveMX(u"sales.example.com"_s), QString());
 }
 
 void TestMXQuery::sendThroughMXHost()
 {
     SmtpPeer smtp;
-    QORLO_REQUIRE_PEER(smtp.start(), smtp.error());
+    QORLO_START_PEER(smtp.start(), smtp);
     CraftedDns dns([](const QByteArray &query) -> QByteArray {
-        return Reply(query, 1) +
-               Record(kQuestionPointer, 15, Mx(5, Labels(QStringLiteral("127.0.0.1")) + '\0'));
+        return Reply(query, 1) + Record(kQuestionPointer, 15, Mx(5, Labels(u"127.0.0.1"_s) + '\0'));
     });
-    useServer(dns.port());
+    useServer(dns);
     clsSendMail mail;
     MailEvents events(mail);
     mail.SetSMTPPort(smtp.port());
     mail.SetConnectTimeout(5);
     mail.SetMessageTimeout(5);
-    mail.SetFrom(QStringLiteral("reports@example.com"));
-    mail.SetRecipient(QStringLiteral("boss@example.com"));
+    mail.SetFrom(u"reports@example.com"_s);
+    mail.SetRecipient(u"boss@example.com"_s);
     mail.Send();
     QVERIFY2(events.succeeded(), qPrintable(events.failures.join(QString())));
-    QCOMPARE(events.statuses.first(), QStringLiteral("Performing MX Query"));
-    QCOMPARE(events.statuses.at(1), QStringLiteral("Connecting to SMTP Server (127.0.0.1)..."));
+    QCOMPARE(events.statuses.first(), u"Performing MX Query"_s);
+    QCOMPARE(events.statuses.at(1), u"Connecting to SMTP Server (127.0.0.1)..."_s);
     QCOMPARE(smtp.messages().size(), 1);
 }
 

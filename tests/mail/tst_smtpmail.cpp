@@ -1,15 +1,19 @@
-#include "tst_smtpmail_support.h"
-
+#include "AppObjects.h"
+#include "SmtpPeer.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 
+#include "core/TWReg.h"
 #include "mail/SmtpLog.h"
 #include "mail/frmSMTPSendMail.h"
 
+#include <QDir>
+#include <QJsonArray>
 #include <QRegularExpression>
 
+using namespace Qt::Literals::StringLiterals;
+
 using namespace SmtpLog;
-using namespace SmtpMailTest;
 using namespace TestSupport;
 
 namespace {
@@ -18,10 +22,19 @@ namespace {
 SmtpSettings PeerServer(quint16 port)
 {
     SmtpSettings settings;
-    settings.server = QStringLiteral("127.0.0.1");
-    settings.from = QStringLiteral("scheduler@example.com");
+    settings.server = u"127.0.0.1"_s;
+    settings.from = u"scheduler@example.com"_s;
     settings.port = port;
     return settings;
+}
+
+// A new message from the schedule's sender to `to`.
+void StartMessage(frmSMTPSendMail &sender, const clsSchedule &schedule, const QString &to)
+{
+    sender.StartMail();
+    sender.MailServer = schedule.SMTP_Server;
+    sender.MailFrom = schedule.SMTP_From;
+    sender.MailTo = to;
 }
 
 } // namespace
@@ -30,7 +43,7 @@ class TestSmtpMail : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase() { ShortClientTimeouts(); }
+    void initTestCase() { ShortMailTimeouts(); }
     void smtpLogBuffer();
     void textBodyAndMissingFiles();
     void htmlFolderWithImages();
@@ -44,123 +57,109 @@ void TestSmtpMail::smtpLogBuffer()
     FixedClock clock(QDateTime(QDate(2026, 3, 2), QTime(9, 5, 30)));
     const ClockGuard guard(clock);
     StartSmtpLog(QString());
-    QCOMPARE(SmtpLogBuffer(), QStringLiteral("09:05   Starting new message"));
-    StartSmtpLog(QStringLiteral("Sending Test Message"));
+    QCOMPARE(SmtpLogBuffer(), u"09:05   Starting new message"_s);
+    StartSmtpLog(u"Sending Test Message"_s);
     clock.advanceSeconds(60);
-    AddSmtpLog(QStringLiteral("Caf\u00e9 \u20ac"));
-    QCOMPARE(SmtpLogBuffer(), QStringLiteral("09:05   Sending Test Message\r\n\r\n09:06   Caf\u00e9 \u20ac"));
+    AddSmtpLog(u"Caf\u00e9 \u20ac"_s);
+    QCOMPARE(SmtpLogBuffer(), u"09:05   Sending Test Message\r\n\r\n09:06   Caf\u00e9 \u20ac"_s);
     FlushSmtpLog(dir.path());
-    QCOMPARE(ReadAll(dir.filePath(QStringLiteral("SMTP.Log"))),
+    QCOMPARE(ReadFile(dir.filePath(u"SMTP.Log"_s)),
              QByteArray("09:05   Sending Test Message\r\n\r\n09:06   Caf\xe9 \x80\r\n"));
     // Each flush replaces the file: it tells the last message only.
-    StartSmtpLog(QStringLiteral("Next"));
+    StartSmtpLog(u"Next"_s);
     FlushSmtpLog(dir.path());
-    QCOMPARE(ReadAll(dir.filePath(QStringLiteral("SMTP.Log"))), QByteArray("09:06   Next\r\n\r\n"));
+    QCOMPARE(ReadFile(dir.filePath(u"SMTP.Log"_s)), QByteArray("09:06   Next\r\n\r\n"));
 }
 
 void TestSmtpMail::textBodyAndMissingFiles()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
+    QORLO_START_PEER(peer.start(), peer);
     MailApp app(peer.port());
-    const QString text = app.writeFile(QStringLiteral("report.txt"), "Region|Amount\r\nNorth|10\r\n");
-    const QString sheet = app.writeFile(QStringLiteral("figures.xls"), QByteArray(300, 'x'));
-    StartSmtpLog(QStringLiteral("Send Report: Sales"));
+    const QString text = app.writeFile(u"report.txt"_s, "Region|Amount\r\nNorth|10\r\n");
+    const QString sheet = app.writeFile(u"figures.xls"_s, QByteArray(300, 'x'));
+    StartSmtpLog(u"Send Report: Sales"_s);
 
-    frmSMTPSendMail sender(PeerServer(peer.port()), app.dir.path());
-    sender.StartMail();
-    sender.MailServer = app.schedule.SMTP_Server;
-    sender.MailFrom = QStringLiteral("desk@example.com");
-    sender.MailTo = QStringLiteral("boss@example.com");
-    sender.MailSubject = QStringLiteral("Figures");
-    sender.AppendTextMsg(QStringLiteral("Hello"));
+    frmSMTPSendMail sender(PeerServer(peer.port()), app.appPath);
+    StartMessage(sender, app.schedule, u"boss@example.com"_s);
+    sender.MailFrom = u"desk@example.com"_s;
+    sender.MailSubject = u"Figures"_s;
+    sender.AppendTextMsg(u"Hello"_s);
     sender.AppendTextFile(text);
     sender.AppendTextFile(QString());
-    sender.AppendTextFile(app.path(QStringLiteral("gone.txt")));
+    sender.AppendTextFile(app.path(u"gone.txt"_s));
     sender.AppendFile(QString());
-    sender.AppendFile(app.path(QStringLiteral("gone.pdf")));
+    sender.AppendFile(app.path(u"gone.pdf"_s));
     sender.AppendFile(sheet);
     sender.AppendFile(text);
-    QCOMPARE(sender.MailBody, QStringLiteral("\r\nHello\r\nRegion|Amount\r\nNorth|10"));
-    QCOMPARE(sender.poSendMail()->Attachment(), sheet + QStringLiteral(";") + text);
+    QCOMPARE(sender.MailBody, u"\r\nHello\r\nRegion|Amount\r\nNorth|10"_s);
+    QCOMPARE(sender.poSendMail()->Attachment(), sheet + u";"_s + text);
     sender.SendMail();
     QVERIFY(!sender.poSendMail());
-    QVERIFY(sender.lStatus.startsWith(QStringLiteral("\r\nConnecting to SMTP Server (127.0.0.1)...\r\n")));
-    QVERIFY(sender.lStatus.endsWith(QStringLiteral("\r\nTransmission Complete...\r\nClosing Connection...")));
+    QVERIFY(sender.lStatus.startsWith(u"\r\nConnecting to SMTP Server (127.0.0.1)...\r\n"_s));
+    QVERIFY(sender.lStatus.endsWith(u"\r\nTransmission Complete...\r\nClosing Connection..."_s));
     sender.CloseForm();
 
     QCOMPARE(peer.messages().size(), 1);
     const QJsonObject parsed = ParseMessage(peer.messages().first());
-    QCOMPARE(PartNames(parsed),
-             QStringList({QString(), QStringLiteral("figures.xls"), QStringLiteral("report.txt")}));
-    QCOMPARE(PartOf(parsed, 0).value(QStringLiteral("text")).toString(),
-             QStringLiteral("\nHello\nRegion|Amount\nNorth|10\n"));
-    const QStringList log = app.smtpLog().split(QStringLiteral("\r\n"));
+    QCOMPARE(PartNames(parsed), QStringList({QString(), u"figures.xls"_s, u"report.txt"_s}));
+    QCOMPARE(PartOf(parsed, 0).value(u"text"_s).toString(), u"\nHello\nRegion|Amount\nNorth|10\n"_s);
+    const QStringList log = app.smtpLog().split(u"\r\n"_s);
     const auto line = [](const QString &entry) -> QString {
-        return QStringLiteral("^\\d\\d:\\d\\d   ") + QRegularExpression::escape(entry) + QLatin1Char('$');
+        return u"^\\d\\d:\\d\\d   "_s + QRegularExpression::escape(entry) + u'$';
     };
     for (const QString &expected :
-         QStringList{QStringLiteral("Send Report: Sales"),
-                     QStringLiteral("Request to load Text File - but no file specified"),
-                     QStringLiteral("Cannot Find Text File: ") + app.path(QStringLiteral("gone.txt")),
-                     QStringLiteral("Request to load File-but no file specified"),
-                     QStringLiteral("Cannot Find File: ") + app.path(QStringLiteral("gone.pdf")),
-                     QStringLiteral("Sending Attachment, figures.xls..."),
-                     QStringLiteral("Message sent to boss@example.com")})
+         QStringList{u"Send Report: Sales"_s, u"Request to load Text File - but no file specified"_s,
+                     u"Cannot Find Text File: "_s + app.path(u"gone.txt"_s),
+                     u"Request to load File-but no file specified"_s,
+                     u"Cannot Find File: "_s + app.path(u"gone.pdf"_s),
+                     u"Sending Attachment, figures.xls..."_s, u"Message sent to boss@example.com"_s})
         QVERIFY2(log.indexOf(QRegularExpression(line(expected))) >= 0, qPrintable(expected));
 }
 
 void TestSmtpMail::htmlFolderWithImages()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
+    QORLO_START_PEER(peer.start(), peer);
     MailApp app(peer.port());
-    QDir(app.dir.path()).mkdir(QStringLiteral("SMTP"));
+    QDir(app.appPath).mkdir(u"SMTP"_s);
     const QString page = app.writeFile(
-        QStringLiteral("SMTP/sales.html"),
+        u"SMTP/sales.html"_s,
         "<html><body>\r\n<img src=\"logo.png\" alt=\"logo\">\r\n<p>Total 42</p>\r\n</body></html>\r\n");
-    app.writeFile(QStringLiteral("SMTP/logo.png"),
-                  QByteArray("\x89PNG\r\n\x1a\n", 8) + QByteArray(100, '\1'));
-    app.writeFile(QStringLiteral("SMTP/sales2.html"), "<html>page two</html>\r\n");
+    app.writeFile(u"SMTP/logo.png"_s, QByteArray("\x89PNG\r\n\x1a\n", 8) + QByteArray(100, '\1'));
+    app.writeFile(u"SMTP/sales2.html"_s, "<html>page two</html>\r\n");
 
-    frmSMTPSendMail sender(PeerServer(peer.port()), app.dir.path());
-    sender.StartMail();
-    sender.MailServer = app.schedule.SMTP_Server;
-    sender.MailFrom = app.schedule.SMTP_From;
-    sender.MailTo = QStringLiteral("boss@example.com");
-    sender.MailFormat = QStringLiteral("HTML");
+    frmSMTPSendMail sender(PeerServer(peer.port()), app.appPath);
+    StartMessage(sender, app.schedule, u"boss@example.com"_s);
+    sender.MailFormat = u"HTML"_s;
     sender.AppendHTMLFolder(QString(), page);
-    sender.AppendHTMLFolder(app.path(QStringLiteral("nowhere/x.html")), page);
+    sender.AppendHTMLFolder(app.path(u"nowhere/x.html"_s), page);
     sender.AppendHTMLFolder(page, page);
-    QCOMPARE(sender.poSendMail()->Attachment(), app.path(QStringLiteral("SMTP/logo.png")) + QLatin1Char(';') +
-                                                    app.path(QStringLiteral("SMTP/sales2.html")));
+    QCOMPARE(sender.poSendMail()->Attachment(),
+             app.path(u"SMTP/logo.png"_s) + u';' + app.path(u"SMTP/sales2.html"_s));
     sender.SendMail();
     sender.CloseForm();
 
     QCOMPARE(peer.messages().size(), 1);
     const QJsonObject parsed = ParseMessage(peer.messages().first());
-    QCOMPARE(parsed.value(QStringLiteral("content_type")).toString(), QStringLiteral("multipart/related"));
-    QCOMPARE(PartNames(parsed),
-             QStringList({QString(), QStringLiteral("logo.png"), QStringLiteral("sales2.html")}));
+    QCOMPARE(parsed.value(u"content_type"_s).toString(), u"multipart/related"_s);
+    QCOMPARE(PartNames(parsed), QStringList({QString(), u"logo.png"_s, u"sales2.html"_s}));
     const QJsonObject body = PartOf(parsed, 0);
-    QCOMPARE(body.value(QStringLiteral("content_type")).toString(), QStringLiteral("text/html"));
-    QVERIFY(body.value(QStringLiteral("text"))
-                .toString()
-                .contains(QStringLiteral("<img src=\"cid:logo.png\" alt=\"logo\">")));
-    QCOMPARE(PartOf(parsed, 1).value(QStringLiteral("content_id")).toString(), QStringLiteral("<logo.png>"));
-    QCOMPARE(PartOf(parsed, 1).value(QStringLiteral("size")).toInt(), 108);
+    QCOMPARE(body.value(u"content_type"_s).toString(), u"text/html"_s);
+    QVERIFY(body.value(u"text"_s).toString().contains(u"<img src=\"cid:logo.png\" alt=\"logo\">"_s));
+    QCOMPARE(PartOf(parsed, 1).value(u"content_id"_s).toString(), u"<logo.png>"_s);
+    QCOMPARE(PartOf(parsed, 1).value(u"size"_s).toInt(), 108);
     const QString log = app.smtpLog();
-    QVERIFY(log.contains(QStringLiteral("Request to load HTML Folder - but no file specified")));
-    QVERIFY(log.contains(QStringLiteral("Cannot Find HTML Folder: ") +
-                         app.path(QStringLiteral("nowhere/x.html"))));
-    QVERIFY(log.contains(QStringLiteral("Sending Embedded File, logo.png...")));
-    QVERIFY(log.contains(QStringLiteral("Sending Attachment, sales2.html...")));
+    QVERIFY(log.contains(u"Request to load HTML Folder - but no file specified"_s));
+    QVERIFY(log.contains(u"Cannot Find HTML Folder: "_s + app.path(u"nowhere/x.html"_s)));
+    QVERIFY(log.contains(u"Sending Embedded File, logo.png..."_s));
+    QVERIFY(log.contains(u"Sending Attachment, sales2.html..."_s));
 
     // Without a main file every file of the folder is attached, replacing earlier attachments.
     sender.StartMail();
-    sender.AppendFile(app.path(QStringLiteral("SMTP/logo.png")));
+    sender.AppendFile(app.path(u"SMTP/logo.png"_s));
     sender.AppendHTMLFolder(page, QString());
-    QCOMPARE(sender.poSendMail()->Attachment().split(QLatin1Char(';')).size(), 3);
+    QCOMPARE(sender.poSendMail()->Attachment().split(u';').size(), 3);
     QVERIFY(sender.MailBody.isEmpty());
     sender.CloseForm();
 }
@@ -168,91 +167,71 @@ void TestSmtpMail::htmlFolderWithImages()
 void TestSmtpMail::scheduleSettingsAndExpansion()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start({QStringLiteral("--user"), QStringLiteral("mailer"),
-                                   QStringLiteral("--password"), QStringLiteral("s3cret")}),
-                       peer.error());
+    QORLO_START_PEER(peer.start({u"--user"_s, u"mailer"_s, u"--password"_s, u"s3cret"_s}), peer);
     MailApp app(peer.port());
     SmtpSettings settings = PeerServer(peer.port());
-    settings.authentication = QStringLiteral("Yes");
-    settings.user = QStringLiteral("mailer");
-    settings.password = QStringLiteral("s3cret");
+    settings.authentication = u"Yes"_s;
+    settings.user = u"mailer"_s;
+    settings.password = u"s3cret"_s;
     QStringList expanded;
-    frmSMTPSendMail sender(settings, app.dir.path(), {}, [&expanded](const QString &text) -> QString {
+    frmSMTPSendMail sender(settings, app.appPath, {}, [&expanded](const QString &text) -> QString {
         expanded.append(text);
-        return text + QStringLiteral(" [x]");
+        return text + u" [x]"_s;
     });
-    sender.StartMail();
-    sender.MailServer = app.schedule.SMTP_Server;
-    sender.MailFrom = app.schedule.SMTP_From;
-    sender.MailTo = QStringLiteral("boss@example.com");
-    sender.MailCc = QStringLiteral("cc1@example.com;cc2@example.com");
-    sender.MailBcc = QStringLiteral("hidden@example.com");
-    sender.MailSubject = QStringLiteral("Week");
-    sender.MailBody = QStringLiteral("Body");
+    StartMessage(sender, app.schedule, u"boss@example.com"_s);
+    sender.MailCc = u"cc1@example.com;cc2@example.com"_s;
+    sender.MailBcc = u"hidden@example.com"_s;
+    sender.MailSubject = u"Week"_s;
+    sender.MailBody = u"Body"_s;
     sender.SendMail();
     sender.CloseForm();
 
-    QCOMPARE(expanded, QStringList({QStringLiteral("Week"), QStringLiteral("Body")}));
+    QCOMPARE(expanded, QStringList({u"Week"_s, u"Body"_s}));
     QCOMPARE(peer.messages().size(), 1);
     const QString message = peer.messages().first();
-    QCOMPARE(SmtpPeer::envelopeOf(message).value(QStringLiteral("login")).toString(),
-             QStringLiteral("mailer"));
-    QCOMPARE(Recipients(message),
-             QStringList({QStringLiteral("boss@example.com"), QStringLiteral("cc1@example.com"),
-                          QStringLiteral("cc2@example.com"), QStringLiteral("hidden@example.com")}));
+    QCOMPARE(SmtpPeer::envelopeOf(message).value(u"login"_s).toString(), u"mailer"_s);
+    QCOMPARE(Recipients(message), QStringList({u"boss@example.com"_s, u"cc1@example.com"_s,
+                                               u"cc2@example.com"_s, u"hidden@example.com"_s}));
     const QJsonObject parsed = ParseMessage(message);
-    QCOMPARE(parsed.value(QStringLiteral("subject")).toString(), QStringLiteral("Week [x]"));
-    QCOMPARE(parsed.value(QStringLiteral("cc")).toArray().size(), 2);
-    QCOMPARE(PartOf(parsed, 0).value(QStringLiteral("content_type")).toString(),
-             QStringLiteral("text/plain"));
-    QCOMPARE(PartOf(parsed, 0).value(QStringLiteral("text")).toString(), QStringLiteral("Body [x]\n"));
+    QCOMPARE(parsed.value(u"subject"_s).toString(), u"Week [x]"_s);
+    QCOMPARE(parsed.value(u"cc"_s).toArray().size(), 2);
+    QCOMPARE(PartOf(parsed, 0).value(u"content_type"_s).toString(), u"text/plain"_s);
+    QCOMPARE(PartOf(parsed, 0).value(u"text"_s).toString(), u"Body [x]\n"_s);
 
     // Authentication only when the setting is exactly "Yes". The client keeps its switch among its
     // persistent settings, so the test puts it back first.
-    TWReg::SaveSetting(QStringLiteral("Settings"), QStringLiteral("UseAuthentication"),
-                       QStringLiteral("False"), QStringLiteral("QorloSendMail"));
-    settings.authentication = QStringLiteral("yes");
-    frmSMTPSendMail lowerCase(settings, app.dir.path());
-    lowerCase.StartMail();
-    lowerCase.MailServer = app.schedule.SMTP_Server;
-    lowerCase.MailFrom = app.schedule.SMTP_From;
-    lowerCase.MailTo = QStringLiteral("boss@example.com");
+    TWReg::SaveSetting(u"Settings"_s, u"UseAuthentication"_s, u"False"_s, u"QorloSendMail"_s);
+    settings.authentication = u"yes"_s;
+    frmSMTPSendMail lowerCase(settings, app.appPath);
+    StartMessage(lowerCase, app.schedule, u"boss@example.com"_s);
     lowerCase.SendMail();
     QCOMPARE(peer.messages().size(), 2);
-    QVERIFY(SmtpPeer::envelopeOf(peer.messages().last()).value(QStringLiteral("login")).isNull());
+    QVERIFY(SmtpPeer::envelopeOf(peer.messages().last()).value(u"login"_s).isNull());
 }
 
 void TestSmtpMail::failedSendIsLogged()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start({QStringLiteral("--refuse-rcpt")}), peer.error());
+    QORLO_START_PEER(peer.start({u"--refuse-rcpt"_s}), peer);
     MailApp app(peer.port());
     QStringList logged;
-    frmSMTPSendMail sender(PeerServer(peer.port()), app.dir.path(),
+    frmSMTPSendMail sender(PeerServer(peer.port()), app.appPath,
                            [&logged](const QString &explanation) { logged.append(explanation); });
-    sender.StartMail();
-    sender.MailServer = app.schedule.SMTP_Server;
-    sender.MailFrom = app.schedule.SMTP_From;
-    sender.MailTo = QStringLiteral("nobody@example.com");
+    StartMessage(sender, app.schedule, u"nobody@example.com"_s);
     sender.SendMail();
     sender.CloseForm();
 
     QVERIFY(peer.messages().isEmpty());
-    const QString failure =
-        QStringLiteral("550 5.1.1 <nobody@example.com>: Recipient address rejected\r\n\r\n");
-    QVERIFY2(app.smtpLog().contains(QStringLiteral("Send failed to nobody@example.com  Failure=") + failure +
-                                    QStringLiteral("\r\n")),
+    const QString failure = u"550 5.1.1 <nobody@example.com>: Recipient address rejected\r\n\r\n"_s;
+    QVERIFY2(app.smtpLog().contains(u"Send failed to nobody@example.com  Failure="_s + failure + u"\r\n"_s),
              qPrintable(app.smtpLog()));
     QCOMPARE(logged, QStringList{failure});
 
     // A refused address stops the message before any connection, and is logged the same way.
-    sender.StartMail();
-    sender.MailServer = app.schedule.SMTP_Server;
-    sender.MailFrom = app.schedule.SMTP_From;
-    sender.MailTo = QStringLiteral("not an address");
+    StartMessage(sender, app.schedule, u"not an address"_s);
     sender.SendMail();
     QCOMPARE(logged.size(), 2);
-    QCOMPARE(logged.last(), QStringLiteral("Missing or Invalid Recipient E-mail Address\r\n"));
+    QCOMPARE(logged.last(), u"Missing or Invalid Recipient E-mail Address\r\n"_s);
 }
 
 QORLO_TEST_MAIN(TestSmtpMail)

@@ -3,7 +3,8 @@
 
 Prints READY once it listens. Options choose the behaviour under test: AUTH LOGIN with
 "Username:"/"Password:" prompts, RCPT refused with 550, the connection closed during DATA,
-a server that never answers, STARTTLS or implicit TLS with a given certificate.
+a server that never answers, one that takes --delay seconds to accept each message, STARTTLS or
+implicit TLS with a given certificate.
 """
 import argparse
 import asyncio
@@ -62,9 +63,10 @@ logging.getLogger("mail.log").addHandler(TRANSCRIPT)
 
 
 class Recorder:
-    def __init__(self, folder, refuse_rcpt):
+    def __init__(self, folder, refuse_rcpt, delay):
         self.folder = folder
         self.refuse_rcpt = refuse_rcpt
+        self.delay = delay
         self.count = 0
 
     async def handle_RCPT(self, server, session, envelope, address, rcpt_options):
@@ -74,6 +76,8 @@ class Recorder:
         return "250 OK"
 
     async def handle_DATA(self, server, session, envelope):
+        if self.delay:
+            await asyncio.sleep(self.delay)
         self.count += 1
         base = os.path.join(self.folder, "msg%04d" % self.count)
         envelope_info = {
@@ -135,6 +139,7 @@ def main():
     parser.add_argument("--refuse-rcpt", action="store_true")
     parser.add_argument("--close-in-data", action="store_true")
     parser.add_argument("--silent", action="store_true")
+    parser.add_argument("--delay", type=float, default=0)
     parser.add_argument("--starttls", nargs=2, metavar=("CERT", "KEY"))
     parser.add_argument("--tls", nargs=2, metavar=("CERT", "KEY"))
     args = parser.parse_args()
@@ -154,7 +159,7 @@ def main():
             kwargs.update(tls_context=make_context(*args.starttls))
         ssl_context = make_context(*args.tls) if args.tls else None
         PeerSMTP.close_in_data = args.close_in_data
-        controller = PeerController(Recorder(args.folder, args.refuse_rcpt), hostname="127.0.0.1",
+        controller = PeerController(Recorder(args.folder, args.refuse_rcpt, args.delay), hostname="127.0.0.1",
                                     port=args.port, ssl_context=ssl_context, **kwargs)
         controller.start()
 

@@ -1,21 +1,21 @@
 // A report run once for each line of a multi-run file, against real report files, SQLite data and the
 // SMTP peer.
-#include "../engine/EngineFixtures.h"
-#include "../mail/tst_smtpmail_support.h"
-
-#include "Peers.h"
+#include "CupsPeer.h"
+#include "RunObjects.h"
+#include "SmtpPeer.h"
 #include "TestClocks.h"
 #include "TestMain.h"
-
-#include "RunObjects.h"
 
 #include "core/QorloError.h"
 #include "run/MultiRun.h"
 #include "engine/Application.h"
 #include "engine/Report.h"
 
+#include <QJsonArray>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+
 using namespace MultiRun;
-using namespace SmtpMailTest;
 using namespace TestSupport;
 using namespace Qt::Literals::StringLiterals;
 
@@ -40,7 +40,7 @@ struct MultiApp : RunObjects
 {
     explicit MultiApp(quint16 smtpPort = 25)
     {
-        AddSalesItem(smtpPort);
+        addSalesItem(smtpPort);
         schedule.SetDest(u"M"_s);
         schedule.ParmAddNew();
         schedule.SetParmReportID(u"7"_s);
@@ -63,20 +63,16 @@ struct MultiApp : RunObjects
     }
     void writeReport(const QString &query)
     {
-        EngineFixtures::SalesReport(QDir(appPath), u"sales.rpt"_s, query,
-                                    u"<parameter name=\"Region\" type=\"12\" multiple=\"true\">"
-                                    "<default>North</default></parameter>"
-                                    "<parameter name=\"Least\" type=\"7\"><default>0</default></parameter>"
-                                    "<layout><column field=\"customer\"/></layout>"_s);
+        SalesReport(QDir(appPath), u"sales.rpt"_s, query,
+                    u"<parameter name=\"Region\" type=\"12\" multiple=\"true\">"
+                    "<default>North</default></parameter>"
+                    "<parameter name=\"Least\" type=\"7\"><default>0</default></parameter>"
+                    "<layout><column field=\"customer\"/></layout>"_s);
     }
     // Writes the lines with CR LF; OUT stands for the output folder.
     QString writeLines(const QStringList &lines)
     {
-        const QString file = path(u"lines.txt"_s);
-        QFile out(file);
-        if (out.open(QIODevice::WriteOnly))
-            out.write(lines.join(u"\r\n"_s).replace(u"OUT"_s, path(u"Output"_s)).toUtf8());
-        return file;
+        return writeFile(u"lines.txt"_s, lines.join(u"\r\n"_s).replace(u"OUT"_s, path(u"Output"_s)).toUtf8());
     }
     void runLines(const QStringList &lines)
     {
@@ -102,7 +98,7 @@ struct MultiApp : RunObjects
 void TestMultiRun::initTestCase()
 {
     // No print server: the printer list is empty.
-    qputenv("CUPS_SERVER", "127.0.0.1:" + QByteArray::number(FreePort()));
+    NoPrintServer();
 }
 
 void TestMultiRun::helpers()
@@ -127,10 +123,9 @@ void TestMultiRun::helpers()
     QCOMPARE(ParameterValue(schedule, u"North;South"_s, 12), QVariant(u"North;South"_s));
     QVERIFY(!ParameterValue(schedule, u"12:00"_s, 11).isValid());
 
-    EngineFixtures::WriteReport(
-        QDir(app.appPath), u"tables.rpt"_s,
-        u"<title>T</title><table name=\"A\" location=\"dbo.SALES_2024\" dll=\"sqlite\"/>"
-        "<table name=\"B\" location=\"orders\" dll=\"sqlite\"/><query>SELECT 1</query>"_s);
+    WriteReport(QDir(app.appPath), u"tables.rpt"_s,
+                u"<title>T</title><table name=\"A\" location=\"dbo.SALES_2024\" dll=\"sqlite\"/>"
+                "<table name=\"B\" location=\"orders\" dll=\"sqlite\"/><query>SELECT 1</query>"_s);
     Engine::Application engine;
     const auto report = engine.OpenReport(app.path(u"tables.rpt"_s));
     ApplyTableExpression(*report, u"sales"_s);
@@ -148,11 +143,9 @@ void TestMultiRun::helpers()
     // The folder is made, then emptied when used again.
     const QString folder = MultiRunFolder(app.appPath, 1);
     QCOMPARE(folder, app.path(u"Multirun/MR-00001/"_s));
-    QFile stale(folder + u"old.csv"_s);
-    QVERIFY(stale.open(QIODevice::WriteOnly));
-    stale.close();
+    const QString stale = WriteFile(folder + u"old.csv"_s, "x");
     QCOMPARE(MultiRunFolder(app.appPath, 1), folder);
-    QVERIFY(QDir(folder).exists() && !stale.exists());
+    QVERIFY(QDir(folder).exists() && !QFile::exists(stale));
 }
 
 // Comments, bad lines, parameter, "*ALL*", table map and unmatched lines to disk, a line without data or
@@ -184,13 +177,13 @@ void TestMultiRun::diskLines()
                  u"7|Sales: MultiRun Completed (7 reports and  3 errors)"_s}));
     // North and East from 1000 on; South from 100 on in the archive; the unmatched {?region} keeps North;
     // the table expression alone reads North from the archive.
-    const QByteArray north = ReadAll(app.out(u"2026/03/north.csv"_s));
+    const QByteArray north = ReadFile(app.out(u"2026/03/north.csv"_s));
     QVERIFY(north.contains("Brien") && !north.contains("Acme") && !north.contains("Delta"));
-    const QByteArray all = ReadAll(app.out(u"all.csv"_s));
+    const QByteArray all = ReadFile(app.out(u"all.csv"_s));
     QVERIFY(all.contains("Echo") && all.contains("Zulu") && !all.contains("Bolt"));
-    const QByteArray lower = ReadAll(app.out(u"lower.csv"_s));
+    const QByteArray lower = ReadFile(app.out(u"lower.csv"_s));
     QVERIFY(lower.contains("Brien") && !lower.contains("Echo") && !lower.contains("Yankee"));
-    const QByteArray map = ReadAll(app.out(u"map.csv"_s));
+    const QByteArray map = ReadFile(app.out(u"map.csv"_s));
     QVERIFY(map.contains("Brien") && map.contains("Yankee") && !map.contains("Echo"));
     QVERIFY(!QFile::exists(app.out(u"none.csv"_s)) && !QFile::exists(app.out(u"x.csv"_s)));
     QCOMPARE(app.lastPages(), 4);
@@ -212,8 +205,8 @@ void TestMultiRun::diskLines()
 void TestMultiRun::mailLines()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
-    ShortClientTimeouts(peer.port());
+    QORLO_START_PEER(peer.start(), peer);
+    ShortMailTimeouts(peer.port());
     MultiApp app(peer.port());
     app.schedule.SetRptSubject(u"Sales {?Region}"_s);
     app.schedule.SetNotifyTo(u"admin@example.com"_s);
@@ -301,10 +294,7 @@ void TestMultiRun::runsThatEnd()
     MultiApp comments;
     comments.runLines({u"// only"_s, u"////"_s});
     QCOMPARE(comments.entries(), QStringList{u"7|Sales: MultiRun Completed (0 reports and  0 errors)"_s});
-    QFile broken(comments.schedule.File());
-    QVERIFY(broken.open(QIODevice::WriteOnly));
-    broken.write("<report version=\"1\"><colum/></report>");
-    broken.close();
+    WriteFile(comments.schedule.File(), "<report version=\"1\"><colum/></report>");
     comments.runLines({});
     QCOMPARE(comments.entries().size(), 2);
     QVERIFY_THROWS_EXCEPTION(QorloError, comments.runLines({u"// only"_s}));

@@ -1,4 +1,4 @@
-#include "../engine/EngineFixtures.h"
+#include "SalesReport.h"
 #include "RunObjects.h"
 #include "TestClocks.h"
 #include "TestMain.h"
@@ -11,6 +11,10 @@
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <tuple>
+
+using namespace Qt::Literals::StringLiterals;
+
+using namespace TestSupport;
 
 using namespace Engine;
 
@@ -40,14 +44,13 @@ private:
 void TestOutputFormat::initTestCase()
 {
     QVERIFY(m_data.isValid());
-    EngineFixtures::MakeSalesDatabase(m_data.filePath(QStringLiteral("sales.db")));
-    m_reportFile = EngineFixtures::SalesReport(
-        QDir(m_data.path()), QStringLiteral("sales.rpt"),
-        QStringLiteral("SELECT id, customer, amount FROM {Sales} ORDER BY id"),
-        QStringLiteral("<layout><column field=\"id\" caption=\"No\" width=\"40\"/>"
-                       "<column field=\"customer\" caption=\"Customer\" width=\"200\"/>"
-                       "<column field=\"amount\" caption=\"Amount\" width=\"90\" format=\"#,##0.00\"/>"
-                       "</layout>"));
+    MakeSalesDatabase(m_data.filePath(u"sales.db"_s));
+    m_reportFile = SalesReport(
+        QDir(m_data.path()), u"sales.rpt"_s, u"SELECT id, customer, amount FROM {Sales} ORDER BY id"_s,
+        u"<layout><column field=\"id\" caption=\"No\" width=\"40\"/>"
+        "<column field=\"customer\" caption=\"Customer\" width=\"200\"/>"
+        "<column field=\"amount\" caption=\"Amount\" width=\"90\" format=\"#,##0.00\"/>"
+        "</layout>"_s);
 }
 
 // A fresh application folder with one item at the cursor and its report open.
@@ -65,26 +68,26 @@ void TestOutputFormat::formatTable_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("formatType");
     QTest::addColumn<QString>("extension");
-    const QString rpt = QStringLiteral("rpt");
-    const QString txt = QStringLiteral("txt");
-    QTest::newRow("crystal") << QStringLiteral("Crystal Report") << 1 << rpt;
+    const QString rpt = u"rpt"_s;
+    const QString txt = u"txt"_s;
+    QTest::newRow("crystal") << u"Crystal Report"_s << 1 << rpt;
     QTest::newRow("empty") << QString() << 1 << rpt;
-    QTest::newRow("worksheet") << QStringLiteral("EXCEL WORKSHEET") << 29 << QStringLiteral("xls");
-    QTest::newRow("data") << QStringLiteral("Excel Data") << 38 << QStringLiteral("xls");
-    QTest::newRow("rtf") << QStringLiteral("Rich Text") << 4 << QStringLiteral("rtf");
-    QTest::newRow("tab text") << QStringLiteral("Tab Separated Text") << 9 << txt;
-    QTest::newRow("csv") << QStringLiteral("csv file") << 5 << QStringLiteral("csv");
-    QTest::newRow("html") << QStringLiteral("HTML Document") << 24 << QStringLiteral("html");
-    QTest::newRow("dhtml") << QStringLiteral("DHTML Document") << 32 << QStringLiteral("html");
-    QTest::newRow("word") << QStringLiteral("MS Word doc") << 14 << QStringLiteral("doc");
-    QTest::newRow("xml") << QStringLiteral("XML Document") << 37 << QStringLiteral("xml");
-    QTest::newRow("tab values") << QStringLiteral("Tab Separated Values") << 6 << txt;
-    QTest::newRow("pdf") << QStringLiteral("Acrobat File") << 31 << QStringLiteral("pdf");
-    QTest::newRow("text") << QStringLiteral("Text File") << 8 << QString();
-    QTest::newRow("paginated") << QStringLiteral("Paginated Text") << 10 << txt;
-    QTest::newRow("record") << QStringLiteral("Record Format") << 3 << txt;
-    QTest::newRow("unknown") << QStringLiteral("Lotus 1-2-3") << 1 << rpt;
-    QTest::newRow("blank in front") << QStringLiteral(" CSV File") << 1 << rpt;
+    QTest::newRow("worksheet") << u"EXCEL WORKSHEET"_s << 29 << u"xls"_s;
+    QTest::newRow("data") << u"Excel Data"_s << 38 << u"xls"_s;
+    QTest::newRow("rtf") << u"Rich Text"_s << 4 << u"rtf"_s;
+    QTest::newRow("tab text") << u"Tab Separated Text"_s << 9 << txt;
+    QTest::newRow("csv") << u"csv file"_s << 5 << u"csv"_s;
+    QTest::newRow("html") << u"HTML Document"_s << 24 << u"html"_s;
+    QTest::newRow("dhtml") << u"DHTML Document"_s << 32 << u"html"_s;
+    QTest::newRow("word") << u"MS Word doc"_s << 14 << u"doc"_s;
+    QTest::newRow("xml") << u"XML Document"_s << 37 << u"xml"_s;
+    QTest::newRow("tab values") << u"Tab Separated Values"_s << 6 << txt;
+    QTest::newRow("pdf") << u"Acrobat File"_s << 31 << u"pdf"_s;
+    QTest::newRow("text") << u"Text File"_s << 8 << QString();
+    QTest::newRow("paginated") << u"Paginated Text"_s << 10 << txt;
+    QTest::newRow("record") << u"Record Format"_s << 3 << txt;
+    QTest::newRow("unknown") << u"Lotus 1-2-3"_s << 1 << rpt;
+    QTest::newRow("blank in front") << u" CSV File"_s << 1 << rpt;
 }
 
 void TestOutputFormat::formatTable()
@@ -93,7 +96,7 @@ void TestOutputFormat::formatTable()
     QFETCH(int, formatType);
     QFETCH(QString, extension);
     m_report->ExportOptions().FormatType = PdfFormat;
-    m_objects->state.OutputExtension = QStringLiteral("left from before");
+    m_objects->state.OutputExtension = u"left from before"_s;
     SetOutputFormat(m_objects->run, *m_report, name);
     QCOMPARE(m_report->ExportOptions().FormatType, formatType);
     QCOMPARE(m_objects->state.OutputExtension, extension);
@@ -103,16 +106,16 @@ void TestOutputFormat::formatTable()
 void TestOutputFormat::excelAndCrystalSettings()
 {
     const QList<std::tuple<QString, int, bool>> excel = {
-        {QStringLiteral("Excel 8.0"), 29, false},          {QStringLiteral("Excel 8.0 Extended"), 30, true},
-        {QStringLiteral("Excel 7.0"), 27, false},          {QStringLiteral("Excel 7.0 Extended"), 28, true},
-        {QStringLiteral("excel 7.0 extended"), 29, false}, {QString(), 29, false}};
+        {u"Excel 8.0"_s, 29, false},          {u"Excel 8.0 Extended"_s, 30, true},
+        {u"Excel 7.0"_s, 27, false},          {u"Excel 7.0 Extended"_s, 28, true},
+        {u"excel 7.0 extended"_s, 29, false}, {QString(), 29, false}};
     for (const auto &[setting, formatType, tabular] : excel) {
         m_objects->schedule.Excel_Format = setting;
         ExportOptions &options = m_report->ExportOptions();
         options = ExportOptions();
         options.ExcelUseWorksheetFunctions = true;
         options.ExcelUseConstantColumnWidth = true;
-        SetOutputFormat(m_objects->run, *m_report, QStringLiteral("Excel Worksheet"));
+        SetOutputFormat(m_objects->run, *m_report, u"Excel Worksheet"_s);
         QCOMPARE(options.FormatType, formatType);
         QCOMPARE(options.ExcelTabHasColumnHeadings, tabular);
         QCOMPARE(options.ExcelUseWorksheetFunctions, !tabular);
@@ -121,35 +124,35 @@ void TestOutputFormat::excelAndCrystalSettings()
     }
 
     // Excel Data is data only whatever the setting says.
-    m_objects->schedule.Excel_Format = QStringLiteral("Excel 7.0 Extended");
+    m_objects->schedule.Excel_Format = u"Excel 7.0 Extended"_s;
     m_report->ExportOptions() = ExportOptions();
-    SetOutputFormat(m_objects->run, *m_report, QStringLiteral("excel data"));
+    SetOutputFormat(m_objects->run, *m_report, u"excel data"_s);
     QCOMPARE(m_report->ExportOptions().FormatType, int(ExcelDataOnlyFormat));
     QVERIFY(!m_report->ExportOptions().ExcelTabHasColumnHeadings);
 
-    m_objects->schedule.Crystal_Format = QStringLiteral("Crystal Reports 7.0");
-    for (const QString &name : {QStringLiteral("Crystal Report"), QString()}) {
+    m_objects->schedule.Crystal_Format = u"Crystal Reports 7.0"_s;
+    for (const QString &name : {u"Crystal Report"_s, QString()}) {
         SetOutputFormat(m_objects->run, *m_report, name);
         QCOMPARE(m_report->ExportOptions().FormatType, int(Crystal7Format));
     }
     // An unknown name is always type 1, and the setting is compared exactly.
-    SetOutputFormat(m_objects->run, *m_report, QStringLiteral("Lotus 1-2-3"));
+    SetOutputFormat(m_objects->run, *m_report, u"Lotus 1-2-3"_s);
     QCOMPARE(m_report->ExportOptions().FormatType, int(CrystalReportFormat));
-    m_objects->schedule.Crystal_Format = QStringLiteral("crystal reports 7.0");
-    SetOutputFormat(m_objects->run, *m_report, QStringLiteral("Crystal Report"));
+    m_objects->schedule.Crystal_Format = u"crystal reports 7.0"_s;
+    SetOutputFormat(m_objects->run, *m_report, u"Crystal Report"_s);
     QCOMPARE(m_report->ExportOptions().FormatType, int(CrystalReportFormat));
 }
 
 void TestOutputFormat::separatedAndTextOptions()
 {
     ExportOptions &options = m_report->ExportOptions();
-    SetOutputFormat(m_objects->run, *m_report, QStringLiteral("CSV File"));
-    QCOMPARE(options.CharFieldDelimiter, QStringLiteral("|"));
-    QCOMPARE(options.CharStringDelimiter, QStringLiteral("'"));
+    SetOutputFormat(m_objects->run, *m_report, u"CSV File"_s);
+    QCOMPARE(options.CharFieldDelimiter, u"|"_s);
+    QCOMPARE(options.CharStringDelimiter, u"'"_s);
     QVERIFY(options.UseReportDateFormat);
     QVERIFY(options.UseReportNumberFormat);
 
-    for (const QString &name : {QStringLiteral("Text File"), QStringLiteral("Paginated Text")}) {
+    for (const QString &name : {u"Text File"_s, u"Paginated Text"_s}) {
         options = ExportOptions();
         options.UseDefaultCPI = false;
         options.NumberOfLinesPerPage = 33;
@@ -159,8 +162,8 @@ void TestOutputFormat::separatedAndTextOptions()
         QVERIFY(options.UseDefaultCPI);
         QCOMPARE(options.NumberOfLinesPerPage, qint16(33)); // an empty setting leaves the lines alone
 
-        m_objects->schedule.Text_FormatCPI = QStringLiteral("15");
-        m_objects->schedule.Text_FormatPage = QStringLiteral("60");
+        m_objects->schedule.Text_FormatCPI = u"15"_s;
+        m_objects->schedule.Text_FormatPage = u"60"_s;
         SetOutputFormat(m_objects->run, *m_report, name);
         QVERIFY(!options.UseDefaultCPI);
         QCOMPARE(options.CharactersPerInch, 15);
@@ -168,21 +171,13 @@ void TestOutputFormat::separatedAndTextOptions()
     }
 
     // Settings that are no numbers unwind: the step runs with the trap off.
-    m_objects->schedule.Text_FormatCPI = QStringLiteral("ten");
-    try {
-        SetOutputFormat(m_objects->run, *m_report, QStringLiteral("Text File"));
-        QFAIL("a CPI setting that is no number must fail");
-    } catch (const QorloError &error) {
-        QCOMPARE(error.number(), int(QorloError::TypeMismatch));
-    }
+    m_objects->schedule.Text_FormatCPI = u"ten"_s;
+    QCOMPARE(ErrorOf([&] { SetOutputFormat(m_objects->run, *m_report, u"Text File"_s); }),
+             int(QorloError::TypeMismatch));
     m_objects->schedule.Text_FormatCPI.clear();
-    m_objects->schedule.Text_FormatPage = QStringLiteral("40000");
-    try {
-        SetOutputFormat(m_objects->run, *m_report, QStringLiteral("Paginated Text"));
-        QFAIL("a line count beyond 16 bits must fail");
-    } catch (const QorloError &error) {
-        QCOMPARE(error.number(), int(QorloError::Overflow));
-    }
+    m_objects->schedule.Text_FormatPage = u"40000"_s;
+    QCOMPARE(ErrorOf([&] { SetOutputFormat(m_objects->run, *m_report, u"Paginated Text"_s); }),
+             int(QorloError::Overflow));
 }
 
 void TestOutputFormat::htmlFileNames()
@@ -192,59 +187,52 @@ void TestOutputFormat::htmlFileNames()
     const ExportOptions &options = m_report->ExportOptions();
 
     // An empty Location is the shared default page, not the item's own default path.
-    SetOutputFormat(m_objects->run, *m_report, QStringLiteral("HTML Document"));
-    QCOMPARE(options.HTMLFileName, m_objects->appPath + QStringLiteral("/Output/default.html"));
-    QVERIFY(QFileInfo(appFile(QStringLiteral("Output"))).isDir());
+    SetOutputFormat(m_objects->run, *m_report, u"HTML Document"_s);
+    QCOMPARE(options.HTMLFileName, m_objects->appPath + u"/Output/default.html"_s);
+    QVERIFY(QFileInfo(appFile(u"Output"_s)).isDir());
     QVERIFY(options.HTMLEnableSeparatedPages);
     QVERIFY(options.HTMLHasPageNavigator);
 
-    const QList<QPair<QString, QString>> names = {
-        {QStringLiteral("web/report.htm"), QStringLiteral("web/report.html")},
-        {QStringLiteral("web/report.HTML"), QStringLiteral("web/report.html")},
-        {QStringLiteral("web/%z/%M-page"), QStringLiteral("web/2031/07-page.html")},
-        {QStringLiteral("web/page.html"), QStringLiteral("web/page.html")}};
+    const QList<QPair<QString, QString>> names = {{u"web/report.htm"_s, u"web/report.html"_s},
+                                                  {u"web/report.HTML"_s, u"web/report.html"_s},
+                                                  {u"web/%z/%M-page"_s, u"web/2031/07-page.html"_s},
+                                                  {u"web/page.html"_s, u"web/page.html"_s}};
     for (const auto &[location, expected] : names) {
         m_objects->schedule.SetLocation(appFile(location));
-        SetOutputFormat(m_objects->run, *m_report, QStringLiteral("DHTML Document"));
+        SetOutputFormat(m_objects->run, *m_report, u"DHTML Document"_s);
         QCOMPARE(options.FormatType, int(DhtmlFormat));
         QCOMPARE(options.HTMLFileName, appFile(expected));
         QVERIFY2(QFileInfo(appFile(expected)).dir().exists(), qPrintable(expected));
     }
 
-    const QList<QPair<QString, bool>> pages = {{QStringLiteral("One Page"), false},
-                                               {QStringLiteral("one page"), true},
-                                               {QStringLiteral("Separate Pages"), true}};
+    const QList<QPair<QString, bool>> pages = {
+        {u"One Page"_s, false}, {u"one page"_s, true}, {u"Separate Pages"_s, true}};
     for (const auto &[setting, separated] : pages) {
         m_objects->schedule.SetHTMLPages(setting);
-        SetOutputFormat(m_objects->run, *m_report, QStringLiteral("html document"));
+        SetOutputFormat(m_objects->run, *m_report, u"html document"_s);
         QCOMPARE(options.HTMLEnableSeparatedPages, separated);
         QCOMPARE(options.HTMLHasPageNavigator, separated);
     }
 
     // A folder that cannot be made unwinds, whatever the delivery.
-    QFile blocker(appFile(QStringLiteral("blocker")));
-    QVERIFY(blocker.open(QIODevice::WriteOnly));
-    blocker.close();
-    m_objects->schedule.SetLocation(appFile(QStringLiteral("blocker/sub/page.html")));
-    QVERIFY_THROWS_EXCEPTION(QorloError,
-                             SetOutputFormat(m_objects->run, *m_report, QStringLiteral("HTML Document")));
+    WriteFile(appFile(u"blocker"_s), QByteArray());
+    m_objects->schedule.SetLocation(appFile(u"blocker/sub/page.html"_s));
+    QVERIFY_THROWS_EXCEPTION(QorloError, SetOutputFormat(m_objects->run, *m_report, u"HTML Document"_s));
 }
 
 // The CSV settings give "|" between fields and "'" around strings in the file the engine writes.
 void TestOutputFormat::exportsWithChosenSettings()
 {
-    SetOutputFormat(m_objects->run, *m_report, QStringLiteral("CSV File"));
+    SetOutputFormat(m_objects->run, *m_report, u"CSV File"_s);
     ExportOptions &options = m_report->ExportOptions();
-    options.DiskFileName = appFile(QStringLiteral("sales.") + m_objects->state.OutputExtension);
+    options.DiskFileName = appFile(u"sales."_s + m_objects->state.OutputExtension);
     m_report->Export(false);
 
-    QFile file(appFile(QStringLiteral("sales.csv")));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QStringList lines = QString::fromUtf8(file.readAll()).split(QStringLiteral("\r\n"));
-    QCOMPARE(lines.value(0), QStringLiteral("'No'|'Customer'|'Amount'"));
-    QCOMPARE(lines.value(1), QStringLiteral("1|'Acme Ltd'|120.50"));
-    QCOMPARE(lines.value(3), QStringLiteral("3|'O''Brien \"Tools\"'|1,500.25"));
-    QCOMPARE(lines.value(4), QStringLiteral("4|'Delta'|"));
+    const QStringList lines = QString::fromUtf8(ReadFile(appFile(u"sales.csv"_s))).split(u"\r\n"_s);
+    QCOMPARE(lines.value(0), u"'No'|'Customer'|'Amount'"_s);
+    QCOMPARE(lines.value(1), u"1|'Acme Ltd'|120.50"_s);
+    QCOMPARE(lines.value(3), u"3|'O''Brien \"Tools\"'|1,500.25"_s);
+    QCOMPARE(lines.value(4), u"4|'Delta'|"_s);
 }
 
 QORLO_TEST_MAIN(TestOutputFormat)

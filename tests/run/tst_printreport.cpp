@@ -1,7 +1,5 @@
-#include "../engine/CupsPeerFixture.h"
-#include "../engine/EngineFixtures.h"
-#include "../engine/tst_page_sample.h"
-#include "Peers.h"
+#include "CupsPeer.h"
+#include "Readers.h"
 #include "RunObjects.h"
 #include "TestMain.h"
 
@@ -13,9 +11,11 @@
 
 #include <QElapsedTimer>
 #include <QTemporaryDir>
-#include <cups/cups.h>
+
+using namespace Qt::Literals::StringLiterals;
 
 using namespace Engine;
+using namespace TestSupport;
 
 class TestPrintReport : public QObject
 {
@@ -33,7 +33,7 @@ private:
     int logCount() const { return int(m_objects->logEntries().size()); }
 
     QTemporaryDir m_dir;
-    TestSupport::PeerProcess m_cups;
+    PeerProcess m_cups;
     QString m_printed;
     std::unique_ptr<RunObjects> m_objects;
     Application m_engine;
@@ -42,12 +42,12 @@ private:
 
 namespace {
 
-const QString Printer = QStringLiteral("PeerPDFFile");
-const QString ItemName = QStringLiteral("Sales list");
+const QString Printer = u"PeerPDFFile"_s;
+const QString ItemName = u"Sales list"_s;
 
 bool RunTool(const QString &name, const QStringList &arguments)
 {
-    return PageSample::Run(TestSupport::FindProgram(name), arguments, nullptr, 30000);
+    return RunProgram(FindProgram(name), arguments, nullptr, 30000);
 }
 
 } // namespace
@@ -58,12 +58,11 @@ void TestPrintReport::initTestCase()
     m_objects = std::make_unique<RunObjects>();
     const QString app = m_dir.path();
 
-    EngineFixtures::MakeSalesDatabase(m_dir.filePath(QStringLiteral("sales.db")));
-    const QString report = EngineFixtures::SalesReport(
-        QDir(app), QStringLiteral("sales.rpt"),
-        QStringLiteral("SELECT id, customer, amount FROM {Sales} ORDER BY id"),
-        QStringLiteral("<layout><column field=\"customer\" caption=\"Customer\" width=\"200\"/>"
-                       "<column field=\"amount\" caption=\"Amount\" width=\"90\"/></layout>"));
+    MakeSalesDatabase(m_dir.filePath(u"sales.db"_s));
+    const QString report =
+        SalesReport(QDir(app), u"sales.rpt"_s, u"SELECT id, customer, amount FROM {Sales} ORDER BY id"_s,
+                    u"<layout><column field=\"customer\" caption=\"Customer\" width=\"200\"/>"
+                    "<column field=\"amount\" caption=\"Amount\" width=\"90\"/></layout>"_s);
     m_objects->schedule.AddNew();
     m_objects->schedule.SetName(ItemName);
     m_objects->schedule.SetFile(report);
@@ -82,39 +81,37 @@ void TestPrintReport::printsOnNamedPrinter()
     const int pages = m_report->PrintingStatus().NumberOfPages();
     QVERIFY(pages > 0);
 
-    m_objects->schedule.SetPrinterOrient(QStringLiteral("Landscape"));
+    m_objects->schedule.SetPrinterOrient(u"Landscape"_s);
+    // The print settles for three seconds before the run goes on.
     QElapsedTimer clock;
     clock.start();
     PrintReport(m_objects->run, *m_report, Printer, 2);
-    QVERIFY2(clock.elapsed() >= PrintSettleSleeps * qint64(PrintSettleSleepMs), "no settle time");
+    QVERIFY2(clock.elapsed() >= 3000, "no settle time");
     QVERIFY2(!m_objects->state.trap.IsSet(), qPrintable(m_objects->state.trap.Description()));
     QCOMPARE(m_report->PrintingStatus().Progress(), int(ProgressCompleted));
     QCOMPARE(m_report->PaperOrientation(), int(LandscapeOrientation));
-    const auto [printed, rotation] = TestSupport::PrintedPagesAndRotation(m_printed);
-    QCOMPARE(printed, 2 * pages);
+    QCOMPARE(PdfPages(m_printed), 2 * pages);
+    const int rotation = PdfRotation(m_printed);
     QVERIFY2(rotation == 90 || rotation == 270, qPrintable(QString::number(rotation)));
 
     // Only the exact words choose an orientation; anything else leaves it to the report.
-    m_objects->schedule.SetPrinterOrient(QStringLiteral("landscape"));
+    m_objects->schedule.SetPrinterOrient(u"landscape"_s);
     PrintReport(m_objects->run, *m_report, Printer, 1);
     QCOMPARE(m_report->PaperOrientation(), int(DefaultPaperOrientation));
-    QCOMPARE(TestSupport::PrintedPagesAndRotation(m_printed), qMakePair(pages, 0));
+    QCOMPARE(PdfPages(m_printed), pages);
+    QCOMPARE(PdfRotation(m_printed), 0);
     QCOMPARE(logCount(), 0); // a print that worked is logged by the caller
 }
 
 // Names are compared exactly, so neither another case nor the empty name finds a printer, and nothing
-// is printed or waited for.
+// is printed.
 void TestPrintReport::missingPrinterIsLogged()
 {
-    for (const QString &name : {QStringLiteral("NoSuchPrinter"), QStringLiteral("peerpdffile"), QString()}) {
+    for (const QString &name : {u"NoSuchPrinter"_s, u"peerpdffile"_s, QString()}) {
         m_objects->startItem();
-        QElapsedTimer clock;
-        clock.start();
         PrintReport(m_objects->run, *m_report, name, 1);
-        QVERIFY(clock.elapsed() < PrintSettleSleeps * qint64(PrintSettleSleepMs));
-        const QString text = QStringLiteral("ERROR: Could not find printer=") + name;
-        QCOMPARE(lastLogEntry(), m_objects->schedule.ReportID() + QStringLiteral("|") + ItemName +
-                                     QStringLiteral(": ") + text);
+        const QString text = u"ERROR: Could not find printer="_s + name;
+        QCOMPARE(lastLogEntry(), m_objects->schedule.ReportID() + u"|"_s + ItemName + u": "_s + text);
         QCOMPARE(m_objects->schedule.LastReportMsg, text);
         QVERIFY(!QFileInfo::exists(m_printed));
         QVERIFY(!m_objects->state.trap.IsSet());
@@ -124,14 +121,11 @@ void TestPrintReport::missingPrinterIsLogged()
 void TestPrintReport::noPrintersInstalled()
 {
     const QByteArray peerServer = qgetenv("CUPS_SERVER");
-    qputenv("CUPS_SERVER", "127.0.0.1:" + QByteArray::number(TestSupport::FreePort()));
-    cupsSetServer(nullptr); // libcups reads the variable again
+    NoPrintServer();
     m_objects->startItem();
     PrintReport(m_objects->run, *m_report, Printer, 1);
-    qputenv("CUPS_SERVER", peerServer);
-    cupsSetServer(nullptr);
-    QVERIFY(lastLogEntry().endsWith(QStringLiteral("|") + ItemName +
-                                    QStringLiteral(": ERROR: Could not print to ") + Printer));
+    UsePrintServer(peerServer);
+    QVERIFY(lastLogEntry().endsWith(u"|"_s + ItemName + u": ERROR: Could not print to "_s + Printer));
     QVERIFY(!QFileInfo::exists(m_printed));
 }
 
@@ -139,22 +133,17 @@ void TestPrintReport::noPrintersInstalled()
 // no log entry; with the trap off it unwinds.
 void TestPrintReport::engineFailureGoesToTrap()
 {
-    QVERIFY(RunTool(QStringLiteral("cupsreject"), {Printer}));
+    QVERIFY(RunTool(u"cupsreject"_s, {Printer}));
     const int entries = logCount();
     PrintReport(m_objects->run, *m_report, Printer, 1);
     const bool armedFailed = m_objects->state.trap.IsSet();
     const int code = m_objects->state.trap.Code();
     m_objects->state.trap.Disarm();
-    bool unwound = false;
-    try {
-        PrintReport(m_objects->run, *m_report, Printer, 1);
-    } catch (const QorloError &error) {
-        unwound = error.number() == EngineError::PrintFailed;
-    }
-    QVERIFY(RunTool(QStringLiteral("cupsaccept"), {Printer}));
+    const int unwound = ErrorOf([&] { PrintReport(m_objects->run, *m_report, Printer, 1); });
+    QVERIFY(RunTool(u"cupsaccept"_s, {Printer}));
     QVERIFY(armedFailed);
     QCOMPARE(code, int(EngineError::PrintFailed));
-    QVERIFY(unwound);
+    QCOMPARE(unwound, int(EngineError::PrintFailed));
     QCOMPARE(logCount(), entries);
     QCOMPARE(m_report->PrintingStatus().Progress(), int(ProgressFailed));
 }

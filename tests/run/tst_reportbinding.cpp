@@ -1,4 +1,4 @@
-#include "../engine/EngineFixtures.h"
+#include "SalesReport.h"
 
 #include "RunObjects.h"
 #include "TestClocks.h"
@@ -9,6 +9,8 @@
 #include "run/ReportBinding.h"
 
 #include <QTemporaryDir>
+
+using namespace TestSupport;
 
 using namespace Qt::Literals::StringLiterals;
 using namespace ReportBinding;
@@ -22,7 +24,7 @@ struct Fixture : RunObjects
 
     Fixture()
     {
-        EngineFixtures::MakeSalesDatabase(db);
+        MakeSalesDatabase(db);
         schedule.AddNew();
         schedule.SetReportID(u"7"_s);
         connections.AddNew();
@@ -35,8 +37,7 @@ struct Fixture : RunObjects
     Engine::Report &open(const QString &body)
     {
         QString text = body;
-        const QString path =
-            EngineFixtures::WriteReport(QDir(appPath), u"r.rpt"_s, text.replace(QLatin1String("DB"), db));
+        const QString path = WriteReport(QDir(appPath), u"r.rpt"_s, text.replace(u"DB"_s, db));
         state.report.reset();
         state.application = std::make_unique<Engine::Application>();
         state.report = state.application->OpenReport(path);
@@ -265,12 +266,8 @@ void TestReportBinding::lookups()
     f.state.LogOffCount = 99;
     QCOMPARE(FindPassword(f.run, u"sqlite"_s, u"srvA"_s, f.db, QString()), u"secret"_s);
     QCOMPARE(f.state.LogOffList[100].server, u"srvA"_s);
-    try {
-        FindPassword(f.run, u"sqlite"_s, u"srvA"_s, f.db, QString());
-        QFAIL("no bounds failure");
-    } catch (const QorloError &error) {
-        QCOMPARE(error.number(), int(QorloError::OutOfRange));
-    }
+    QCOMPARE(ErrorOf([&] { FindPassword(f.run, u"sqlite"_s, u"srvA"_s, f.db, QString()); }),
+             int(QorloError::OutOfRange));
     // Such a failure leaves the count past the list; the log-off still ends and empties it.
     f.open(QString());
     LogOffServers(f.run);
@@ -282,11 +279,8 @@ void TestReportBinding::titleAndListing()
     Fixture f;
     QCOMPARE(ReportTitle(QString()), QString());
     QCOMPARE(ReportTitle(f.path(u"none.rpt"_s)), QString());
-    QFile broken(f.path(u"broken.rpt"_s));
-    QVERIFY(broken.open(QIODevice::WriteOnly));
-    broken.write("<report version=\"1\"><colum/></report>");
-    broken.close();
-    QCOMPARE(ReportTitle(broken.fileName()), u"Cannot Load Report Title"_s);
+    QCOMPARE(ReportTitle(f.writeFile(u"broken.rpt"_s, "<report version=\"1\"><colum/></report>")),
+             u"Cannot Load Report Title"_s);
 
     Engine::Report &report = f.open(u"<title>Listed</title>"_s +
                                     Table(u"Sales"_s, kServerA + Property(u"Old Password"_s, u"pw"_s)));
@@ -306,9 +300,7 @@ void TestReportBinding::titleAndListing()
     // The listing is written before the log-on changes anything.
     f.state.ConnectDiagnostic = u"DBPrint"_s;
     LogOnReport(f.run, report, u"7"_s);
-    QFile listing(f.path(u"Connect.txt"_s));
-    QVERIFY(listing.open(QIODevice::ReadOnly));
-    QCOMPARE(QString::fromLatin1(listing.readAll()), expected);
+    QCOMPARE(QString::fromLatin1(ReadFile(f.path(u"Connect.txt"_s))), expected);
 }
 
 QORLO_TEST_MAIN(TestReportBinding)

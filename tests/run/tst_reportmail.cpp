@@ -1,5 +1,5 @@
-#include "../mail/tst_smtpmail_support.h"
-
+#include "AppObjects.h"
+#include "SmtpPeer.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 
@@ -10,11 +10,14 @@
 #include "engine/Application.h"
 #include "engine/Report.h"
 
+#include <QDir>
+#include <QJsonArray>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
+using namespace Qt::Literals::StringLiterals;
+
 using namespace SMTPMail;
-using namespace SmtpMailTest;
 using namespace TestSupport;
 
 class TestReportMail : public QObject
@@ -65,51 +68,46 @@ const char kReport[] = R"(<?xml version="1.0" encoding="UTF-8"?>
 void WriteDatabase(const QString &path)
 {
     {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("reportmail"));
+        QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"reportmail"_s);
         db.setDatabaseName(path);
         db.open();
         QSqlQuery query(db);
-        query.exec(QStringLiteral(
-            "CREATE TABLE sales (id INTEGER PRIMARY KEY, region TEXT, customer TEXT, amount REAL)"));
-        query.exec(QStringLiteral(
-            "INSERT INTO sales (region, customer, amount) VALUES ('North', 'Alder Ltd', 120.5), "
-            "('North', 'Birch plc', 80), ('South', 'Cedar & Sons', 42.25)"));
+        query.exec(u"CREATE TABLE sales (id INTEGER PRIMARY KEY, region TEXT, customer TEXT, amount REAL)"_s);
+        query.exec(u"INSERT INTO sales (region, customer, amount) VALUES ('North', 'Alder Ltd', 120.5), "
+                   "('North', 'Birch plc', 80), ('South', 'Cedar & Sons', 42.25)"_s);
     }
-    QSqlDatabase::removeDatabase(QStringLiteral("reportmail"));
+    QSqlDatabase::removeDatabase(u"reportmail"_s);
 }
 
 QString BodyText(const QJsonObject &parsed)
 {
-    return PartOf(parsed, 0).value(QStringLiteral("text")).toString();
+    return PartOf(parsed, 0).value(u"text"_s).toString();
 }
 
 } // namespace
 
 void TestReportMail::initTestCase()
 {
-    ShortClientTimeouts();
+    ShortMailTimeouts();
     m_peerUp = m_peer.start();
-    WriteDatabase(m_reports.filePath(QStringLiteral("sales.db")));
-    QFile file(m_reports.filePath(QStringLiteral("sales.rpt")));
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(kReport);
-    file.close();
-    m_report = m_engine.OpenReport(file.fileName());
+    QVERIFY2(m_peerUp || !m_peer.timedOut(), qPrintable(m_peer.error()));
+    WriteDatabase(m_reports.filePath(u"sales.db"_s));
+    m_report = m_engine.OpenReport(WriteFile(m_reports.filePath(u"sales.rpt"_s), kReport));
     Engine::ParameterFieldDefinition &region = m_report->ParameterFields().Item(1);
-    region.AddCurrentValue(QStringLiteral("North"));
-    region.AddCurrentValue(QStringLiteral("South"));
+    region.AddCurrentValue(u"North"_s);
+    region.AddCurrentValue(u"South"_s);
     m_report->ReadRecords();
 }
 
 QString TestReportMail::exportReport(MailApp &app, int format, const QString &extension)
 {
-    QDir(app.dir.path()).mkdir(QStringLiteral("SMTP"));
-    const QString staged = app.path(QStringLiteral("SMTP/sales.") + extension);
+    QDir(app.appPath).mkdir(u"SMTP"_s);
+    const QString staged = app.path(u"SMTP/sales."_s + extension);
     Engine::ExportOptions &options = m_report->ExportOptions();
     options = Engine::ExportOptions();
     options.FormatType = format;
-    options.CharFieldDelimiter = QStringLiteral("|");
-    options.CharStringDelimiter = QStringLiteral("'");
+    options.CharFieldDelimiter = u"|"_s;
+    options.CharStringDelimiter = u"'"_s;
     options.HTMLEnableSeparatedPages = format == Engine::DhtmlFormat;
     options.HTMLHasPageNavigator = options.HTMLEnableSeparatedPages;
     (format == Engine::HtmlFormat || format == Engine::DhtmlFormat ? options.HTMLFileName
@@ -134,32 +132,25 @@ void TestReportMail::reportByFormat_data()
     QTest::addColumn<QString>("inBody");
 
     const QStringList none;
-    QTest::newRow("csv in body") << QStringLiteral("In Body") << int(Engine::CharSeparatedFormat)
-                                 << QStringLiteral("csv") << QStringLiteral("text/plain") << none
-                                 << QStringLiteral("'Alder Ltd'|120.5\n'Birch plc'|80\n");
-    QTest::newRow("text in body") << QStringLiteral("In Body") << int(Engine::TextFormat)
-                                  << QStringLiteral("txt") << QStringLiteral("text/plain") << none
-                                  << QStringLiteral("Cedar & Sons");
+    QTest::newRow("csv in body") << u"In Body"_s << int(Engine::CharSeparatedFormat) << u"csv"_s
+                                 << u"text/plain"_s << none << u"'Alder Ltd'|120.5\n'Birch plc'|80\n"_s;
+    QTest::newRow("text in body") << u"In Body"_s << int(Engine::TextFormat) << u"txt"_s << u"text/plain"_s
+                                  << none << u"Cedar & Sons"_s;
     QTest::newRow("html page in body")
-        << QStringLiteral("In Body") << int(Engine::HtmlFormat) << QStringLiteral("html")
-        << QStringLiteral("text/html") << none << QStringLiteral("Alder Ltd");
+        << u"In Body"_s << int(Engine::HtmlFormat) << u"html"_s << u"text/html"_s << none << u"Alder Ltd"_s;
     QTest::newRow("html pages in body")
-        << QStringLiteral("In Body") << int(Engine::DhtmlFormat) << QStringLiteral("html")
-        << QStringLiteral("multipart/related") << QStringList{QStringLiteral("sales2.html")}
-        << QStringLiteral("\"cid:sales2.html\"");
-    QTest::newRow("pdf in body") << QStringLiteral("In Body") << int(Engine::PdfFormat)
-                                 << QStringLiteral("pdf") << QStringLiteral("multipart/mixed")
-                                 << QStringList{QStringLiteral("sales.pdf")} << QString();
+        << u"In Body"_s << int(Engine::DhtmlFormat) << u"html"_s << u"multipart/related"_s
+        << QStringList{u"sales2.html"_s} << u"\"cid:sales2.html\""_s;
+    QTest::newRow("pdf in body") << u"In Body"_s << int(Engine::PdfFormat) << u"pdf"_s << u"multipart/mixed"_s
+                                 << QStringList{u"sales.pdf"_s} << QString();
     QTest::newRow("html pages attached")
-        << QStringLiteral("Attachment") << int(Engine::DhtmlFormat) << QStringLiteral("html")
-        << QStringLiteral("multipart/mixed")
-        << QStringList{QStringLiteral("sales.html"), QStringLiteral("sales2.html")} << QString();
+        << u"Attachment"_s << int(Engine::DhtmlFormat) << u"html"_s << u"multipart/mixed"_s
+        << QStringList{u"sales.html"_s, u"sales2.html"_s} << QString();
     QTest::newRow("in body in small letters")
-        << QStringLiteral("in body") << int(Engine::CharSeparatedFormat) << QStringLiteral("csv")
-        << QStringLiteral("multipart/mixed") << QStringList{QStringLiteral("sales.csv")} << QString();
-    QTest::newRow("excel attached") << QStringLiteral("Attachment") << int(Engine::Excel80Format)
-                                    << QStringLiteral("xls") << QStringLiteral("multipart/mixed")
-                                    << QStringList{QStringLiteral("sales.xls")} << QString();
+        << u"in body"_s << int(Engine::CharSeparatedFormat) << u"csv"_s << u"multipart/mixed"_s
+        << QStringList{u"sales.csv"_s} << QString();
+    QTest::newRow("excel attached") << u"Attachment"_s << int(Engine::Excel80Format) << u"xls"_s
+                                    << u"multipart/mixed"_s << QStringList{u"sales.xls"_s} << QString();
 }
 
 void TestReportMail::reportByFormat()
@@ -173,24 +164,24 @@ void TestReportMail::reportByFormat()
     QORLO_REQUIRE_PEER(m_peerUp, m_peer.error());
     MailApp app(m_peer.port());
     app.schedule.SetEMailAttach(emailAttach);
-    app.schedule.SetRptMessage(QStringLiteral("Regions {?Region}"));
+    app.schedule.SetRptMessage(u"Regions {?Region}"_s);
     const QString staged = exportReport(app, format, extension);
     const qsizetype before = m_peer.messages().size();
-    SendReportMail({app.schedule, app.log, m_report.get()}, QStringLiteral("boss@example.com"), staged,
-                   QStringLiteral("Sales for {?Region}"));
+    SendReportMail({app.schedule, app.log, m_report.get()}, u"boss@example.com"_s, staged,
+                   u"Sales for {?Region}"_s);
 
     const QString message = newMessage(before);
     QVERIFY2(!message.isEmpty(), qPrintable(app.smtpLog()));
     const QJsonObject parsed = ParseMessage(message);
-    QCOMPARE(parsed.value(QStringLiteral("content_type")).toString(), contentType);
-    QCOMPARE(parsed.value(QStringLiteral("subject")).toString(), QStringLiteral("Sales for North, South"));
+    QCOMPARE(parsed.value(u"content_type"_s).toString(), contentType);
+    QCOMPARE(parsed.value(u"subject"_s).toString(), u"Sales for North, South"_s);
     QCOMPARE(PartNames(parsed), QStringList{QString()} + attached);
     const QString body = BodyText(parsed);
-    QVERIFY2(body.startsWith(QStringLiteral("\nRegions North, South\n")), qPrintable(body));
+    QVERIFY2(body.startsWith(u"\nRegions North, South\n"_s), qPrintable(body));
     QVERIFY2(body.contains(inBody), qPrintable(body));
     if (inBody.isEmpty())
-        QCOMPARE(body, QStringLiteral("\nRegions North, South\n"));
-    QVERIFY(app.smtpLog().contains(QStringLiteral("Message sent to boss@example.com")));
+        QCOMPARE(body, u"\nRegions North, South\n"_s);
+    QVERIFY(app.smtpLog().contains(u"Message sent to boss@example.com"_s));
     QVERIFY(app.logEntries().isEmpty());
 }
 
@@ -198,51 +189,45 @@ void TestReportMail::extraFilesAndMessages()
 {
     QORLO_REQUIRE_PEER(m_peerUp, m_peer.error());
     MailApp app(m_peer.port());
-    app.schedule.SetEMailAttach(QStringLiteral("Attachment"));
-    app.schedule.SetRptFrom(QStringLiteral("sales@example.com"));
-    app.schedule.SetRptToCC(QStringLiteral("cc@1"));
-    app.schedule.SetRptToBCC(QStringLiteral("<hidden.lst>"));
-    app.schedule.SaveDomain(1, QStringLiteral("example.org"));
-    app.writeFile(QStringLiteral("hidden.lst"), "audit@example.net\r\n");
-    app.schedule.SMTP_StdMessage = QStringLiteral("Standard text {?Region}");
-    const QString terms = app.writeFile(QStringLiteral("terms.txt"), "Terms\r\n");
-    const QString logo = app.writeFile(QStringLiteral("logo.gif"), "GIF89a");
-    const QString staged = exportReport(app, Engine::PdfFormat, QStringLiteral("pdf"));
+    app.schedule.SetEMailAttach(u"Attachment"_s);
+    app.schedule.SetRptFrom(u"sales@example.com"_s);
+    app.schedule.SetRptToCC(u"cc@1"_s);
+    app.schedule.SetRptToBCC(u"<hidden.lst>"_s);
+    app.schedule.SaveDomain(1, u"example.org"_s);
+    app.writeFile(u"hidden.lst"_s, "audit@example.net\r\n");
+    app.schedule.SMTP_StdMessage = u"Standard text {?Region}"_s;
+    const QString terms = app.writeFile(u"terms.txt"_s, "Terms\r\n");
+    const QString logo = app.writeFile(u"logo.gif"_s, "GIF89a");
+    const QString staged = exportReport(app, Engine::PdfFormat, u"pdf"_s);
     const qsizetype before = m_peer.messages().size();
-    SendReportMail({app.schedule, app.log, m_report.get()}, QStringLiteral("boss@1"), staged, QString(),
-                   terms + QStringLiteral(";") + app.path(QStringLiteral("gone.doc")) + QStringLiteral(";;") +
-                       logo);
+    SendReportMail({app.schedule, app.log, m_report.get()}, u"boss@1"_s, staged, QString(),
+                   terms + u";"_s + app.path(u"gone.doc"_s) + u";;"_s + logo);
 
     const QString message = newMessage(before);
     QVERIFY2(!message.isEmpty(), qPrintable(app.smtpLog()));
-    QCOMPARE(SmtpPeer::envelopeOf(message).value(QStringLiteral("mail_from")).toString(),
-             QStringLiteral("sales@example.com"));
+    QCOMPARE(SmtpPeer::envelopeOf(message).value(u"mail_from"_s).toString(), u"sales@example.com"_s);
     QCOMPARE(Recipients(message),
-             QStringList({QStringLiteral("boss@example.org"), QStringLiteral("cc@example.org"),
-                          QStringLiteral("audit@example.net")}));
+             QStringList({u"boss@example.org"_s, u"cc@example.org"_s, u"audit@example.net"_s}));
     const QJsonObject parsed = ParseMessage(message);
-    QCOMPARE(parsed.value(QStringLiteral("subject")).toString(), QStringLiteral("Sales"));
-    QCOMPARE(PartNames(parsed), QStringList({QString(), QStringLiteral("sales.pdf"),
-                                             QStringLiteral("terms.txt"), QStringLiteral("logo.gif")}));
+    QCOMPARE(parsed.value(u"subject"_s).toString(), u"Sales"_s);
+    QCOMPARE(PartNames(parsed), QStringList({QString(), u"sales.pdf"_s, u"terms.txt"_s, u"logo.gif"_s}));
     // The standard message is substituted by the sender only.
-    QCOMPARE(BodyText(parsed), QStringLiteral("\nStandard text North, South\n"));
-    QVERIFY(!app.smtpLog().contains(QStringLiteral("gone.doc")));
+    QCOMPARE(BodyText(parsed), u"\nStandard text North, South\n"_s);
+    QVERIFY(!app.smtpLog().contains(u"gone.doc"_s));
 }
 
 void TestReportMail::missingServerOrSender()
 {
     MailApp app(1);
     app.schedule.SMTP_From.clear();
-    SendReportMail({app.schedule, app.log, m_report.get()}, QStringLiteral("boss@example.com"), QString(),
-                   QString());
-    QCOMPARE(app.schedule.ErrorMsg(), QStringLiteral("ERROR: No STMP server or sender specified"));
-    QVERIFY(!QFile::exists(app.path(QStringLiteral("SMTP.Log"))));
+    SendReportMail({app.schedule, app.log, m_report.get()}, u"boss@example.com"_s, QString(), QString());
+    QCOMPARE(app.schedule.ErrorMsg(), u"ERROR: No STMP server or sender specified"_s);
+    QVERIFY(!QFile::exists(app.path(u"SMTP.Log"_s)));
     app.schedule.SetErrorMsg(QString());
-    app.schedule.SMTP_From = QStringLiteral("scheduler@example.com");
+    app.schedule.SMTP_From = u"scheduler@example.com"_s;
     app.schedule.SMTP_Server.clear();
-    SendReportMail({app.schedule, app.log, m_report.get()}, QStringLiteral("boss@example.com"), QString(),
-                   QString());
-    QCOMPARE(app.schedule.ErrorMsg(), QStringLiteral("ERROR: No STMP server or sender specified"));
+    SendReportMail({app.schedule, app.log, m_report.get()}, u"boss@example.com"_s, QString(), QString());
+    QCOMPARE(app.schedule.ErrorMsg(), u"ERROR: No STMP server or sender specified"_s);
 }
 
 void TestReportMail::scheduleForTheMailCode()
@@ -281,9 +266,9 @@ void TestReportMail::noDataChoices()
 {
     QORLO_REQUIRE_PEER(m_peerUp, m_peer.error());
     MailApp app(m_peer.port());
-    app.schedule.SetEmail(QStringLiteral("boss@1;desk@example.com"));
-    app.schedule.SaveDomain(1, QStringLiteral("example.org"));
-    app.schedule.ProcessingID = QStringLiteral("99");
+    app.schedule.SetEmail(u"boss@1;desk@example.com"_s);
+    app.schedule.SaveDomain(1, u"example.org"_s);
+    app.schedule.ProcessingID = u"99"_s;
     struct Case
     {
         QString choice;
@@ -292,30 +277,26 @@ void TestReportMail::noDataChoices()
         QString logText;
     };
     const QList<Case> cases = {
-        {QStringLiteral("Notify Administrator"),
-         QStringLiteral("\nNo data found when processing the report:Sales  (ID=7)\n"),
-         {QStringLiteral("scheduler@example.com")},
-         QStringLiteral("No Data found when processing the Report.  Sending message to "
-                        "administrator=scheduler@example.com")},
-        {QStringLiteral("notify recipient"),
-         QStringLiteral("\nNo data found when processing report:") + app.schedule.File() +
-             QStringLiteral("  (ID=99)\n"),
-         {QStringLiteral("boss@example.org"), QStringLiteral("desk@example.com")},
-         QStringLiteral("No Data in Report.  Sending message to recipients=boss@1;desk@example.com")},
-        {QStringLiteral("No Report is Sent"),
+        {u"Notify Administrator"_s,
+         u"\nNo data found when processing the report:Sales  (ID=7)\n"_s,
+         {u"scheduler@example.com"_s},
+         u"No Data found when processing the Report.  Sending message to "
+         "administrator=scheduler@example.com"_s},
+        {u"notify recipient"_s,
+         u"\nNo data found when processing report:"_s + app.schedule.File() + u"  (ID=99)\n"_s,
+         {u"boss@example.org"_s, u"desk@example.com"_s},
+         u"No Data in Report.  Sending message to recipients=boss@1;desk@example.com"_s},
+        {u"No Report is Sent"_s, QString(), {}, u"No Data in Report.  No ouput generated and processed"_s},
+        {u"Send Empty Report"_s,
          QString(),
          {},
-         QStringLiteral("No Data in Report.  No ouput generated and processed")},
-        {QStringLiteral("Send Empty Report"),
-         QString(),
-         {},
-         QStringLiteral("No Data in Report.  Invalid option selected=Send Empty Report")},
+         u"No Data in Report.  Invalid option selected=Send Empty Report"_s},
     };
     for (const Case &c : cases) {
         app.schedule.SetNoRecords(c.choice);
         const qsizetype before = m_peer.messages().size();
         SendNoDataMail({app.schedule, app.log, m_report.get()});
-        QCOMPARE(app.logEntries().last(), QStringLiteral("99|") + c.logText + QLatin1Char('|'));
+        QCOMPARE(app.logEntries().last(), u"99|"_s + c.logText + u'|');
         if (c.recipients.isEmpty()) {
             QCOMPARE(m_peer.messages().size(), before);
             continue;
@@ -324,8 +305,7 @@ void TestReportMail::noDataChoices()
         QVERIFY2(!message.isEmpty(), qPrintable(c.choice));
         QCOMPARE(Recipients(message), c.recipients);
         const QJsonObject parsed = ParseMessage(message);
-        QCOMPARE(parsed.value(QStringLiteral("subject")).toString(),
-                 QStringLiteral("No Data when processing report"));
+        QCOMPARE(parsed.value(u"subject"_s).toString(), u"No Data when processing report"_s);
         QCOMPARE(BodyText(parsed), c.body);
     }
     QCOMPARE(app.logEntries().size(), cases.size());
@@ -335,56 +315,48 @@ void TestReportMail::noticesGoToNotifyList()
 {
     QORLO_REQUIRE_PEER(m_peerUp, m_peer.error());
     MailApp app(m_peer.port());
-    app.schedule.SaveDomain(3, QStringLiteral("example.com"));
-    app.schedule.SetNotifyTo(QStringLiteral("<notify.lst>"));
-    app.writeFile(QStringLiteral("notify.lst"), "ops@3\r\n\"night@3\"\r\n\r\n");
+    app.schedule.SaveDomain(3, u"example.com"_s);
+    app.schedule.SetNotifyTo(u"<notify.lst>"_s);
+    app.writeFile(u"notify.lst"_s, "ops@3\r\n\"night@3\"\r\n\r\n");
     const MailRun run{app.schedule, app.log, m_report.get()};
     const qsizetype before = m_peer.messages().size();
-    SendNotifyMail(run, QString(), QStringLiteral("unsent"), QStringLiteral("7"), QStringLiteral("Sales"));
-    SendErrorMail(run, QString(), QStringLiteral("unsent"), QStringLiteral("7"), QStringLiteral("Sales"));
+    SendNotifyMail(run, QString(), u"unsent"_s, u"7"_s, u"Sales"_s);
+    SendErrorMail(run, QString(), u"unsent"_s, u"7"_s, u"Sales"_s);
     QCOMPARE(m_peer.messages().size(), before);
 
-    SendNotifyMail(run, QStringLiteral("someone@example.net"), QStringLiteral("Done for {?Region}"),
-                   QStringLiteral("7"), QStringLiteral("Sales"));
-    SendErrorMail(run, QStringLiteral("x"), QStringLiteral("Error occured"), QStringLiteral("8"),
-                  QStringLiteral("Stock"));
+    SendNotifyMail(run, u"someone@example.net"_s, u"Done for {?Region}"_s, u"7"_s, u"Sales"_s);
+    SendErrorMail(run, u"x"_s, u"Error occured"_s, u"8"_s, u"Stock"_s);
     const QStringList messages = m_peer.messages();
     QCOMPARE(messages.size(), before + 2);
-    const QStringList team{QStringLiteral("ops@example.com"), QStringLiteral("night@example.com")};
+    const QStringList team{u"ops@example.com"_s, u"night@example.com"_s};
     QCOMPARE(Recipients(messages.at(before)), team);
     QCOMPARE(Recipients(messages.at(before + 1)), team);
     const QJsonObject notice = ParseMessage(messages.at(before));
-    QCOMPARE(notice.value(QStringLiteral("subject")).toString(),
-             QStringLiteral("Completed Processing 7: Sales"));
-    QCOMPARE(BodyText(notice), QStringLiteral("Done for North, South\n"));
+    QCOMPARE(notice.value(u"subject"_s).toString(), u"Completed Processing 7: Sales"_s);
+    QCOMPARE(BodyText(notice), u"Done for North, South\n"_s);
     const QJsonObject error = ParseMessage(messages.at(before + 1));
-    QCOMPARE(error.value(QStringLiteral("subject")).toString(), QStringLiteral("Error Processing 8: Stock"));
-    QCOMPARE(BodyText(error), QStringLiteral("Error occured\n"));
-    QVERIFY(app.smtpLog().contains(QStringLiteral("Message sent to ops@example.com;night@example.com")));
+    QCOMPARE(error.value(u"subject"_s).toString(), u"Error Processing 8: Stock"_s);
+    QCOMPARE(BodyText(error), u"Error occured\n"_s);
+    QVERIFY(app.smtpLog().contains(u"Message sent to ops@example.com;night@example.com"_s));
 }
 
 void TestReportMail::mailPause()
 {
     QTemporaryDir dir;
     clsSchedule schedule(dir.path());
-    SmtpLog::StartSmtpLog(QStringLiteral("pause"));
+    SmtpLog::StartSmtpLog(u"pause"_s);
     schedule.SMTPDelay = 0;
     MailPause(schedule);
-    QVERIFY(!SmtpLog::SmtpLogBuffer().contains(QStringLiteral("Now waiting")));
+    QVERIFY(!SmtpLog::SmtpLogBuffer().contains(u"Now waiting"_s));
     schedule.SMTPDelay = 1;
     MailPause(schedule);
     QVERIFY(SmtpLog::SmtpLogBuffer().endsWith(
-        QStringLiteral("   Now waiting for 1 seconds before processing any more mail messages\r\n")));
+        u"   Now waiting for 1 seconds before processing any more mail messages\r\n"_s));
     // 33 seconds are 33000 ms, past the 16-bit range: the overflow reaches the caller after the log line.
     schedule.SMTPDelay = 33;
-    try {
-        MailPause(schedule);
-        QFAIL("no overflow");
-    } catch (const QorloError &error) {
-        QCOMPARE(error.number(), int(QorloError::Overflow));
-    }
+    QCOMPARE(ErrorOf([&] { MailPause(schedule); }), int(QorloError::Overflow));
     QVERIFY(SmtpLog::SmtpLogBuffer().endsWith(
-        QStringLiteral("   Now waiting for 33 seconds before processing any more mail messages\r\n")));
+        u"   Now waiting for 33 seconds before processing any more mail messages\r\n"_s));
 }
 
 QORLO_TEST_MAIN(TestReportMail)

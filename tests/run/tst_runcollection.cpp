@@ -1,5 +1,4 @@
 // A collection item running its members in the order of the collection table.
-#include "../engine/EngineFixtures.h"
 #include "RunObjects.h"
 #include "TestClocks.h"
 #include "TestMain.h"
@@ -9,6 +8,8 @@
 #include "run/RunCollection.h"
 
 #include <QFile>
+
+using namespace TestSupport;
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -58,17 +59,12 @@ void TestRunCollection::membersRunInOrder()
     ClockGuard guard(clock);
     RunObjects app;
     AppFolder::MakeWorkingFolders(app.appPath);
-    EngineFixtures::MakeSalesDatabase(app.path(u"sales.db"_s));
-    EngineFixtures::SalesReport(
-        QDir(app.appPath), u"sales.rpt"_s,
-        u"SELECT customer FROM {Sales} WHERE region = {?Region} ORDER BY id"_s,
-        u"<parameter name=\"Region\" type=\"12\"/><layout><column field=\"customer\"/></layout>"_s);
+    MakeSalesDatabase(app.path(u"sales.db"_s));
+    SalesReport(QDir(app.appPath), u"sales.rpt"_s,
+                u"SELECT customer FROM {Sales} WHERE region = {?Region} ORDER BY id"_s,
+                u"<parameter name=\"Region\" type=\"12\"/><layout><column field=\"customer\"/></layout>"_s);
     const QString marker = app.path(u"started.txt"_s);
-    QFile script(app.path(u"step.sh"_s));
-    QVERIFY(script.open(QIODevice::WriteOnly));
-    script.write("#!/bin/sh\necho started > '" + marker.toUtf8() + "'\n");
-    script.close();
-    script.setPermissions(script.permissions() | QFileDevice::ExeOwner);
+    WriteScript(app.path(u"step.sh"_s), "echo started > '" + marker.toUtf8() + "'");
 
     clsSchedule &schedule = app.schedule;
     AddItem(schedule, u"1"_s, u"Month end"_s, u"COLLECTION"_s);
@@ -97,9 +93,7 @@ void TestRunCollection::membersRunInOrder()
                  u"1|Error: Cannot run procedure until QorloGLOBAL application setting is entered"_s,
                  u"1|Month end (3): Successful QorloGLOBAL "_s,
                  u"1|Month end (Finished): Successful Run (3 schedule items processed in collection)"_s}));
-    QFile written(output);
-    QVERIFY(written.open(QIODevice::ReadOnly));
-    const QByteArray rows = written.readAll();
+    const QByteArray rows = ReadFile(output);
     QVERIFY2(rows.contains("Bolt; Nut") && !rows.contains("Acme"), rows.constData());
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(marker), 5000);
 

@@ -1,16 +1,12 @@
 // A report item run from its opening to its delivery, against real report files and SQLite data.
-#include "../engine/EngineFixtures.h"
-#include "../mail/tst_smtpmail_support.h"
-
-#include "Peers.h"
+#include "CupsPeer.h"
+#include "RunObjects.h"
+#include "SmtpPeer.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 
-#include "RunObjects.h"
-
 #include "run/RunReport.h"
 
-using namespace SmtpMailTest;
 using namespace TestSupport;
 using namespace Qt::Literals::StringLiterals;
 
@@ -31,7 +27,7 @@ struct RunApp : RunObjects
 {
     explicit RunApp(quint16 smtpPort = 25)
     {
-        AddSalesItem(smtpPort);
+        addSalesItem(smtpPort);
         schedule.SetOutputFormat(u"CSV File"_s);
         schedule.SetDest(u"D"_s);
         schedule.SetLocation(path(u"Output/%z/sales.csv"_s));
@@ -39,14 +35,8 @@ struct RunApp : RunObjects
     }
     void writeReport(const QString &query, const QString &extra = QString())
     {
-        EngineFixtures::SalesReport(QDir(appPath), u"sales.rpt"_s, query,
-                                    extra + u"<layout><column field=\"customer\"/></layout>"_s);
-    }
-    void writeFile(const QString &name, const QByteArray &bytes)
-    {
-        QFile file(path(name));
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(bytes);
+        SalesReport(QDir(appPath), u"sales.rpt"_s, query,
+                    extra + u"<layout><column field=\"customer\"/></layout>"_s);
     }
     void runItem()
     {
@@ -60,7 +50,7 @@ struct RunApp : RunObjects
 void TestRunReport::initTestCase()
 {
     // No print server: the printer list is empty.
-    qputenv("CUPS_SERVER", "127.0.0.1:" + QByteArray::number(FreePort()));
+    NoPrintServer();
 }
 
 // The output under its expanded name with the log, page count and LastRun; the report's own file as
@@ -72,7 +62,7 @@ void TestRunReport::diskRuns()
     RunApp app;
     app.runItem();
     const QString output = app.path(u"Output/2026/sales.csv"_s);
-    QVERIFY(ReadAll(output).contains("'Acme Ltd'"));
+    QVERIFY(ReadFile(output).contains("'Acme Ltd'"));
     QCOMPARE(app.logEntries(), QStringList{u"7|Sales: Successful output to "_s + output});
     QCOMPARE(app.schedule.PageCount(), 1);
     QCOMPARE(app.schedule.LastRun(), u"31-Mar-2026 06:00"_s);
@@ -83,7 +73,7 @@ void TestRunReport::diskRuns()
     RunApp overwrite;
     overwrite.schedule.SetLocation(overwrite.schedule.File());
     overwrite.runItem();
-    QVERIFY(ReadAll(overwrite.schedule.File()).contains("'Acme Ltd'"));
+    QVERIFY(ReadFile(overwrite.schedule.File()).contains("'Acme Ltd'"));
     QVERIFY(QFile::exists(overwrite.path(u"Output/Temp.ctl"_s)));
     QCOMPARE(overwrite.logEntries().first(),
              u"7|Sales: Successful output to "_s + overwrite.path(u"Output/Temp.ctl"_s));
@@ -166,8 +156,8 @@ void TestRunReport::runsThatEndEarly()
 void TestRunReport::mailAndPrinters()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start(), peer.error());
-    ShortClientTimeouts(peer.port());
+    QORLO_START_PEER(peer.start(), peer);
+    ShortMailTimeouts(peer.port());
     RunApp mailed(peer.port());
     mailed.schedule.SetDest(u"E"_s);
     mailed.schedule.SetEmail(u"boss@example.com"_s);
@@ -175,7 +165,7 @@ void TestRunReport::mailAndPrinters()
     mailed.runItem();
     QCOMPARE(mailed.logEntries(), QStringList{u"7|Sales: Successful email to boss@example.com"_s});
     QTRY_COMPARE_WITH_TIMEOUT(peer.messages().size(), 1, 10000);
-    const QString message = QString::fromUtf8(ReadAll(peer.messages().first()));
+    const QString message = QString::fromUtf8(ReadFile(peer.messages().first()));
     QVERIFY(message.contains(u"Subject: Sales figures"_s));
     QVERIFY(message.contains(u"sales.csv"_s));
 

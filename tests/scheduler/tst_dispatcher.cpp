@@ -1,4 +1,5 @@
-#include "SchedulerTestSupport.h"
+#include "AppObjects.h"
+#include "TestPrompter.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 
@@ -14,6 +15,7 @@
 #include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace TestSupport;
 
 class TestDispatcher : public QObject
 {
@@ -58,24 +60,22 @@ void TestDispatcher::simulatedWeek()
 {
     QTemporaryDir app;
     AppFolder::MakeWorkingFolders(app.path());
-    QDir(app.path()).mkdir(QStringLiteral("my tools"));
-    const QString argsFile = app.filePath(QStringLiteral("global-args.txt"));
-    WriteScript(app.filePath(QStringLiteral("my tools/global.sh")),
-                "printf '%s|' \"$@\" >> '" + argsFile.toUtf8() + "'");
-    TWReg::SaveApplicationValue(QStringLiteral("QorloGLOBAL"),
-                                app.filePath(QStringLiteral("my tools/global.sh")));
+    QDir(app.path()).mkdir(u"my tools"_s);
+    const QString argsFile = app.filePath(u"global-args.txt"_s);
+    WriteScript(app.filePath(u"my tools/global.sh"_s), "printf '%s|' \"$@\" >> '" + argsFile.toUtf8() + "'");
+    TWReg::SaveApplicationValue(u"QorloGLOBAL"_s, app.filePath(u"my tools/global.sh"_s));
     for (const char *name : {"a.sh", "b.sh", "c.sh"})
         WriteScript(app.filePath(QLatin1String(name)), "true");
-    WriteFile(app.filePath(QStringLiteral("sales.rpt")), "<Report/>");
-    WriteFile(app.filePath(QStringLiteral("cmd doc.xml")), "<Doc/>");
+    WriteFile(app.filePath(u"sales.rpt"_s), "<Report/>");
+    WriteFile(app.filePath(u"cmd doc.xml"_s), "<Doc/>");
 
     FixedClock clock(DayDate::ToDateTime(At(0, 8, 0)));
     ClockGuard guard(clock);
-    RecordingPrompter prompter;
+    TestPrompter prompter(true);
     QorloGlobals globals(app.path(), prompter);
     clsSchedule &schedule = globals.Schedule;
-    const QString missing = app.filePath(QStringLiteral("missing.exe"));
-    const QString global = app.filePath(QStringLiteral("cmd doc.xml"));
+    const QString missing = app.filePath(u"missing.exe"_s);
+    const QString global = app.filePath(u"cmd doc.xml"_s);
     AddItem(schedule,
             {u"1"_s, u"AppA"_s, app.filePath(u"a.sh"_s), u"Day(s)"_s, u"1"_s, u"23-Nov-2026 09:00"_s});
     AddItem(schedule, {u"2"_s, u"AppB"_s, app.filePath(u"b.sh"_s), u"D"_s, u"1"_s, u"23-Nov-2026 09:00"_s});
@@ -89,12 +89,12 @@ void TestDispatcher::simulatedWeek()
     AddItem(schedule,
             {u"8"_s, u"OneOff"_s, app.filePath(u"c.sh"_s), u"Once"_s, u"1"_s, u"24-Nov-2026 15:00"_s});
     schedule.Active = true;
-    schedule.StartTime = QStringLiteral("23-Nov-2026 08:30:00");
-    schedule.StopTime = QStringLiteral("29-Nov-2026 20:00:00");
+    schedule.StartTime = u"23-Nov-2026 08:30:00"_s;
+    schedule.StopTime = u"29-Nov-2026 20:00:00"_s;
     globals.Log.ApplyStartDefaults();
     LoadMainWindow(globals);
     QCOMPARE(prompter.questions.size(), 1);
-    QVERIFY(prompter.questions.first().startsWith(QStringLiteral("Previously active: ")));
+    QVERIFY(prompter.questions.first().startsWith(u"Previously active: "_s));
 
     Dispatcher dispatcher(globals);
     int ticksWithTwoItems = 0;
@@ -115,7 +115,7 @@ void TestDispatcher::simulatedWeek()
     const auto next = [](double date) -> QString { return FormatDateTime(date); };
     QList<LogLine> expected{
         {u"6"_s, next(At(0, 8, 30)), next(At(0, 9, 0)), u"Overdue: Successful Execute of Application "_s}};
-    const QString missingText = QStringLiteral("Missing: Cannot find file ") + missing;
+    const QString missingText = u"Missing: Cannot find file "_s + missing;
     const QString report = app.filePath(u"sales.rpt"_s);
     for (int day = 0; day < 7; ++day) {
         if (day > 0)
@@ -146,10 +146,8 @@ void TestDispatcher::simulatedWeek()
     QCOMPARE(actual.size(), expected.size());
     for (int i = 0; i < expected.size(); ++i) {
         if (!(actual.at(i) == expected.at(i)))
-            QFAIL(qPrintable(
-                QStringLiteral("log line %1: %2 | %3 | %4 | %5")
-                    .arg(i)
-                    .arg(actual.at(i).id, actual.at(i).start, actual.at(i).next, actual.at(i).text)));
+            QFAIL(qPrintable(u"log line %1: %2 | %3 | %4 | %5"_s.arg(i).arg(
+                actual.at(i).id, actual.at(i).start, actual.at(i).next, actual.at(i).text)));
     }
 
     // The stop timer ended the week; every NextRun where the rules left it, and on disk too.
@@ -164,21 +162,21 @@ void TestDispatcher::simulatedWeek()
                                u""_s,
                                u""_s};
     clsSchedule saved(app.path());
-    saved.Load(app.filePath(QStringLiteral("Qorlo.XML")));
+    saved.Load(app.filePath(u"Qorlo.XML"_s));
     for (int row = 0; row < nextRuns.size(); ++row) {
         QCOMPARE(schedule.Cell(row, clsSchedule::colNextRun), nextRuns.at(row));
         QCOMPARE(saved.Cell(row, clsSchedule::colNextRun), nextRuns.at(row));
     }
-    QCOMPARE(schedule.Cell(7, clsSchedule::colSchedule), QStringLiteral("N"));
+    QCOMPARE(schedule.Cell(7, clsSchedule::colSchedule), u"N"_s);
     QCOMPARE(schedule.Cell(0, clsSchedule::colLastRun), FormatDateTime(At(6, 9, 0)));
     QVERIFY(schedule.ProcessingID.isEmpty());
-    QCOMPARE(schedule.LastReportID, QStringLiteral("3"));
+    QCOMPARE(schedule.LastReportID, u"3"_s);
     QVERIFY(prompter.fatal.isEmpty());
 
     // The global program got its own path quoted and the document's blank split into two words.
     QVERIFY(WaitUntil([&] { return ReadFile(argsFile) == app.path().toUtf8() + "/cmd|doc.xml|"; }, 5000));
     // One backup a day, named by the day.
-    QVERIFY(QFile::exists(app.filePath(QStringLiteral("Backup/Qorlo20261129.xml"))));
+    QVERIFY(QFile::exists(app.filePath(u"Backup/Qorlo20261129.xml"_s)));
 }
 
 // The timers' edge cases, with the caption and menu state they leave.
@@ -186,51 +184,49 @@ void TestDispatcher::timersAndCaption()
 {
     QTemporaryDir app;
     AppFolder::MakeWorkingFolders(app.path());
-    WriteScript(app.filePath(QStringLiteral("a.sh")), "true");
+    WriteScript(app.filePath(u"a.sh"_s), "true");
     FixedClock clock(DayDate::ToDateTime(At(0, 10, 0)));
     ClockGuard guard(clock);
-    RecordingPrompter prompter;
+    TestPrompter prompter(true);
     QorloGlobals globals(app.path(), prompter);
     auto &view = static_cast<ListScheduleView &>(globals.View());
     clsSchedule &schedule = globals.Schedule;
     globals.Log.ApplyStartDefaults();
 
     globals.ViewTable();
-    QCOMPARE(prompter.messages, QStringList{QStringLiteral("QorloMANAGER: No Data in Schedule")});
+    QCOMPARE(prompter.messages, QStringList{u"QorloMANAGER: No Data in Schedule"_s});
     QCOMPARE(globals.NextRunDate, At(0, 10, 0));
 
     AddItem(schedule, {u"1"_s, u"AppA"_s, app.filePath(u"a.sh"_s), u"D"_s, u"1"_s, u"22-Nov-2026 09:00"_s});
     schedule.Active = true;
-    schedule.StartTime = QStringLiteral("23-Nov-2026 10:05:00");
+    schedule.StartTime = u"23-Nov-2026 10:05:00"_s;
     globals.ViewTable();
     Dispatcher dispatcher(globals);
     dispatcher.Tick();
-    QCOMPARE(view.Caption(), QStringLiteral("QorloMANAGER - File and Report Manager (active: 1)"));
+    QCOMPARE(view.Caption(), u"QorloMANAGER - File and Report Manager (active: 1)"_s);
     QVERIFY(!view.StartEnabled() && view.StopEnabled());
     QCOMPARE(globals.Log.Count(), 0);
     clock.advanceSeconds(300);
     dispatcher.Tick();
     QCOMPARE(globals.Log.Count(), 1);
     QVERIFY(schedule.StartTime.isEmpty());
-    QCOMPARE(schedule.Cell(0, clsSchedule::colNextRun), QStringLiteral("24-Nov-2026 09:00"));
+    QCOMPARE(schedule.Cell(0, clsSchedule::colNextRun), u"24-Nov-2026 09:00"_s);
 
     // A stop time that is not a date waits a year, and says so; a start time that is not one fires.
-    schedule.StopTime = QStringLiteral("soon");
+    schedule.StopTime = u"soon"_s;
     dispatcher.Tick();
     QVERIFY(schedule.Active);
-    QCOMPARE(
-        view.Caption(),
-        QStringLiteral("QorloMANAGER - File and Report Manager (active: 1) (Will stop on timer at soon)"));
-    schedule.StopTime = QStringLiteral("22-Nov-2026 10:00:00");
+    QCOMPARE(view.Caption(),
+             u"QorloMANAGER - File and Report Manager (active: 1) (Will stop on timer at soon)"_s);
+    schedule.StopTime = u"22-Nov-2026 10:00:00"_s;
     dispatcher.Tick();
     QVERIFY(!schedule.Active && schedule.StopTime.isEmpty());
-    QCOMPARE(view.Caption(), QStringLiteral("QorloMANAGER - File and Report Manager (stopped)"));
+    QCOMPARE(view.Caption(), u"QorloMANAGER - File and Report Manager (stopped)"_s);
     QVERIFY(view.StartEnabled() && !view.StopEnabled());
-    schedule.StartTime = QStringLiteral("later");
+    schedule.StartTime = u"later"_s;
     globals.DisplayCaption();
-    QCOMPARE(
-        view.Caption(),
-        QStringLiteral("QorloMANAGER - File and Report Manager (stopped) (Will start on timer at later)"));
+    QCOMPARE(view.Caption(),
+             u"QorloMANAGER - File and Report Manager (stopped) (Will start on timer at later)"_s);
     dispatcher.Tick();
     QVERIFY(schedule.Active && schedule.StartTime.isEmpty());
 
@@ -243,7 +239,7 @@ void TestDispatcher::timersAndCaption()
     dispatcher.Tick();
     dispatcher.Tick();
     QCOMPARE(globals.Log.Count(), 2);
-    QCOMPARE(schedule.Cell(0, clsSchedule::colNextRun), QStringLiteral("26-Nov-2026 09:00"));
+    QCOMPARE(schedule.Cell(0, clsSchedule::colNextRun), u"26-Nov-2026 09:00"_s);
     QCOMPARE(view.Colour(1), int(ScheduleView::NormalColour));
 }
 
@@ -252,10 +248,10 @@ void TestDispatcher::runNowAndEditing()
 {
     QTemporaryDir app;
     AppFolder::MakeWorkingFolders(app.path());
-    WriteScript(app.filePath(QStringLiteral("a.sh")), "true");
+    WriteScript(app.filePath(u"a.sh"_s), "true");
     FixedClock clock(DayDate::ToDateTime(At(0, 10, 0)));
     ClockGuard guard(clock);
-    RecordingPrompter prompter;
+    TestPrompter prompter(true);
     QorloGlobals globals(app.path(), prompter);
     clsSchedule &schedule = globals.Schedule;
     AddItem(schedule, {u"1"_s, u"AppA"_s, app.filePath(u"a.sh"_s), u"D"_s, u"1"_s, u"25-Nov-2026 09:00"_s});
@@ -264,31 +260,30 @@ void TestDispatcher::runNowAndEditing()
     globals.ViewTable();
     Dispatcher dispatcher(globals);
 
-    schedule.ProcessingID = QStringLiteral("1");
+    schedule.ProcessingID = u"1"_s;
     dispatcher.RunNow(2);
     QVERIFY(!dispatcher.StopForEditing(true));
     QCOMPARE(
         prompter.messages,
-        (QStringList{QStringLiteral("Run Now: Please wait until report finished processing"),
-                     QStringLiteral(
-                         "Modify Schedule: Please wait until the current report processing has completed")}));
+        (QStringList{u"Run Now: Please wait until report finished processing"_s,
+                     u"Modify Schedule: Please wait until the current report processing has completed"_s}));
     QVERIFY(schedule.Active);
     schedule.ProcessingID.clear();
 
     prompter.answer = false;
     dispatcher.RunNow(2);
-    QCOMPARE(prompter.questions.last(), QStringLiteral("Run Now: Confirm you want to run Schedule Item 2"));
+    QCOMPARE(prompter.questions.last(), u"Run Now: Confirm you want to run Schedule Item 2"_s);
     QCOMPARE(globals.Log.Count(), 0);
     prompter.answer = true;
     schedule.SetPosition(0);
     dispatcher.RunNow(2);
     QCOMPARE(globals.Log.Count(), 1);
-    QCOMPARE(globals.Log.CellAt(0, clsLog::ColReportID), QStringLiteral("2"));
+    QCOMPARE(globals.Log.CellAt(0, clsLog::ColReportID), u"2"_s);
     QCOMPARE(schedule.Position(), 1);
     clsSchedule saved(app.path());
-    saved.Load(app.filePath(QStringLiteral("Qorlo.XML")));
-    QCOMPARE(saved.Cell(1, clsSchedule::colLastRun), QStringLiteral("23-Nov-2026 10:00"));
-    QCOMPARE(saved.Cell(1, clsSchedule::colNextRun), QStringLiteral("25-Nov-2026 09:00"));
+    saved.Load(app.filePath(u"Qorlo.XML"_s));
+    QCOMPARE(saved.Cell(1, clsSchedule::colLastRun), u"23-Nov-2026 10:00"_s);
+    QCOMPARE(saved.Cell(1, clsSchedule::colNextRun), u"25-Nov-2026 09:00"_s);
 
     QVERIFY(dispatcher.StopForEditing(true));
     QVERIFY(!schedule.Active && globals.ReactivateOnFocus);
@@ -305,7 +300,7 @@ void TestDispatcher::commandFolders()
 {
     QTemporaryDir app;
     AppFolder::MakeWorkingFolders(app.path());
-    RecordingPrompter prompter;
+    TestPrompter prompter(true);
     QorloGlobals globals(app.path(), prompter);
     globals.Log.ApplyStartDefaults();
     Dispatcher dispatcher(globals, 50);

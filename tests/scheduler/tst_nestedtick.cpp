@@ -1,5 +1,6 @@
-#include "SchedulerTestSupport.h"
-#include "Peers.h"
+#include "AppObjects.h"
+#include "SmtpPeer.h"
+#include "TestPrompter.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 
@@ -27,15 +28,8 @@ private Q_SLOTS:
 // and, the run state being clear after the first log entry, runs the item that file added.
 void TestNestedTick::tickInsideSlowMail()
 {
-    QTemporaryDir mailFolder;
-    PeerProcess server;
-    const quint16 port = FreePort();
-    const bool started =
-        server.start(DebianPython(),
-                     {QStringLiteral(QORLO_TEST_DATA "/scheduler/slow_smtp.py"), u"--port"_s,
-                      QString::number(port), u"--folder"_s, mailFolder.path(), u"--delay"_s, u"3"_s},
-                     u"READY"_s);
-    QORLO_REQUIRE_PEER(started, server.error());
+    SmtpPeer server;
+    QORLO_START_PEER(server.start({u"--delay"_s, u"3"_s}), server);
 
     QTemporaryDir app;
     AppFolder::MakeWorkingFolders(app.path());
@@ -43,13 +37,13 @@ void TestNestedTick::tickInsideSlowMail()
     WriteScript(app.filePath(u"added.sh"_s), "date > '" + marker.toUtf8() + "'");
     OffsetClock clock(QDateTime::currentDateTime());
     ClockGuard guard(clock);
-    RecordingPrompter prompter;
+    TestPrompter prompter(true);
     QorloGlobals globals(app.path(), prompter);
     clsSchedule &schedule = globals.Schedule;
     globals.Log.ApplyStartDefaults();
     schedule.SMTP_Server = u"127.0.0.1"_s;
     schedule.SMTP_From = u"reports@example.com"_s;
-    schedule.SMTP_Port = port;
+    schedule.SMTP_Port = server.port();
     schedule.SMTPDelay = 0;
     const QString overdue = FormatDateTime(Now() - 1);
     AddItem(schedule, {u"1"_s, u"Missing"_s, app.filePath(u"missing.exe"_s), u"D"_s, u"1"_s, overdue});
@@ -75,17 +69,14 @@ void TestNestedTick::tickInsideSlowMail()
     dispatcher.Tick();
 
     QVERIFY(deepest >= 2);
-    QStringList lines;
-    for (int row = 0; row < globals.Log.Count(); ++row)
-        lines.append(globals.Log.CellAt(row, clsLog::ColReportID) + u" "_s +
-                     globals.Log.CellAt(row, clsLog::ColText));
-    QCOMPARE(lines, (QStringList{u"1 Missing: Cannot find file "_s + app.filePath(u"missing.exe"_s),
-                                 u"REMOTE Process Remote command file: add.xml"_s,
-                                 u"7 Added: Successful Execute of Application "_s}));
+    QCOMPARE(LogEntries(globals.Log, {clsLog::ColReportID, clsLog::ColText}, u" "_s),
+             (QStringList{u"1 Missing: Cannot find file "_s + app.filePath(u"missing.exe"_s),
+                          u"REMOTE Process Remote command file: add.xml"_s,
+                          u"7 Added: Successful Execute of Application "_s}));
     QVERIFY(!QFile::exists(app.filePath(u"Remote/add.xml"_s)));
-    const QStringList messages = QDir(mailFolder.path()).entryList({u"*.eml"_s}, QDir::Files);
+    const QStringList messages = server.messages();
     QCOMPARE(messages.size(), 1);
-    QVERIFY(ReadFile(mailFolder.filePath(messages.first())).contains("Subject: Error Processing 1: Missing"));
+    QVERIFY(ReadFile(messages.first()).contains("Subject: Error Processing 1: Missing"));
     QVERIFY(WaitUntil([&] { return QFile::exists(marker); }, 5000));
     QVERIFY(prompter.fatal.isEmpty());
 }

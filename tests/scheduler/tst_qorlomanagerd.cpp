@@ -1,5 +1,5 @@
-#include "SchedulerTestSupport.h"
-#include "../mail/MailTestPeers.h"
+#include "AppObjects.h"
+#include "SmtpPeer.h"
 #include "TestMain.h"
 
 #include "core/Clock.h"
@@ -73,7 +73,7 @@ struct Installation
 void TestQorloManagerd::runsAsAService()
 {
     SmtpPeer smtp;
-    QORLO_REQUIRE_PEER(smtp.start(), smtp.error());
+    QORLO_START_PEER(smtp.start(), smtp);
     Installation installed(smtp.port());
     const double now = Now();
     clsSchedule schedule(installed.app.path());
@@ -112,7 +112,7 @@ void TestQorloManagerd::runsAsAService()
         "<To>boss@example.com</To>\r\n<Subject>Stock note</Subject>\r\n<Body>Shelves are full</Body>\r\n"
         "</QorloMAILDoc>\r\n");
     QVERIFY(WaitUntil([&] { return smtp.messages().size() == 1; }, 15000));
-    QVERIFY(ReadAll(smtp.messages().first()).contains("Subject: Stock note"));
+    QVERIFY(ReadFile(smtp.messages().first()).contains("Subject: Stock note"));
     QVERIFY(WaitUntil([&] { return !QFile::exists(installed.path(u"Mail/note.xml"_s)); }, 5000));
     QVERIFY(QFile::exists(installed.path(u"Remote/add.xml"_s)));
     QFile::remove(installed.path(u"Remote/hold.lck"_s));
@@ -122,17 +122,14 @@ void TestQorloManagerd::runsAsAService()
 
     // The script can write its line before the daemon has logged its start.
     QStringList lines;
-    WaitUntil(
-        [&] {
-            clsLog log(installed.app.path());
-            log.Load(installed.path(u"QorloLog.XML"_s));
-            lines.clear();
-            for (int row = 0; row < log.Count(); ++row)
-                lines.append(log.CellAt(row, clsLog::ColReportID) + u" "_s +
-                             log.CellAt(row, clsLog::ColText));
-            return lines.size() == 5;
-        },
-        5000);
+    QVERIFY2(
+        WaitUntil(
+            [&] {
+                lines = SavedLogEntries(installed.app.path(), {clsLog::ColReportID, clsLog::ColText}, u" "_s);
+                return lines.size() == 5;
+            },
+            5000),
+        qPrintable(lines.join(u'\n')));
     QCOMPARE(lines, (QStringList{u"2 First: Successful Execute of Application "_s,
                                  u"1 Second: Successful Execute of Application "_s,
                                  u"MAIL Process Remote command file: note.xml"_s,

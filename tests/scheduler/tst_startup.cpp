@@ -1,5 +1,6 @@
-#include "SchedulerTestSupport.h"
-#include "Peers.h"
+#include "AppObjects.h"
+#include "CupsPeer.h"
+#include "TestPrompter.h"
 #include "TestMain.h"
 
 #include "core/AppFolder.h"
@@ -13,6 +14,7 @@
 #include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace TestSupport;
 
 class TestStartUp : public QObject
 {
@@ -26,7 +28,7 @@ private Q_SLOTS:
 void TestStartUp::initTestCase()
 {
     // No print server answers here, so the printer warning is certain and quick.
-    qputenv("CUPS_SERVER", "127.0.0.1:" + QByteArray::number(TestSupport::FreePort()));
+    NoPrintServer();
 }
 
 // An empty folder: the folders appear, the boxes come in order, the family settings are written, and
@@ -34,7 +36,7 @@ void TestStartUp::initTestCase()
 void TestStartUp::firstStartAndSecondInstance()
 {
     QTemporaryDir app;
-    RecordingPrompter prompter;
+    TestPrompter prompter(true);
     QorloGlobals globals(app.path(), prompter);
     SingleInstance instance;
     Dispatcher dispatcher(globals);
@@ -44,8 +46,9 @@ void TestStartUp::firstStartAndSecondInstance()
                           u"QorloMANAGER: No Data in Schedule"_s,
                           u"SMTP Server settings: Please enter your mail connection details"_s}));
     QVERIFY(prompter.questions.isEmpty());
-    for (const QString &name : AppFolder::WorkingFolderNames())
-        QVERIFY2(QFileInfo(app.filePath(name)).isDir(), qPrintable(name));
+    QCOMPARE(QDir(app.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name),
+             (QStringList{u"Backup"_s, u"Help"_s, u"Mail"_s, u"Multirun"_s, u"Output"_s, u"Remote"_s,
+                          u"SMTP"_s, u"Spool"_s, u"Web"_s}));
     QVERIFY(!QFile::exists(app.filePath(u"Qorlo.XML"_s)));
     QCOMPARE(TWReg::ReadApplicationValue(u"QorloMANAGER"_s), app.filePath(u"qorlomanagerd"_s));
     QCOMPARE(TWReg::ReadApplicationValue(u"Scheduler"_s), u"QorloMANAGER"_s);
@@ -53,7 +56,7 @@ void TestStartUp::firstStartAndSecondInstance()
     QCOMPARE(TWReg::ReadApplicationValue(u"RemoteFolder"_s), app.filePath(u"Remote"_s));
     QCOMPARE(TWReg::ReadApplicationValue(u"LogFolder"_s), app.filePath(u"Remote"_s));
 
-    RecordingPrompter secondPrompter;
+    TestPrompter secondPrompter(true);
     QorloGlobals second(app.path() + u"/Web/.."_s, secondPrompter);
     SingleInstance secondInstance;
     Dispatcher secondDispatcher(second);
@@ -80,7 +83,7 @@ void TestStartUp::savedStateAndElection()
                                                    "RetainLog>\r\n<CheckRetainLog>M</CheckRetainLog>\r\n"
                                                    "</LogHeader>\r\n</QorloLogDoc>\r\n");
     }
-    RecordingPrompter prompter;
+    TestPrompter prompter(true);
     prompter.answer = false;
     QorloGlobals globals(app.path(), prompter);
     SingleInstance instance;

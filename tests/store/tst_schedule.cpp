@@ -1,4 +1,5 @@
 // The schedule model clsSchedule: cursor, columns, tables, bulk edit, parameters, collections.
+#include "Files.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 #include "core/DayDate.h"
@@ -9,24 +10,18 @@
 #include <QFile>
 #include <QTemporaryDir>
 
-namespace {
+using namespace Qt::Literals::StringLiterals;
 
-int ErrorOf(const std::function<void()> &action)
-{
-    try {
-        action();
-    } catch (const QorloError &e) {
-        return e.number();
-    }
-    return 0;
-}
+using TestSupport::ErrorOf;
+
+namespace {
 
 // Adds an item with the given name and returns its ReportID.
 QString AddItem(clsSchedule &s, const QString &name)
 {
     s.AddNew();
     s.SetName(name);
-    s.SetFile(QStringLiteral("/reports/") + name + QStringLiteral(".rpt"));
+    s.SetFile(u"/reports/"_s + name + u".rpt"_s);
     return s.ReportID();
 }
 
@@ -60,18 +55,18 @@ void TestSchedule::defaults()
 {
     FixedClock clock(QDateTime(QDate(2024, 3, 10), QTime(14, 30)));
     ClockGuard guard(clock);
-    clsSchedule s(QStringLiteral("/app"));
-    QCOMPARE(s.AppPath, QStringLiteral("/app"));
-    QCOMPARE(s.FileName, QStringLiteral("/app/Qorlo.XML"));
+    clsSchedule s(u"/app"_s);
+    QCOMPARE(s.AppPath, u"/app"_s);
+    QCOMPARE(s.FileName, u"/app/Qorlo.XML"_s);
     QCOMPARE(s.SMTPDelay, qint16(2));
     QCOMPARE(s.SMTP_Port, 25);
     QCOMPARE(s.BusinessHour_Start, (clsSchedule::HourMinute{9, 0}));
     QCOMPARE(s.BusinessHour_End, (clsSchedule::HourMinute{17, 0}));
     QCOMPARE(s.BusinessHour_Schedule, qint16(0));
-    QCOMPARE(s.Holiday_List, QStringLiteral("holiday.lst"));
+    QCOMPARE(s.Holiday_List, u"holiday.lst"_s);
     QCOMPARE(s.AutoRun, false);
     QCOMPARE(s.Active, false);
-    QCOMPARE(s.BackupFrequency, QStringLiteral("Daily"));
+    QCOMPARE(s.BackupFrequency, u"Daily"_s);
     QCOMPARE(s.BackupPurge, qint16(30));
     const double now = DayDate::FromParts(2024, 3, 10, 14, 30);
     QCOMPARE(s.StartedAt, now);
@@ -79,7 +74,7 @@ void TestSchedule::defaults()
     QCOMPARE(s.Period_One, 0.0);
     QCOMPARE(s.Year_Start, 0.0);
     QCOMPARE(s.LastReportDate, 0.0);
-    QCOMPARE(s.SMTP_Encryption, QStringLiteral("None"));
+    QCOMPARE(s.SMTP_Encryption, u"None"_s);
     QCOMPARE(s.SaveSuspended, false);
     QCOMPARE(s.Count(), 0);
     QCOMPARE(s.Position(), -1);
@@ -91,18 +86,18 @@ void TestSchedule::defaults()
 
 void TestSchedule::cursorMinusOne()
 {
-    clsSchedule s(QStringLiteral("/app"));
-    AddItem(s, QStringLiteral("First"));
-    AddItem(s, QStringLiteral("Second"));
-    s.Find(QStringLiteral("99"));
+    clsSchedule s(u"/app"_s);
+    AddItem(s, u"First"_s);
+    AddItem(s, u"Second"_s);
+    s.Find(u"99"_s);
     QCOMPARE(s.Position(), -1);
     QVERIFY(s.NoMatch());
     QVERIFY(!s.Found());
     QCOMPARE(s.ReportID(), QString());
     QCOMPARE(s.File(), QString());
     QCOMPARE(ErrorOf([&] { s.Frequency(); }), 9);
-    QCOMPARE(ErrorOf([&] { s.SetFrequency(QStringLiteral("D")); }), 9);
-    QCOMPARE(ErrorOf([&] { s.SetReportID(QStringLiteral("5")); }), 9);
+    QCOMPARE(ErrorOf([&] { s.SetFrequency(u"D"_s); }), 9);
+    QCOMPARE(ErrorOf([&] { s.SetReportID(u"5"_s); }), 9);
     QCOMPARE(ErrorOf([&] { s.PrinterCopies(); }), 9);
     QCOMPARE(ErrorOf([&] { s.Location(); }), 9);
     QCOMPARE(ErrorOf([&] { s.Dest(); }), 9);
@@ -110,22 +105,22 @@ void TestSchedule::cursorMinusOne()
     QCOMPARE(ErrorOf([&] { s.SetPageCount(3); }), 0); // does nothing
     QCOMPARE(ErrorOf([&] { s.PageCount(); }), 9);
     // Reading Name at -1 puts the cursor on row 0.
-    QCOMPARE(s.Name(), QStringLiteral("First"));
+    QCOMPARE(s.Name(), u"First"_s);
     QCOMPARE(s.Position(), 0);
-    QCOMPARE(s.ReportID(), QStringLiteral("1"));
+    QCOMPARE(s.ReportID(), u"1"_s);
 
     // With an empty table row 0 is blank: its name is empty.
-    clsSchedule empty(QStringLiteral("/app"));
+    clsSchedule empty(u"/app"_s);
     QCOMPARE(empty.Name(), QString());
     QCOMPARE(empty.Position(), 0);
 }
 
 void TestSchedule::positionFindConfirm()
 {
-    clsSchedule s(QStringLiteral("/app"));
-    AddItem(s, QStringLiteral("A"));
-    AddItem(s, QStringLiteral("B"));
-    AddItem(s, QStringLiteral("C"));
+    clsSchedule s(u"/app"_s);
+    AddItem(s, u"A"_s);
+    AddItem(s, u"B"_s);
+    AddItem(s, u"C"_s);
     s.SetPosition(1);
     QCOMPARE(s.Position(), 1);
     QVERIFY(!s.NoMatch());
@@ -135,123 +130,123 @@ void TestSchedule::positionFindConfirm()
     s.SetPosition(-5);
     QCOMPARE(s.Position(), -1);
 
-    s.Find(QStringLiteral("3"));
+    s.Find(u"3"_s);
     QCOMPARE(s.Position(), 2);
     QVERIFY(s.Found());
     QVERIFY(!s.NoMatch());
     // Confirm leaves cursor and flags alone.
-    QVERIFY(s.Confirm(QStringLiteral("1")));
-    QVERIFY(!s.Confirm(QStringLiteral("7")));
+    QVERIFY(s.Confirm(u"1"_s));
+    QVERIFY(!s.Confirm(u"7"_s));
     QCOMPARE(s.Position(), 2);
     QVERIFY(s.Found());
     // Exact text: " 1" and "01" are other IDs.
-    QVERIFY(!s.Confirm(QStringLiteral("01")));
+    QVERIFY(!s.Confirm(u"01"_s));
     // A changed ID is found under its new text only.
-    s.SetReportID(QStringLiteral("30"));
-    QVERIFY(!s.Confirm(QStringLiteral("3")));
-    s.Find(QStringLiteral("30"));
+    s.SetReportID(u"30"_s);
+    QVERIFY(!s.Confirm(u"3"_s));
+    s.Find(u"30"_s);
     QCOMPARE(s.Position(), 2);
     // Two rows with one ID: Find gives the first.
     s.SetPosition(0);
-    s.SetReportID(QStringLiteral("2"));
-    s.Find(QStringLiteral("2"));
+    s.SetReportID(u"2"_s);
+    s.Find(u"2"_s);
     QCOMPARE(s.Position(), 0);
-    s.SetReportID(QStringLiteral("1"));
-    s.Find(QStringLiteral("2"));
+    s.SetReportID(u"1"_s);
+    s.Find(u"2"_s);
     QCOMPARE(s.Position(), 1);
 }
 
 void TestSchedule::addNewAndIds()
 {
-    clsSchedule s(QStringLiteral("/app"));
+    clsSchedule s(u"/app"_s);
     QCOMPARE(s.NextReportID(), 1);
     s.AddNew();
     QCOMPARE(s.Count(), 1);
     QCOMPARE(s.Position(), 0);
-    QCOMPARE(s.ReportID(), QStringLiteral("1"));
+    QCOMPARE(s.ReportID(), u"1"_s);
     QCOMPARE(s.Name(), QString()); // nothing else filled in
     QCOMPARE(s.Frequency(), QString());
-    s.SetReportID(QStringLiteral("41abc")); // numeric value of the prefix
+    s.SetReportID(u"41abc"_s); // numeric value of the prefix
     QCOMPARE(s.NextReportID(), 42);
     s.AddNew();
-    QCOMPARE(s.ReportID(), QStringLiteral("42"));
-    s.SetReportID(QStringLiteral("x"));
+    QCOMPARE(s.ReportID(), u"42"_s);
+    s.SetReportID(u"x"_s);
     QCOMPARE(s.NextReportID(), 42);
     s.SetPosition(0);
-    s.SetReportID(QStringLiteral("7"));
+    s.SetReportID(u"7"_s);
     QCOMPARE(s.NextReportID(), 8);
-    s.SetReportID(QStringLiteral("2147483647"));
+    s.SetReportID(u"2147483647"_s);
     QCOMPARE(ErrorOf([&] { s.NextReportID(); }), 6);
 }
 
 void TestSchedule::deletedHighestIdIsReused()
 {
-    clsSchedule s(QStringLiteral("/app"));
+    clsSchedule s(u"/app"_s);
     for (int i = 0; i < 5; ++i)
         s.AddNew();
-    s.Delete(QStringLiteral("5"));
+    s.Delete(u"5"_s);
     QCOMPARE(s.Count(), 4);
     s.AddNew();
-    QCOMPARE(s.ReportID(), QStringLiteral("5"));
+    QCOMPARE(s.ReportID(), u"5"_s);
     // A deleted ID in the middle is not reused.
-    s.Delete(QStringLiteral("2"));
+    s.Delete(u"2"_s);
     s.AddNew();
-    QCOMPARE(s.ReportID(), QStringLiteral("6"));
+    QCOMPARE(s.ReportID(), u"6"_s);
 }
 
 void TestSchedule::duplicateAndDelete()
 {
-    clsSchedule s(QStringLiteral("/app"));
-    const QString a = AddItem(s, QStringLiteral("A"));
-    s.SetRptMessage(QStringLiteral("line1\r\nline2"));
-    s.SetMailAttach(QStringLiteral("/x.pdf"));
+    clsSchedule s(u"/app"_s);
+    const QString a = AddItem(s, u"A"_s);
+    s.SetRptMessage(u"line1\r\nline2"_s);
+    s.SetMailAttach(u"/x.pdf"_s);
     s.SetPageCount(12);
-    const QString b = AddItem(s, QStringLiteral("B"));
+    const QString b = AddItem(s, u"B"_s);
     s.Find(a);
     s.Duplicate();
     QCOMPARE(s.Count(), 3);
     QCOMPARE(s.Position(), 2);
-    QCOMPARE(s.ReportID(), QStringLiteral("3"));
-    QCOMPARE(s.Name(), QStringLiteral("A"));
-    QCOMPARE(s.RptMessage(), QStringLiteral("line1\r\nline2"));
-    QCOMPARE(s.MailAttach(), QStringLiteral("/x.pdf"));
+    QCOMPARE(s.ReportID(), u"3"_s);
+    QCOMPARE(s.Name(), u"A"_s);
+    QCOMPARE(s.RptMessage(), u"line1\r\nline2"_s);
+    QCOMPARE(s.MailAttach(), u"/x.pdf"_s);
     QCOMPARE(s.PageCount(), qint16(12));
 
     // Parameters go along with a separate call and away with Delete.
-    s.ParmUpdate(a, QStringLiteral("{?P}"), QStringLiteral("12"), QStringLiteral("v"), QString());
-    s.ParmUpdate(b, QStringLiteral("{?Q}"), QStringLiteral("12"), QStringLiteral("w"), QString());
+    s.ParmUpdate(a, u"{?P}"_s, u"12"_s, u"v"_s, QString());
+    s.ParmUpdate(b, u"{?Q}"_s, u"12"_s, u"w"_s, QString());
     s.SetPosition(1);
     s.Delete(a);
     QCOMPARE(s.Count(), 2);
     QCOMPARE(s.Position(), 1); // not adjusted: now on the copy
-    QCOMPARE(s.ReportID(), QStringLiteral("3"));
+    QCOMPARE(s.ReportID(), u"3"_s);
     s.SetPosition(0);
     QCOMPARE(s.ReportID(), b);
     QCOMPARE(s.ParmCount(), 2); // rows stay counted
     QCOMPARE(s.ParmCell(0, clsSchedule::parmReportID), QString());
-    QCOMPARE(s.ParmCell(0, clsSchedule::parmName), QStringLiteral("{?P}"));
+    QCOMPARE(s.ParmCell(0, clsSchedule::parmName), u"{?P}"_s);
     QCOMPARE(s.ParmCell(1, clsSchedule::parmReportID), b);
     // The freed last row is blank.
     QCOMPARE(s.Cell(2, clsSchedule::colName), QString());
     // Unknown ID: nothing.
-    s.Delete(QStringLiteral("77"));
+    s.Delete(u"77"_s);
     QCOMPARE(s.Count(), 2);
     QCOMPARE(s.Position(), 0);
     QVERIFY(!s.Confirm(a));
-    QVERIFY(s.Confirm(QStringLiteral("3")));
+    QVERIFY(s.Confirm(u"3"_s));
 }
 
 void TestSchedule::itemLimit()
 {
-    clsSchedule s(QStringLiteral("/app"));
-    for (int i = 0; i < clsSchedule::MaxItems; ++i)
+    clsSchedule s(u"/app"_s);
+    for (int i = 0; i < 2001; ++i)
         s.AddNew();
     QCOMPARE(s.Count(), 2001);
-    QCOMPARE(s.ReportID(), QStringLiteral("2001"));
+    QCOMPARE(s.ReportID(), u"2001"_s);
     QCOMPARE(ErrorOf([&] { s.AddNew(); }), 9);
     QCOMPARE(ErrorOf([&] { s.Duplicate(); }), 9);
     QCOMPARE(s.Count(), 2001);
-    s.Find(QStringLiteral("1000"));
+    s.Find(u"1000"_s);
     QCOMPARE(s.Position(), 999);
     QCOMPARE(ErrorOf([&] { s.Cell(2001, 0); }), 9);
     QCOMPARE(ErrorOf([&] { s.Field(41); }), 9);
@@ -259,36 +254,36 @@ void TestSchedule::itemLimit()
 
 void TestSchedule::columnsAndDerivedProperties()
 {
-    clsSchedule s(QStringLiteral("/app"));
+    clsSchedule s(u"/app"_s);
     s.AddNew();
-    s.SetFile(QStringLiteral("/data/reports/Sales.Summary.rpt"));
-    QCOMPARE(s.Name(), QStringLiteral("Sales.Summary")); // empty name: base name of File
+    s.SetFile(u"/data/reports/Sales.Summary.rpt"_s);
+    QCOMPARE(s.Name(), u"Sales.Summary"_s); // empty name: base name of File
     QCOMPARE(s.Field(clsSchedule::colName), QString());
-    QCOMPARE(s.Location(), QStringLiteral("/app/Output/Sales.Summary.rpt"));
-    s.SetLocation(QStringLiteral("/out/x.pdf"));
-    QCOMPARE(s.Location(), QStringLiteral("/out/x.pdf"));
+    QCOMPARE(s.Location(), u"/app/Output/Sales.Summary.rpt"_s);
+    s.SetLocation(u"/out/x.pdf"_s);
+    QCOMPARE(s.Location(), u"/out/x.pdf"_s);
 
     QCOMPARE(s.Field(clsSchedule::colDest), QString());
-    QCOMPARE(s.Dest(), QStringLiteral("D"));
-    QCOMPARE(s.Field(clsSchedule::colDest), QStringLiteral("D")); // the reading stores it
-    QCOMPARE(s.DestDesc(), QStringLiteral("Disk"));
-    QCOMPARE(s.DestName(), QStringLiteral("/out/x.pdf"));
-    s.SetEmail(QStringLiteral("a@example.com"));
-    s.SetPrinter(QStringLiteral("PDF"));
-    s.SetDest(QStringLiteral("E"));
-    QCOMPARE(s.DestDesc(), QStringLiteral("EMail"));
-    QCOMPARE(s.DestName(), QStringLiteral("a@example.com"));
-    s.SetDest(QStringLiteral("P"));
-    QCOMPARE(s.DestDesc(), QStringLiteral("Printer"));
-    QCOMPARE(s.DestName(), QStringLiteral("PDF"));
-    s.SetDest(QStringLiteral("M"));
-    QCOMPARE(s.DestDesc(), QStringLiteral("MultiRun"));
-    QCOMPARE(s.DestName(), QStringLiteral("MultiRun"));
-    s.SetDest(QStringLiteral("e"));
-    QCOMPARE(s.DestDesc(), QStringLiteral("Unknown"));
+    QCOMPARE(s.Dest(), u"D"_s);
+    QCOMPARE(s.Field(clsSchedule::colDest), u"D"_s); // the reading stores it
+    QCOMPARE(s.DestDesc(), u"Disk"_s);
+    QCOMPARE(s.DestName(), u"/out/x.pdf"_s);
+    s.SetEmail(u"a@example.com"_s);
+    s.SetPrinter(u"PDF"_s);
+    s.SetDest(u"E"_s);
+    QCOMPARE(s.DestDesc(), u"EMail"_s);
+    QCOMPARE(s.DestName(), u"a@example.com"_s);
+    s.SetDest(u"P"_s);
+    QCOMPARE(s.DestDesc(), u"Printer"_s);
+    QCOMPARE(s.DestName(), u"PDF"_s);
+    s.SetDest(u"M"_s);
+    QCOMPARE(s.DestDesc(), u"MultiRun"_s);
+    QCOMPARE(s.DestName(), u"MultiRun"_s);
+    s.SetDest(u"e"_s);
+    QCOMPARE(s.DestDesc(), u"Unknown"_s);
     QCOMPARE(s.DestName(), QString());
-    s.SetDest(QStringLiteral("E"));
-    s.SetFile(QStringLiteral("COLLECTION"));
+    s.SetDest(u"E"_s);
+    s.SetFile(u"COLLECTION"_s);
     QCOMPARE(s.DestName(), QString());
 
     // Every column through its accessor lands in its own column.
@@ -342,70 +337,70 @@ void TestSchedule::columnsAndDerivedProperties()
         {clsSchedule::colMailAttach, &clsSchedule::SetMailAttach, &clsSchedule::MailAttach},
     };
     for (const auto &p : plain) {
-        const QString text = QStringLiteral("value of %1").arg(p.column);
+        const QString text = u"value of %1"_s.arg(p.column);
         (s.*p.set)(text);
         QCOMPARE(s.Field(p.column), text);
         QCOMPARE((s.*p.get)(), text);
     }
-    QCOMPARE(clsSchedule::ColumnTag(clsSchedule::colPrinterOrient), QStringLiteral("PrinterOrientation"));
+    QCOMPARE(clsSchedule::ColumnTag(clsSchedule::colPrinterOrient), u"PrinterOrientation"_s);
     QCOMPARE(clsSchedule::ColumnTag(clsSchedule::colPageCount), QString());
 }
 
 void TestSchedule::printerCopiesAndPageCount()
 {
-    clsSchedule s(QStringLiteral("/app"));
+    clsSchedule s(u"/app"_s);
     s.AddNew();
     QCOMPARE(s.PrinterCopies(), qint16(1)); // empty
-    s.SetField(clsSchedule::colPrinterCopies, QStringLiteral("0"));
+    s.SetField(clsSchedule::colPrinterCopies, u"0"_s);
     QCOMPARE(s.PrinterCopies(), qint16(1));
-    s.SetField(clsSchedule::colPrinterCopies, QStringLiteral("-3"));
+    s.SetField(clsSchedule::colPrinterCopies, u"-3"_s);
     QCOMPARE(s.PrinterCopies(), qint16(1));
     s.SetPrinterCopies(3);
-    QCOMPARE(s.Field(clsSchedule::colPrinterCopies), QStringLiteral("3"));
+    QCOMPARE(s.Field(clsSchedule::colPrinterCopies), u"3"_s);
     QCOMPARE(s.PrinterCopies(), qint16(3));
     s.SetPrinterCopies(0);
     QCOMPARE(s.Field(clsSchedule::colPrinterCopies), QString()); // format "#"
-    s.SetField(clsSchedule::colPrinterCopies, QStringLiteral("2.5"));
+    s.SetField(clsSchedule::colPrinterCopies, u"2.5"_s);
     QCOMPARE(s.PrinterCopies(), qint16(2)); // halves to even
-    s.SetField(clsSchedule::colPrinterCopies, QStringLiteral("40000"));
+    s.SetField(clsSchedule::colPrinterCopies, u"40000"_s);
     QCOMPARE(ErrorOf([&] { s.PrinterCopies(); }), 6);
 
     QCOMPARE(s.PageCount(), qint16(0));
     s.SetPageCount(17);
-    QCOMPARE(s.Field(clsSchedule::colPageCount), QStringLiteral("17"));
+    QCOMPARE(s.Field(clsSchedule::colPageCount), u"17"_s);
     QCOMPARE(s.PageCount(), qint16(17));
-    s.SetField(clsSchedule::colPageCount, QStringLiteral("32768"));
+    s.SetField(clsSchedule::colPageCount, u"32768"_s);
     QCOMPARE(ErrorOf([&] { s.PageCount(); }), 6);
 }
 
 void TestSchedule::sortIndexMoves()
 {
-    clsSchedule s(QStringLiteral("/app"));
+    clsSchedule s(u"/app"_s);
     for (int i = 0; i < 4; ++i)
         s.AddNew();
     s.SetPosition(0);
     // One entry only: MoveFirst and MoveLast do nothing.
-    s.LoadSortIndexArray(QStringLiteral("3"));
+    s.LoadSortIndexArray(u"3"_s);
     s.MoveFirst();
     QCOMPARE(s.Position(), 0);
-    s.LoadSortIndexArray(QStringLiteral("3|1|4|2"));
+    s.LoadSortIndexArray(u"3|1|4|2"_s);
     QCOMPARE(s.SortIndexCount(), 4);
-    QCOMPARE(s.GetSortIndexArray(2), QStringLiteral("4"));
+    QCOMPARE(s.GetSortIndexArray(2), u"4"_s);
     QCOMPARE(ErrorOf([&] { s.GetSortIndexArray(4); }), 9);
     s.MoveFirst();
-    QCOMPARE(s.ReportID(), QStringLiteral("3"));
+    QCOMPARE(s.ReportID(), u"3"_s);
     s.MoveLast();
-    QCOMPARE(s.ReportID(), QStringLiteral("2"));
-    s.MoveNext(QStringLiteral("1"));
-    QCOMPARE(s.ReportID(), QStringLiteral("4"));
-    s.MovePrior(QStringLiteral("1"));
-    QCOMPARE(s.ReportID(), QStringLiteral("3"));
-    s.MovePrior(QStringLiteral("3")); // at the start: stays
-    QCOMPARE(s.ReportID(), QStringLiteral("3"));
-    s.MoveNext(QStringLiteral("2")); // at the end: stays
-    QCOMPARE(s.ReportID(), QStringLiteral("3"));
-    s.MoveNext(QStringLiteral("9")); // unknown: stays
-    QCOMPARE(s.ReportID(), QStringLiteral("3"));
+    QCOMPARE(s.ReportID(), u"2"_s);
+    s.MoveNext(u"1"_s);
+    QCOMPARE(s.ReportID(), u"4"_s);
+    s.MovePrior(u"1"_s);
+    QCOMPARE(s.ReportID(), u"3"_s);
+    s.MovePrior(u"3"_s); // at the start: stays
+    QCOMPARE(s.ReportID(), u"3"_s);
+    s.MoveNext(u"2"_s); // at the end: stays
+    QCOMPARE(s.ReportID(), u"3"_s);
+    s.MoveNext(u"9"_s); // unknown: stays
+    QCOMPARE(s.ReportID(), u"3"_s);
 }
 
 void TestSchedule::addFolder()
@@ -416,193 +411,179 @@ void TestSchedule::addFolder()
         QFile f(dir.filePath(QString::fromLatin1(name)));
         QVERIFY(f.open(QIODevice::WriteOnly));
     }
-    QDir(dir.path()).mkdir(QStringLiteral("sub.rpt"));
-    clsSchedule s(QStringLiteral("/app"));
-    AddItem(s, QStringLiteral("existing"));
+    QDir(dir.path()).mkdir(u"sub.rpt"_s);
+    clsSchedule s(u"/app"_s);
+    AddItem(s, u"existing"_s);
     // The folder part of the path: a trailing separator or a file name.
-    s.AddFolder2Schedule(dir.path() + QStringLiteral("/"));
+    s.AddFolder2Schedule(dir.path() + u"/"_s);
     QCOMPARE(s.Count(), 3);
     QStringList names;
     for (int row = 1; row < 3; ++row) {
         s.SetPosition(row);
         names << s.Name();
-        QCOMPARE(s.File(), dir.path() + QLatin1Char('/') + s.Name());
-        QCOMPARE(s.Schedule(), QStringLiteral("N"));
-        QCOMPARE(s.FreqTimes(), QStringLiteral("1"));
-        QCOMPARE(s.Frequency(), QStringLiteral("W"));
+        QCOMPARE(s.File(), dir.path() + u'/' + s.Name());
+        QCOMPARE(s.Schedule(), u"N"_s);
+        QCOMPARE(s.FreqTimes(), u"1"_s);
+        QCOMPARE(s.Frequency(), u"W"_s);
         QCOMPARE(s.ReportID(), QString::number(row + 1));
     }
     names.sort();
-    QCOMPARE(names, (QStringList{QStringLiteral("A.RPT"), QStringLiteral("b.rpt")}));
-    s.AddFolder2Schedule(dir.filePath(QStringLiteral("anything.rpt")));
+    QCOMPARE(names, (QStringList{u"A.RPT"_s, u"b.rpt"_s}));
+    s.AddFolder2Schedule(dir.filePath(u"anything.rpt"_s));
     QCOMPARE(s.Count(), 5);
     // Without a separator the path is its own folder part; a missing folder adds nothing.
-    s.AddFolder2Schedule(dir.path() + QStringLiteral("/nothing/"));
+    s.AddFolder2Schedule(dir.path() + u"/nothing/"_s);
     QCOMPARE(s.Count(), 5);
 }
 
 void TestSchedule::activeCountAndClear()
 {
-    clsSchedule s(QStringLiteral("/app"));
-    AddItem(s, QStringLiteral("a"));
-    s.SetNextRun(QStringLiteral("01-Feb-2024 10:00"));
-    AddItem(s, QStringLiteral("b"));
-    s.SetNextRun(QStringLiteral("next Tuesday"));
-    AddItem(s, QStringLiteral("c"));
-    AddItem(s, QStringLiteral("d"));
-    s.SetNextRun(QStringLiteral("2024-02-03"));
+    clsSchedule s(u"/app"_s);
+    AddItem(s, u"a"_s);
+    s.SetNextRun(u"01-Feb-2024 10:00"_s);
+    AddItem(s, u"b"_s);
+    s.SetNextRun(u"next Tuesday"_s);
+    AddItem(s, u"c"_s);
+    AddItem(s, u"d"_s);
+    s.SetNextRun(u"2024-02-03"_s);
     QCOMPARE(s.ActiveCount(), 2);
     s.NewCollectionItem();
-    s.SetCollectionID(QStringLiteral("1"));
+    s.SetCollectionID(u"1"_s);
     s.ParmAddNew();
-    s.SetParmReportID(QStringLiteral("1"));
-    s.SMTP_Server = QStringLiteral("mail.example.com");
+    s.SetParmReportID(u"1"_s);
+    s.SMTP_Server = u"mail.example.com"_s;
     s.Clear();
     QCOMPARE(s.Count(), 0);
     QCOMPARE(s.CollectionCount(), 0);
     QCOMPARE(s.ParmCount(), 1);
-    QCOMPARE(s.SMTP_Server, QStringLiteral("mail.example.com"));
+    QCOMPARE(s.SMTP_Server, u"mail.example.com"_s);
     QCOMPARE(s.ActiveCount(), 0);
-    QVERIFY(!s.Confirm(QStringLiteral("1")));
+    QVERIFY(!s.Confirm(u"1"_s));
     s.AddNew();
-    QCOMPARE(s.ReportID(), QStringLiteral("1"));
+    QCOMPARE(s.ReportID(), u"1"_s);
     QCOMPARE(s.NextRun(), QString());
 }
 
 void TestSchedule::bulkEdit()
 {
-    clsSchedule s(QStringLiteral("/app"));
-    AddItem(s, QStringLiteral("Monthly Sales"));
-    AddItem(s, QStringLiteral("Sales by region, sales by rep"));
-    AddItem(s, QStringLiteral("Stock"));
-    QCOMPARE(s.ChangePreview(clsSchedule::colName, QStringLiteral("sales"), QStringLiteral("N")), qint16(2));
-    QCOMPARE(s.ChangePreview(clsSchedule::colName, QStringLiteral("sales"), QStringLiteral("Y")), qint16(1));
-    QCOMPARE(s.ChangePreview(clsSchedule::colName, QString(), QStringLiteral("N")), qint16(0));
-    QCOMPARE(ErrorOf([&] { s.ChangePreview(41, QStringLiteral("x"), QStringLiteral("N")); }), 9);
+    clsSchedule s(u"/app"_s);
+    AddItem(s, u"Monthly Sales"_s);
+    AddItem(s, u"Sales by region, sales by rep"_s);
+    AddItem(s, u"Stock"_s);
+    QCOMPARE(s.ChangePreview(clsSchedule::colName, u"sales"_s, u"N"_s), qint16(2));
+    QCOMPARE(s.ChangePreview(clsSchedule::colName, u"sales"_s, u"Y"_s), qint16(1));
+    QCOMPARE(s.ChangePreview(clsSchedule::colName, QString(), u"N"_s), qint16(0));
+    QCOMPARE(ErrorOf([&] { s.ChangePreview(41, u"x"_s, u"N"_s); }), 9);
 
-    QCOMPARE(s.ChangeBulk(clsSchedule::colName, QStringLiteral("sales"), QStringLiteral("Stock"),
-                          QStringLiteral("N")),
-             qint16(2));
-    QCOMPARE(s.Cell(0, clsSchedule::colName), QStringLiteral("monthly Stock"));
-    QCOMPARE(s.Cell(1, clsSchedule::colName), QStringLiteral("Stock by region, sales by rep"));
-    QCOMPARE(s.Cell(2, clsSchedule::colName), QStringLiteral("Stock")); // untouched row keeps case
+    QCOMPARE(s.ChangeBulk(clsSchedule::colName, u"sales"_s, u"Stock"_s, u"N"_s), qint16(2));
+    QCOMPARE(s.Cell(0, clsSchedule::colName), u"monthly Stock"_s);
+    QCOMPARE(s.Cell(1, clsSchedule::colName), u"Stock by region, sales by rep"_s);
+    QCOMPARE(s.Cell(2, clsSchedule::colName), u"Stock"_s); // untouched row keeps case
 
-    QCOMPARE(s.ChangeBulk(clsSchedule::colFile, QStringLiteral("/reports/"), QStringLiteral("/new/"),
-                          QStringLiteral("Y")),
-             qint16(3));
-    QCOMPARE(s.Cell(0, clsSchedule::colFile), QStringLiteral("/new/Monthly Sales.rpt"));
+    QCOMPARE(s.ChangeBulk(clsSchedule::colFile, u"/reports/"_s, u"/new/"_s, u"Y"_s), qint16(3));
+    QCOMPARE(s.Cell(0, clsSchedule::colFile), u"/new/Monthly Sales.rpt"_s);
     // On column 0 the ID changes for Find too.
-    QCOMPARE(s.ChangeBulk(clsSchedule::colReportID, QStringLiteral("3"), QStringLiteral("30"),
-                          QStringLiteral("Y")),
-             qint16(1));
-    QVERIFY(s.Confirm(QStringLiteral("30")));
+    QCOMPARE(s.ChangeBulk(clsSchedule::colReportID, u"3"_s, u"30"_s, u"Y"_s), qint16(1));
+    QVERIFY(s.Confirm(u"30"_s));
     QCOMPARE(s.NextReportID(), 31);
 }
 
 void TestSchedule::notifyEmailList()
 {
-    clsSchedule s(QStringLiteral("/app"));
+    clsSchedule s(u"/app"_s);
     QCOMPARE(s.NotifyEmailList(), QStringList());
     s.AddNew();
-    s.SetNotifyTo(QStringLiteral("a@x.com;b@x.com"));
-    s.SetErrorTo(QStringLiteral("a@x.com"));
+    s.SetNotifyTo(u"a@x.com;b@x.com"_s);
+    s.SetErrorTo(u"a@x.com"_s);
     s.AddNew();
-    s.SetMultiRunLineSuccessTo(QStringLiteral("b@x.com;c@x.com")); // c is new: the whole field goes in
-    s.SetMultiRunLineErrorTo(QStringLiteral("d@x.com"));
-    const QStringList expected{QStringLiteral("a@x.com"), QStringLiteral("b@x.com"),
-                               QStringLiteral("b@x.com"), QStringLiteral("c@x.com"),
-                               QStringLiteral("d@x.com")};
+    s.SetMultiRunLineSuccessTo(u"b@x.com;c@x.com"_s); // c is new: the whole field goes in
+    s.SetMultiRunLineErrorTo(u"d@x.com"_s);
+    const QStringList expected{u"a@x.com"_s, u"b@x.com"_s, u"b@x.com"_s, u"c@x.com"_s, u"d@x.com"_s};
     QCOMPARE(s.NotifyEmailList(), expected);
 }
 
 void TestSchedule::parameters()
 {
-    clsSchedule s(QStringLiteral("/app"));
+    clsSchedule s(u"/app"_s);
     // The cursor starts on row 0, which isn't counted until a row is added.
     QCOMPARE(s.ParmPosition(), 0);
     QCOMPARE(s.ParmName(), QString());
     s.ParmAddNew();
     QCOMPARE(s.ParmPosition(), 0);
-    s.SetParmReportID(QStringLiteral("1"));
-    s.SetParmName(QStringLiteral("{?From}"));
-    s.SetParmValueType(QStringLiteral("10"));
-    s.SetParmValue(QStringLiteral("01-Jan-2024"));
-    s.SetParmPrompt(QStringLiteral("From date"));
-    s.SetParmMulti(QStringLiteral("N"));
+    s.SetParmReportID(u"1"_s);
+    s.SetParmName(u"{?From}"_s);
+    s.SetParmValueType(u"10"_s);
+    s.SetParmValue(u"01-Jan-2024"_s);
+    s.SetParmPrompt(u"From date"_s);
+    s.SetParmMulti(u"N"_s);
     QCOMPARE(s.ParmCount(), 1);
-    QCOMPARE(s.ParmCell(0, clsSchedule::parmMulti), QStringLiteral("N"));
+    QCOMPARE(s.ParmCell(0, clsSchedule::parmMulti), u"N"_s);
     QCOMPARE(s.ParmCell(0, clsSchedule::parmUnused), QString());
 
     // Update in place, or add a row without moving the cursor.
-    s.ParmUpdate(QStringLiteral("1"), QStringLiteral("{?From}"), QStringLiteral("10"),
-                 QStringLiteral("02-Jan-2024"), QStringLiteral("p"));
+    s.ParmUpdate(u"1"_s, u"{?From}"_s, u"10"_s, u"02-Jan-2024"_s, u"p"_s);
     QCOMPARE(s.ParmCount(), 1);
-    QCOMPARE(s.ParmValue(), QStringLiteral("02-Jan-2024"));
-    QCOMPARE(s.ParmPrompt(), QStringLiteral("p"));
-    QCOMPARE(s.ParmMulti(), QStringLiteral("N"));
-    s.ParmUpdate(QStringLiteral("1"), QStringLiteral("{?To}"), QStringLiteral("10"), QString(),
-                 QStringLiteral("To date"));
+    QCOMPARE(s.ParmValue(), u"02-Jan-2024"_s);
+    QCOMPARE(s.ParmPrompt(), u"p"_s);
+    QCOMPARE(s.ParmMulti(), u"N"_s);
+    s.ParmUpdate(u"1"_s, u"{?To}"_s, u"10"_s, QString(), u"To date"_s);
     QCOMPARE(s.ParmCount(), 2);
     QCOMPARE(s.ParmPosition(), 0);
-    QCOMPARE(s.ParmReportCount(QStringLiteral("1")), qint16(1)); // the empty value doesn't count
+    QCOMPARE(s.ParmReportCount(u"1"_s), qint16(1)); // the empty value doesn't count
 
-    s.ParmDuplicate(QStringLiteral("1"), QStringLiteral("2"));
+    s.ParmDuplicate(u"1"_s, u"2"_s);
     QCOMPARE(s.ParmCount(), 4);
     s.ParmLocate(2);
-    QCOMPARE(s.ParmReportID(), QStringLiteral("2"));
-    QCOMPARE(s.ParmName(), QStringLiteral("{?From}"));
-    QCOMPARE(s.ParmPrompt(), QStringLiteral("p"));
-    QCOMPARE(s.ParmMulti(), QStringLiteral("N"));
+    QCOMPARE(s.ParmReportID(), u"2"_s);
+    QCOMPARE(s.ParmName(), u"{?From}"_s);
+    QCOMPARE(s.ParmPrompt(), u"p"_s);
+    QCOMPARE(s.ParmMulti(), u"N"_s);
     s.ParmLocate(3);
-    QCOMPARE(s.ParmName(), QStringLiteral("{?To}"));
+    QCOMPARE(s.ParmName(), u"{?To}"_s);
 
     // A collection's values pass to its members where set.
-    s.ParmUpdate(QStringLiteral("9"), QStringLiteral("{?To}"), QStringLiteral("10"),
-                 QStringLiteral("31-Jan-2024"), QString());
-    s.ParmUpdate(QStringLiteral("9"), QStringLiteral("{?From}"), QStringLiteral("10"), QString(), QString());
-    s.SetCollectionParm(QStringLiteral("9"), QStringLiteral("2"));
-    QCOMPARE(s.ParmCell(2, clsSchedule::parmValue), QStringLiteral("02-Jan-2024"));
-    QCOMPARE(s.ParmCell(3, clsSchedule::parmValue), QStringLiteral("31-Jan-2024"));
+    s.ParmUpdate(u"9"_s, u"{?To}"_s, u"10"_s, u"31-Jan-2024"_s, QString());
+    s.ParmUpdate(u"9"_s, u"{?From}"_s, u"10"_s, QString(), QString());
+    s.SetCollectionParm(u"9"_s, u"2"_s);
+    QCOMPARE(s.ParmCell(2, clsSchedule::parmValue), u"02-Jan-2024"_s);
+    QCOMPARE(s.ParmCell(3, clsSchedule::parmValue), u"31-Jan-2024"_s);
     QCOMPARE(s.ParmCell(1, clsSchedule::parmValue), QString());
 
-    s.ParmRemove(QStringLiteral("2"));
+    s.ParmRemove(u"2"_s);
     QCOMPARE(s.ParmCount(), 6);
     QCOMPARE(s.ParmCell(2, clsSchedule::parmReportID), QString());
     QCOMPARE(s.ParmCell(3, clsSchedule::parmReportID), QString());
-    QCOMPARE(s.ParmReportCount(QStringLiteral("2")), qint16(0));
+    QCOMPARE(s.ParmReportCount(u"2"_s), qint16(0));
     s.ParmLocate(-1);
     QCOMPARE(ErrorOf([&] { s.SetParmValue(QString()); }), 9);
 }
 
 void TestSchedule::parameterLimit()
 {
-    clsSchedule s(QStringLiteral("/app"));
-    for (int i = 0; i < clsSchedule::MaxParms; ++i)
+    clsSchedule s(u"/app"_s);
+    for (int i = 0; i < 3001; ++i)
         s.ParmAddNew();
     QCOMPARE(s.ParmCount(), 3001);
     QCOMPARE(ErrorOf([&] { s.ParmAddNew(); }), 9);
-    QCOMPARE(ErrorOf([&] {
-                 s.ParmUpdate(QStringLiteral("1"), QStringLiteral("x"), QString(), QString(), QString());
-             }),
-             9);
+    QCOMPARE(ErrorOf([&] { s.ParmUpdate(u"1"_s, u"x"_s, QString(), QString(), QString()); }), 9);
     QCOMPARE(s.ParmCount(), 3001);
-    for (int i = 0; i < clsSchedule::MaxCollections; ++i)
+    for (int i = 0; i < 2001; ++i)
         s.NewCollectionItem();
     QCOMPARE(ErrorOf([&] { s.NewCollectionItem(); }), 9);
 }
 
 void TestSchedule::collections()
 {
-    clsSchedule s(QStringLiteral("/app"));
-    const QString coll = AddItem(s, QStringLiteral("Month end"));
-    s.SetFile(QStringLiteral("COLLECTION"));
-    const QString m1 = AddItem(s, QStringLiteral("Member one"));
-    s.SetSchedule(QStringLiteral("N"));
-    s.SetNextRun(QStringLiteral("01-Feb-2024 10:00"));
-    const QString m2 = AddItem(s, QStringLiteral("Member two"));
-    s.SetSchedule(QStringLiteral("Y"));
+    clsSchedule s(u"/app"_s);
+    const QString coll = AddItem(s, u"Month end"_s);
+    s.SetFile(u"COLLECTION"_s);
+    const QString m1 = AddItem(s, u"Member one"_s);
+    s.SetSchedule(u"N"_s);
+    s.SetNextRun(u"01-Feb-2024 10:00"_s);
+    const QString m2 = AddItem(s, u"Member two"_s);
+    s.SetSchedule(u"Y"_s);
     const QString m3 = AddItem(s, QString()); // raw name empty
-    s.SetFile(QStringLiteral("/r/third.rpt"));
+    s.SetFile(u"/r/third.rpt"_s);
 
     QCOMPARE(s.CollectionPosition(), 0);
     QCOMPARE(s.CollectionID(), QString());
@@ -619,25 +600,25 @@ void TestSchedule::collections()
     s.SetCollectionPosition(0);
     QCOMPARE(s.CollectionItem(), m1);
 
-    for (const QString &member : {m2, m3, QStringLiteral("99")}) {
+    for (const QString &member : {m2, m3, u"99"_s}) {
         s.NewCollectionItem();
         s.SetCollectionID(coll);
         s.SetCollectionItem(member);
     }
     QCOMPARE(s.CollectionCount(), 4);
     s.SetCollectionPosition(0);
-    QCOMPARE(s.CollectionReport(), QStringLiteral("Member one"));
-    QCOMPARE(s.CollectionFile(), QStringLiteral("/reports/Member one.rpt"));
+    QCOMPARE(s.CollectionReport(), u"Member one"_s);
+    QCOMPARE(s.CollectionFile(), u"/reports/Member one.rpt"_s);
     s.SetCollectionPosition(2);
     QCOMPARE(s.CollectionReport(), QString()); // raw name
-    QCOMPARE(s.CollectionFile(), QStringLiteral("/r/third.rpt"));
+    QCOMPARE(s.CollectionFile(), u"/r/third.rpt"_s);
     s.SetCollectionPosition(3);
-    QCOMPARE(s.CollectionReport(), QStringLiteral("Missing"));
-    QCOMPARE(s.CollectionFile(), QStringLiteral("Lost Report"));
-    QCOMPARE(s.CollectionNextRun(m1), QStringLiteral("01-Feb-2024 10:00"));
-    QCOMPARE(s.CollectionNextRun(QStringLiteral("99")), QString());
-    QCOMPARE(s.CollectionDescription(m2), QStringLiteral("Member two"));
-    QCOMPARE(s.CollectionDescription(QStringLiteral("99")), QString());
+    QCOMPARE(s.CollectionReport(), u"Missing"_s);
+    QCOMPARE(s.CollectionFile(), u"Lost Report"_s);
+    QCOMPARE(s.CollectionNextRun(m1), u"01-Feb-2024 10:00"_s);
+    QCOMPARE(s.CollectionNextRun(u"99"_s), QString());
+    QCOMPARE(s.CollectionDescription(m2), u"Member two"_s);
+    QCOMPARE(s.CollectionDescription(u"99"_s), QString());
 
     s.SetCollectionPosition(0);
     s.CollectionSetReport();
@@ -647,9 +628,9 @@ void TestSchedule::collections()
     s.CollectionSetReport();
     s.SetCollectionPosition(3);
     s.CollectionSetReport(); // missing member: nothing
-    QCOMPARE(s.Cell(1, clsSchedule::colSchedule), QStringLiteral("C"));
-    QCOMPARE(s.Cell(2, clsSchedule::colSchedule), QStringLiteral("Y"));
-    QCOMPARE(s.Cell(3, clsSchedule::colSchedule), QStringLiteral("C"));
+    QCOMPARE(s.Cell(1, clsSchedule::colSchedule), u"C"_s);
+    QCOMPARE(s.Cell(2, clsSchedule::colSchedule), u"Y"_s);
+    QCOMPARE(s.Cell(3, clsSchedule::colSchedule), u"C"_s);
 
     s.CollectionSwap(0, 1);
     s.SetCollectionPosition(0);
@@ -669,7 +650,7 @@ void TestSchedule::collections()
     s.Delete(m2);
     s.SetCollectionPosition(0);
     QCOMPARE(s.CollectionItem(), m2);
-    QCOMPARE(s.CollectionReport(), QStringLiteral("Missing"));
+    QCOMPARE(s.CollectionReport(), u"Missing"_s);
     // An empty member finds the blank row past Count: empty name and file.
     s.SetCollectionItem(QString());
     QCOMPARE(s.CollectionReport(), QString());
@@ -678,13 +659,13 @@ void TestSchedule::collections()
 
 void TestSchedule::domains()
 {
-    clsSchedule s(QStringLiteral("/app"));
+    clsSchedule s(u"/app"_s);
     for (int d = 0; d < 10; ++d)
         QCOMPARE(s.Domain(d), QString());
-    s.SaveDomain(0, QStringLiteral("example.com"));
-    s.SaveDomain(9, QStringLiteral("example.org"));
-    QCOMPARE(s.Domain(0), QStringLiteral("example.com"));
-    QCOMPARE(s.Domain(9), QStringLiteral("example.org"));
+    s.SaveDomain(0, u"example.com"_s);
+    s.SaveDomain(9, u"example.org"_s);
+    QCOMPARE(s.Domain(0), u"example.com"_s);
+    QCOMPARE(s.Domain(9), u"example.org"_s);
     QCOMPARE(ErrorOf([&] { s.Domain(10); }), 9);
     QCOMPARE(ErrorOf([&] { s.SaveDomain(-1, QString()); }), 9);
 }

@@ -1,4 +1,5 @@
 // Schedule backups, their purge, the start and stop timers and the backup and timer dialogs' logic.
+#include "Files.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 #include "core/DayDate.h"
@@ -12,42 +13,17 @@
 
 #include <unistd.h>
 
+using namespace Qt::Literals::StringLiterals;
+
+using namespace TestSupport;
+
 namespace {
 
 const QDateTime kNow(QDate(2026, 3, 14), QTime(10, 30));
 
-double D(int year, int month, int day, int hour = 0, int minute = 0)
-{
-    return DayDate::FromParts(year, month, day, hour, minute);
-}
-
-int ErrorOf(const std::function<void()> &action)
-{
-    try {
-        action();
-    } catch (const QorloError &e) {
-        return e.number();
-    }
-    return 0;
-}
-
-QByteArray ReadAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 void Touch(const QString &path)
 {
-    QFile file(path);
-    QVERIFY2(file.open(QIODevice::WriteOnly), qPrintable(path));
-}
-
-QStringList Names(const QString &folder)
-{
-    QStringList names = QDir(folder).entryList(QDir::Files);
-    names.sort();
-    return names;
+    WriteFile(path, QByteArray());
 }
 
 } // namespace
@@ -77,12 +53,12 @@ private:
 void TestScheduleBackup::backupStep()
 {
     QTemporaryDir app;
-    QVERIFY(QDir(app.path()).mkdir(QStringLiteral("Backup")));
-    Touch(app.filePath(QStringLiteral("Backup/Qorlo20260201.xml")));
+    QVERIFY(QDir(app.path()).mkdir(u"Backup"_s));
+    Touch(app.filePath(u"Backup/Qorlo20260201.xml"_s));
     clsSchedule schedule(app.path()); // BackupDate starts a day ago: due at once
     schedule.AddNew();
-    schedule.SetName(QStringLiteral("Sales"));
-    const QString backup = app.filePath(QStringLiteral("Backup/Qorlo20260314.xml"));
+    schedule.SetName(u"Sales"_s);
+    const QString backup = app.filePath(u"Backup/Qorlo20260314.xml"_s);
     int pages = 0;
     QVERIFY(BackupIfDue(schedule, [&] {
         // The page follows the new BackupDate and comes before the schedule file.
@@ -91,26 +67,26 @@ void TestScheduleBackup::backupStep()
         ++pages;
     }));
     QCOMPARE(pages, 1);
-    QCOMPARE(schedule.BackupPrevious, QStringLiteral("14-Mar-2026 10:30"));
+    QCOMPARE(schedule.BackupPrevious, u"14-Mar-2026 10:30"_s);
     QCOMPARE(schedule.BackupPreviousFile, backup);
     // The copy holds the values from before the step.
-    QVERIFY(ReadAll(backup).contains("<BackupDate>13-Mar-2026 10:30</BackupDate>\r\n<BackupFrequency>Daily"
-                                     "</BackupFrequency>\r\n<BackupPrevious></BackupPrevious>"));
-    QVERIFY(ReadAll(schedule.FileName).contains("<BackupDate>15-Mar-2026 10:30</BackupDate>"));
+    QVERIFY(ReadFile(backup).contains("<BackupDate>13-Mar-2026 10:30</BackupDate>\r\n<BackupFrequency>Daily"
+                                      "</BackupFrequency>\r\n<BackupPrevious></BackupPrevious>"));
+    QVERIFY(ReadFile(schedule.FileName).contains("<BackupDate>15-Mar-2026 10:30</BackupDate>"));
     QVERIFY(!BackupIfDue(schedule, {}));
 
     // Later the same day the one file is replaced; the old backup has been purged.
     m_clock.set(kNow.addSecs(3600));
     schedule.BackupDate = Now();
-    schedule.BackupFrequency = QStringLiteral("Never"); // still a backup, then 30 days
-    schedule.SetName(QStringLiteral("Revenue"));
+    schedule.BackupFrequency = u"Never"_s; // still a backup, then 30 days
+    schedule.SetName(u"Revenue"_s);
     QVERIFY(BackupIfDue(schedule, {}));
     QCOMPARE(schedule.BackupDate, D(2026, 4, 13, 11, 30));
-    QCOMPARE(Names(app.filePath(QStringLiteral("Backup"))), QStringList{QStringLiteral("Qorlo20260314.xml")});
-    QVERIFY(ReadAll(backup).contains("Revenue"));
+    QCOMPARE(FileNames(app.filePath(u"Backup"_s)), QStringList{u"Qorlo20260314.xml"_s});
+    QVERIFY(ReadFile(backup).contains("Revenue"));
 
     // Without a Backup folder the copy fails silently and BackupDate moves on all the same.
-    QVERIFY(QDir(app.filePath(QStringLiteral("Backup"))).removeRecursively());
+    QVERIFY(QDir(app.filePath(u"Backup"_s)).removeRecursively());
     schedule.BackupDate = Now();
     QVERIFY(BackupIfDue(schedule, {}));
     QCOMPARE(schedule.BackupDate, D(2026, 4, 13, 11, 30));
@@ -144,27 +120,25 @@ void TestScheduleBackup::purge()
         QCOMPARE(date(today), D(2026, 3, 14));
 
     QTemporaryDir folder;
-    const QString pattern = folder.path() + QStringLiteral("/Qorlo*.xml");
+    const QString pattern = folder.path() + u"/Qorlo*.xml"_s;
     // Kept: no match, the year before last, exactly 30 days old, no month 15, not 17 characters.
-    QStringList kept{QStringLiteral("Other20250101.xml"), QStringLiteral("Qorlo20240101.xml"),
-                     QStringLiteral("Qorlo20250101.txt"), QStringLiteral("Qorlo20260212.xml"),
-                     QStringLiteral("Qorlo20261501.xml"), QStringLiteral("Qorlo2025.xml")};
+    QStringList kept{u"Other20250101.xml"_s, u"Qorlo20240101.xml"_s, u"Qorlo20250101.txt"_s,
+                     u"Qorlo20260212.xml"_s, u"Qorlo20261501.xml"_s, u"Qorlo2025.xml"_s};
     kept.sort();
-    for (const QString &name :
-         kept + QStringList{QStringLiteral("Qorlo20260211.xml"), QStringLiteral("Qorlo20250101.XML")})
+    for (const QString &name : kept + QStringList{u"Qorlo20260211.xml"_s, u"Qorlo20250101.XML"_s})
         Touch(folder.filePath(name));
     PurgeOldFiles(pattern);
-    QCOMPARE(Names(folder.path()), kept);
+    QCOMPARE(FileNames(folder.path()), kept);
 
     // 91 names a pass; the rest wait for the next one.
-    const QString many = folder.filePath(QStringLiteral("many"));
-    QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("many")));
+    const QString many = folder.filePath(u"many"_s);
+    QVERIFY(QDir(folder.path()).mkdir(u"many"_s));
     for (int day = 0; day < 100; ++day)
-        Touch(many + DayDate::ToDate(D(2025, 6, 1) + day).toString(QStringLiteral("'/Qorlo'yyyyMMdd'.xml'")));
-    PurgeOldFiles(many + QStringLiteral("/Qorlo*.xml"));
-    QCOMPARE(Names(many).size(), 9);
-    PurgeOldFiles(many + QStringLiteral("/Qorlo*.xml"));
-    QCOMPARE(Names(many).size(), 0);
+        Touch(many + DayDate::ToDate(D(2025, 6, 1) + day).toString(u"'/Qorlo'yyyyMMdd'.xml'"_s));
+    PurgeOldFiles(many + u"/Qorlo*.xml"_s);
+    QCOMPARE(FileNames(many).size(), 9);
+    PurgeOldFiles(many + u"/Qorlo*.xml"_s);
+    QCOMPARE(FileNames(many).size(), 0);
 }
 
 void TestScheduleBackup::purgeUndeletable()
@@ -172,8 +146,8 @@ void TestScheduleBackup::purgeUndeletable()
     if (geteuid() == 0)
         QSKIP("root deletes in a read-only folder too");
     QTemporaryDir folder;
-    const QString pattern = folder.path() + QStringLiteral("/Qorlo*.xml");
-    Touch(folder.filePath(QStringLiteral("Qorlo20250101.xml")));
+    const QString pattern = folder.path() + u"/Qorlo*.xml"_s;
+    Touch(folder.filePath(u"Qorlo20250101.xml"_s));
     QVERIFY(QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::ExeOwner));
     const int error = ErrorOf([&] { PurgeOldFiles(pattern); });
     QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
@@ -186,26 +160,26 @@ void TestScheduleBackup::timers()
     clsSchedule schedule(app.path());
     QCOMPARE(StartTimedt(schedule), Now() - 1);
     QCOMPARE(StopTimedt(schedule), Now() + 365);
-    schedule.StartTime = QStringLiteral("soon");
-    schedule.StopTime = QStringLiteral("31-Feb-2026 10:00");
+    schedule.StartTime = u"soon"_s;
+    schedule.StopTime = u"31-Feb-2026 10:00"_s;
     QCOMPARE(StartTimedt(schedule), Now() - 1);
     QCOMPARE(StopTimedt(schedule), Now() + 365);
 
-    schedule.StartTime = QStringLiteral("14-Mar-2026 10:35:00");
+    schedule.StartTime = u"14-Mar-2026 10:35:00"_s;
     QCOMPARE(ApplyStartTimer(schedule), TimerAction::Hold);
     QVERIFY(!schedule.Active);
     m_clock.set(kNow.addSecs(300));
     QCOMPARE(ApplyStartTimer(schedule), TimerAction::Started);
     QVERIFY(schedule.Active && schedule.StartTime.isEmpty());
-    QVERIFY(ReadAll(schedule.FileName).contains("<Schedule_State>Active</Schedule_State>"));
+    QVERIFY(ReadFile(schedule.FileName).contains("<Schedule_State>Active</Schedule_State>"));
     QCOMPARE(ApplyStartTimer(schedule), TimerAction::None);
 
     QCOMPARE(ApplyStopTimer(schedule), TimerAction::None); // no date: waits a year, text kept
-    QCOMPARE(schedule.StopTime, QStringLiteral("31-Feb-2026 10:00"));
-    schedule.StopTime = QStringLiteral("2026-03-14 10:35");
+    QCOMPARE(schedule.StopTime, u"31-Feb-2026 10:00"_s);
+    schedule.StopTime = u"2026-03-14 10:35"_s;
     QCOMPARE(ApplyStopTimer(schedule), TimerAction::Stopped);
     QVERIFY(!schedule.Active && schedule.StopTime.isEmpty());
-    QVERIFY(ReadAll(schedule.FileName).contains("<Schedule_State>Stopped</Schedule_State>"));
+    QVERIFY(ReadFile(schedule.FileName).contains("<Schedule_State>Stopped</Schedule_State>"));
 }
 
 void TestScheduleBackup::dialogs()
@@ -214,27 +188,28 @@ void TestScheduleBackup::dialogs()
     clsSchedule schedule(app.path());
     BackupSettings backup = LoadBackupSettings(schedule);
     QCOMPARE(backup.Next.Moment(), D(2026, 3, 13, 10, 30));
-    QCOMPARE(backup.PurgeDays, QStringLiteral("30"));
-    backup = {QStringLiteral("Weekly"), {D(2026, 3, 20), 23, 5}, {}, {}, QStringLiteral("x45")};
+    QCOMPARE(backup.PurgeDays, u"30"_s);
+    backup = {u"Weekly"_s, {D(2026, 3, 20), 23, 5}, {}, {}, u"x45"_s};
     QCOMPARE(ErrorOf([&] { SaveBackupSettings(schedule, backup); }), int(QorloError::TypeMismatch));
-    backup.PurgeDays = QStringLiteral("40000");
+    backup.PurgeDays = u"40000"_s;
     QCOMPARE(ErrorOf([&] { SaveBackupSettings(schedule, backup); }), int(QorloError::Overflow));
-    QCOMPARE(schedule.BackupFrequency, QStringLiteral("Daily"));
-    backup.PurgeDays = QStringLiteral("45");
+    QCOMPARE(schedule.BackupFrequency, u"Daily"_s);
+    backup.PurgeDays = u"45"_s;
     SaveBackupSettings(schedule, backup);
     QCOMPARE(schedule.BackupPurge, qint16(45));
-    QVERIFY(ReadAll(schedule.FileName)
+    QVERIFY(ReadFile(schedule.FileName)
                 .contains("<BackupDate>20-Mar-2026 23:05</BackupDate>\r\n"
                           "<BackupFrequency>Weekly</BackupFrequency>"));
 
-    schedule.StopTime = QStringLiteral("no date");
+    schedule.StopTime = u"no date"_s;
     QVERIFY(!LoadStartTimer(schedule).Set);
     QCOMPARE(LoadStartTimer(schedule).At.Moment(), D(2026, 3, 14, 10, 30));
     QVERIFY(LoadStopTimer(schedule).Set);
     QCOMPARE(LoadStopTimer(schedule).At.Moment(), D(2027, 3, 14, 10, 30));
     bool savedFirst = false;
-    SaveTimers(schedule, {true, {D(2026, 3, 15), 9, 5}}, {},
-               [&] { savedFirst = ReadAll(schedule.FileName).contains("<StartTime>15-Mar-2026 09:05:00<"); });
+    SaveTimers(schedule, {true, {D(2026, 3, 15), 9, 5}}, {}, [&] {
+        savedFirst = ReadFile(schedule.FileName).contains("<StartTime>15-Mar-2026 09:05:00<");
+    });
     QVERIFY(savedFirst);
     QVERIFY(schedule.StopTime.isEmpty());
     QCOMPARE(StartTimedt(schedule), D(2026, 3, 15, 9, 5));

@@ -1,8 +1,11 @@
 #include "store/clsViewer.h"
+#include "Files.h"
 #include "TestMain.h"
 
 #include <QFile>
 #include <QTemporaryDir>
+
+using namespace Qt::Literals::StringLiterals;
 
 class TestViewer : public QObject
 {
@@ -13,22 +16,7 @@ private Q_SLOTS:
     void damagedFile();
 };
 
-namespace {
-
-QByteArray ReadAll(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void WriteFile(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-}
-
-} // namespace
+using namespace TestSupport;
 
 void TestViewer::defaults()
 {
@@ -40,16 +28,16 @@ void TestViewer::defaults()
     QCOMPARE(viewer.Viewer_Height, 2520);
     QCOMPARE(viewer.Viewer_Col, 3000);
     QCOMPARE(viewer.Viewer_ColDate, 0);
-    QCOMPARE(viewer.Viewer_State, QStringLiteral("Normal"));
-    QCOMPARE(viewer.Viewer_Option, QStringLiteral("Folder"));
-    QCOMPARE(viewer.InstanceFolder, app.filePath(QStringLiteral("Instance")));
+    QCOMPARE(viewer.Viewer_State, u"Normal"_s);
+    QCOMPARE(viewer.Viewer_Option, u"Folder"_s);
+    QCOMPARE(viewer.InstanceFolder, app.filePath(u"Instance"_s));
     QCOMPARE(viewer.SortCol, QString());
 
     viewer.Viewer_Top = 1;
-    viewer.Viewer_State = QStringLiteral("Max");
+    viewer.Viewer_State = u"Max"_s;
     viewer.ApplyStartDefaults();
     QCOMPARE(viewer.Viewer_Top, 840);
-    QCOMPARE(viewer.Viewer_State, QStringLiteral("Normal"));
+    QCOMPARE(viewer.Viewer_State, u"Normal"_s);
     QCOMPARE(viewer.Viewer_ColDate, 1980);
     QCOMPARE(viewer.Viewer_ColDesc, 3000);
     QCOMPARE(viewer.Viewer_ColFile, 3000);
@@ -57,7 +45,7 @@ void TestViewer::defaults()
     QCOMPARE(viewer.Viewer_ColRun, 1980);
 
     // A missing file leaves every value.
-    viewer.Load(app.filePath(QStringLiteral("Form.XML")));
+    viewer.Load(app.filePath(u"Form.XML"_s));
     QCOMPARE(viewer.Viewer_ColRun, 1980);
 }
 
@@ -68,13 +56,13 @@ void TestViewer::roundTrip()
     viewer.ApplyStartDefaults();
     viewer.Viewer_Top = -120;
     viewer.Viewer_Col3 = 45;
-    viewer.Viewer_State = QStringLiteral("Max");
-    viewer.SortCol = QStringLiteral("2");
-    viewer.InstanceFolder = QStringLiteral("/srv/qorlo/inst \u00e9");
-    viewer.Connection_File = app.filePath(QStringLiteral("Connect.XML"));
+    viewer.Viewer_State = u"Max"_s;
+    viewer.SortCol = u"2"_s;
+    viewer.InstanceFolder = u"/srv/qorlo/inst \u00e9"_s;
+    viewer.Connection_File = app.filePath(u"Connect.XML"_s);
     viewer.Save();
-    const QString path = app.filePath(QStringLiteral("Form.XML"));
-    const QByteArray first = ReadAll(path);
+    const QString path = app.filePath(u"Form.XML"_s);
+    const QByteArray first = ReadFile(path);
     QVERIFY(first.contains(
         "<ViewerSettings>\r\n<Viewer-State>Max</Viewer-State>\r\n<Viewer-Option>Folder</Viewer-Option>\r\n"
         "<Viewer-Top>-120</Viewer-Top>\r\n<Viewer-Left>3210</Viewer-Left>\r\n"));
@@ -86,22 +74,22 @@ void TestViewer::roundTrip()
     QCOMPARE(fresh.Viewer_Top, -120);
     QCOMPARE(fresh.Viewer_Col3, 45);
     QCOMPARE(fresh.Viewer_ColDate, 1980);
-    QCOMPARE(fresh.Viewer_State, QStringLiteral("Max"));
-    QCOMPARE(fresh.InstanceFolder, QStringLiteral("/srv/qorlo/inst \u00e9"));
+    QCOMPARE(fresh.Viewer_State, u"Max"_s);
+    QCOMPARE(fresh.InstanceFolder, u"/srv/qorlo/inst \u00e9"_s);
     QCOMPARE(fresh.Connection_File, QString()); // written for other programs only
     fresh.Connection_File = viewer.Connection_File;
     fresh.Save();
-    QCOMPARE(ReadAll(path), first);
+    QCOMPARE(ReadFile(path), first);
 
     fresh.Connection_File.clear();
     fresh.Save();
-    QVERIFY(!ReadAll(path).contains("Connection_File"));
+    QVERIFY(!ReadFile(path).contains("Connection_File"));
 }
 
 void TestViewer::damagedFile()
 {
     QTemporaryDir app;
-    const QString path = app.filePath(QStringLiteral("Form.XML"));
+    const QString path = app.filePath(u"Form.XML"_s);
     WriteFile(path, "<!-- <Viewer-Top>1</Viewer-Top> -->\r\n"
                     "  <Viewer-Left>7</Viewer-Left>\r\n" // leading blanks: not matched
                     "<viewer-width>9</viewer-width>\r\n" // case matters
@@ -123,8 +111,8 @@ void TestViewer::damagedFile()
     QCOMPARE(viewer.Viewer_Col1, 12); // halves go to the even neighbour
     QCOMPARE(viewer.Viewer_Col2, 33);
     QCOMPARE(viewer.Viewer_Col4, 0);
-    QCOMPARE(viewer.SortCol, QStringLiteral("3"));
-    QCOMPARE(viewer.Viewer_State, QStringLiteral("Fu"));
+    QCOMPARE(viewer.SortCol, u"3"_s);
+    QCOMPARE(viewer.Viewer_State, u"Fu"_s);
 }
 
 QORLO_TEST_MAIN(TestViewer)

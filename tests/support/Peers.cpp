@@ -1,11 +1,11 @@
 #include "Peers.h"
 
 #include <QDeadlineTimer>
-#include <QFileInfo>
 #include <QStandardPaths>
 #include <QTcpServer>
-#include <QThread>
 #include <QUdpSocket>
+
+using namespace Qt::Literals::StringLiterals;
 
 namespace TestSupport {
 
@@ -30,7 +30,7 @@ quint16 FreeUdpPort()
 
 QString DebianPython()
 {
-    return QStringLiteral("/usr/bin/python3");
+    return u"/usr/bin/python3"_s;
 }
 
 QString PeerScript(const QString &name)
@@ -42,8 +42,7 @@ QString FindProgram(const QString &name, const QStringList &extraFolders)
 {
     QString path = QStandardPaths::findExecutable(name);
     if (path.isEmpty())
-        path = QStandardPaths::findExecutable(
-            name, extraFolders + QStringList{QStringLiteral("/usr/sbin"), QStringLiteral("/sbin")});
+        path = QStandardPaths::findExecutable(name, extraFolders + QStringList{u"/usr/sbin"_s, u"/sbin"_s});
     return path;
 }
 
@@ -59,9 +58,10 @@ bool PeerProcess::start(const QString &program, const QStringList &arguments, co
     m_process->setProcessChannelMode(QProcess::SeparateChannels);
     if (!environment.isEmpty())
         m_process->setProcessEnvironment(environment);
+    m_timedOut = false;
     m_process->start(program, arguments);
     if (!m_process->waitForStarted(timeoutMs)) {
-        m_error = program + QStringLiteral(": ") + m_process->errorString();
+        m_error = program + u": "_s + m_process->errorString();
         return false;
     }
     if (readyLine.isEmpty())
@@ -76,7 +76,8 @@ bool PeerProcess::start(const QString &program, const QStringList &arguments, co
         if (m_process->state() == QProcess::NotRunning)
             break;
     }
-    m_error = program + QStringLiteral(" did not become ready: ") +
+    m_timedOut = m_process->state() != QProcess::NotRunning;
+    m_error = program + u" did not become ready: "_s +
               QString::fromLocal8Bit(seen + m_process->readAllStandardError());
     return false;
 }
@@ -95,6 +96,28 @@ void PeerProcess::stop()
 QByteArray PeerProcess::output() const
 {
     return m_process ? m_process->readAllStandardOutput() : QByteArray();
+}
+
+bool StartPop3Peer(PeerProcess &peer, const QString &folder, quint16 port, const QString &user,
+                   const QString &password)
+{
+    return peer.start(DebianPython(),
+                      {PeerScript(u"pop3_server.py"_s), folder, QString::number(port), user, password},
+                      u"READY"_s);
+}
+
+bool StartDnsPeer(PeerProcess &peer, quint16 port, const QStringList &records)
+{
+    const QStringList arguments = QStringList{u"--no-daemon"_s,         u"--conf-file=/dev/null"_s,
+                                              u"--port=%1"_s.arg(port), u"--listen-address=127.0.0.1"_s,
+                                              u"--bind-interfaces"_s,   u"--no-resolv"_s,
+                                              u"--no-hosts"_s,          u"--pid-file="_s} +
+                                  records;
+    // dnsmasq logs to standard error; the shell hands that to the ready check.
+    return peer.start(u"/bin/sh"_s,
+                      QStringList{u"-c"_s, u"exec \"$0\" \"$@\" 2>&1"_s, FindProgram(u"dnsmasq"_s)} +
+                          arguments,
+                      u"started"_s);
 }
 
 } // namespace TestSupport

@@ -36,15 +36,35 @@ public:
                int timeoutMs = 15000, const QProcessEnvironment &environment = {});
     void stop();
     QString error() const { return m_error; }
+    // Whether the last start ran out of time with the program still running: a failure, not a
+    // missing peer.
+    bool timedOut() const { return m_timedOut; }
     QByteArray output() const;
     QProcess *process() { return m_process.get(); }
 
 private:
     std::unique_ptr<QProcess> m_process;
     QString m_error;
+    bool m_timedOut = false;
 };
 
+// dovecot serving POP3 on `port` for one user, its state below `folder` (tests/peers/pop3_server.py).
+bool StartPop3Peer(PeerProcess &peer, const QString &folder, quint16 port, const QString &user,
+                   const QString &password);
+// dnsmasq answering on UDP `port` of 127.0.0.1 with its records given as options ("--mx-host=...").
+bool StartDnsPeer(PeerProcess &peer, quint16 port, const QStringList &records);
+
 } // namespace TestSupport
+
+// Starts a peer through `start` (a call that returns false when it fails): a peer that cannot run skips
+// the test, except under CI, where that is a failure; one that runs but is not ready in time fails it.
+#define QORLO_START_PEER(start, peer)                                                                        \
+    do {                                                                                                     \
+        if (!(start)) {                                                                                      \
+            QVERIFY2(!(peer).timedOut(), qPrintable((peer).error()));                                        \
+            QORLO_REQUIRE_PEER(false, (peer).error());                                                       \
+        }                                                                                                    \
+    } while (false)
 
 // Skips the test when a peer is missing, except under CI, where that is a failure.
 #define QORLO_REQUIRE_PEER(condition, what)                                                                  \

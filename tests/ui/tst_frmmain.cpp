@@ -1,6 +1,7 @@
-#include "ScriptedPrompter.h"
+#include "Files.h"
 #include "TestClocks.h"
-#include "UiTestMain.h"
+#include "TestMain.h"
+#include "WindowFixture.h"
 
 #include "core/AppFolder.h"
 #include "core/DayDate.h"
@@ -18,15 +19,18 @@
 #include <QTableWidget>
 #include <QTemporaryDir>
 
+using namespace Qt::Literals::StringLiterals;
+
+using namespace TestSupport;
+
 namespace {
 
 // An application folder with its global objects, the dispatcher and the main window over them.
-struct MainFixture
+struct MainFixture : GlobalsFixture
 {
     MainFixture() { globals.Viewer.ApplyStartDefaults(); }
 
-    QString path(const QString &name) const { return dir.filePath(name); }
-    QTableWidget *grid() { return window.findChild<QTableWidget *>(QStringLiteral("fgView")); }
+    QTableWidget *grid() { return Child<QTableWidget>(&window, "fgView"); }
     QString text(int tableRow, int column) { return grid()->item(tableRow, column)->text(); }
     QColor background(int tableRow, int column)
     {
@@ -46,19 +50,15 @@ struct MainFixture
             column.append(window.RowReportID(row));
         return column;
     }
-    QAction *menu(const char *name) { return window.findChild<QAction *>(QLatin1String(name)); }
+    QAction *menu(const char *name) { return Child<QAction>(&window, name); }
     void trigger(const char *name) { menu(name)->trigger(); }
     clsViewer savedViewer() const
     {
         clsViewer viewer(dir.path());
-        viewer.Load(path(QStringLiteral("Form.XML")));
+        viewer.Load(path(u"Form.XML"_s));
         return viewer;
     }
 
-    QTemporaryDir dir;
-    ScriptedPrompter prompter;
-    QorloGlobals globals{dir.path(), prompter};
-    clsSchedule &schedule = globals.Schedule;
     Dispatcher dispatcher{globals};
     frmMain window{globals, dispatcher};
 };
@@ -69,21 +69,12 @@ void AddItem(clsSchedule &schedule, const QString &name, const QString &file, co
     schedule.SetName(name);
     schedule.SetFile(file);
     schedule.SetNextRun(nextRun);
-    schedule.SetSchedule(QStringLiteral("Y"));
-    schedule.SetFrequency(QStringLiteral("D"));
-    schedule.SetFreqTimes(QStringLiteral("1"));
+    schedule.SetSchedule(u"Y"_s);
+    schedule.SetFrequency(u"D"_s);
+    schedule.SetFreqTimes(u"1"_s);
 }
 
-QString WriteScript(const QString &path)
-{
-    QFile script(path);
-    script.open(QIODevice::WriteOnly);
-    script.write("#!/bin/sh\nexit 0\n");
-    script.setPermissions(script.permissions() | QFileDevice::ExeOwner);
-    return path;
-}
-
-const QString kCaption = QStringLiteral("QorloMANAGER - File and Report Manager ");
+const QString kCaption = u"QorloMANAGER - File and Report Manager "_s;
 
 } // namespace
 
@@ -108,33 +99,28 @@ void TestFrmMain::gridShowsTheSchedule()
     const ClockGuard guard(clock);
     MainFixture f;
     clsSchedule &s = f.schedule;
-    AddItem(s, QStringLiteral("Sales"), f.path(QStringLiteral("sales.rpt")),
-            QStringLiteral("03-Mar-2026 06:00"));
-    s.SetDest(QStringLiteral("E"));
-    s.SetEmail(QStringLiteral("boss@example.com"));
-    s.SetLastRun(QStringLiteral("01-Mar-2026 06:00"));
-    AddItem(s, QString(), QStringLiteral("/reports/stock.rpt"), QString());
-    AddItem(s, QStringLiteral("Print"), QStringLiteral("/reports/print.rpt"),
-            QStringLiteral("04-Mar-2026 07:30"));
-    s.SetDest(QStringLiteral("P"));
-    s.SetPrinter(QStringLiteral("Office"));
+    AddItem(s, u"Sales"_s, f.path(u"sales.rpt"_s), u"03-Mar-2026 06:00"_s);
+    s.SetDest(u"E"_s);
+    s.SetEmail(u"boss@example.com"_s);
+    s.SetLastRun(u"01-Mar-2026 06:00"_s);
+    AddItem(s, QString(), u"/reports/stock.rpt"_s, QString());
+    AddItem(s, u"Print"_s, u"/reports/print.rpt"_s, u"04-Mar-2026 07:30"_s);
+    s.SetDest(u"P"_s);
+    s.SetPrinter(u"Office"_s);
     f.globals.Viewer.Viewer_ColDesc = 4500;
 
     f.globals.ViewTable();
     f.window.ApplyViewerSettings();
     QTableWidget *grid = f.grid();
-    QCOMPARE(grid->horizontalHeaderItem(5)->text(), QStringLiteral("Previous Run"));
+    QCOMPARE(grid->horizontalHeaderItem(5)->text(), u"Previous Run"_s);
     QCOMPARE(grid->columnWidth(0), 40);
     QCOMPARE(grid->columnWidth(2), 300);
     QCOMPARE(f.window.Rows(), 4);
-    QCOMPARE(f.rowTexts(0),
-             (QStringList{QStringLiteral("1"), QStringLiteral("03-Mar-2026 06:00"), QStringLiteral("Sales"),
-                          f.path(QStringLiteral("sales.rpt")), QStringLiteral("boss@example.com"),
-                          QStringLiteral("01-Mar-2026 06:00")}));
+    QCOMPARE(f.rowTexts(0), (QStringList{u"1"_s, u"03-Mar-2026 06:00"_s, u"Sales"_s, f.path(u"sales.rpt"_s),
+                                         u"boss@example.com"_s, u"01-Mar-2026 06:00"_s}));
     // An empty name shows the file's base name, a disk item its output location.
-    QCOMPARE(f.rowTexts(1), (QStringList{QStringLiteral("2"), QString(), QStringLiteral("stock"),
-                                         QStringLiteral("/reports/stock.rpt"),
-                                         f.path(QStringLiteral("Output/stock.rpt")), QString()}));
+    QCOMPARE(f.rowTexts(1), (QStringList{u"2"_s, QString(), u"stock"_s, u"/reports/stock.rpt"_s,
+                                         f.path(u"Output/stock.rpt"_s), QString()}));
     QCOMPARE(f.globals.NextRunDate, DayDate::FromParts(2026, 3, 3, 6, 0));
     QCOMPARE(s.SortIndexCount(), 3);
     QVERIFY(f.prompter.take().isEmpty());
@@ -143,11 +129,11 @@ void TestFrmMain::gridShowsTheSchedule()
     f.window.SetSchedule(ScheduleView::RunningColour, 2);
     QCOMPARE(f.background(1, 1), QColor(Qt::red));
     QVERIFY(f.background(1, 0) != QColor(Qt::red));
-    s.Find(QStringLiteral("2"));
-    s.SetName(QStringLiteral("Stock list"));
-    s.SetNextRun(QStringLiteral("02-Mar-2026 10:00"));
+    s.Find(u"2"_s);
+    s.SetName(u"Stock list"_s);
+    s.SetNextRun(u"02-Mar-2026 10:00"_s);
     f.globals.RefreshRow(2);
-    QCOMPARE(f.text(1, 2), QStringLiteral("Stock list"));
+    QCOMPARE(f.text(1, 2), u"Stock list"_s);
     QCOMPARE(f.background(1, 2), QColor(Qt::red));
     QCOMPARE(f.globals.NextRunDate, DayDate::FromParts(2026, 3, 2, 10, 0));
     f.window.SetSchedule(ScheduleView::NormalColour, 2);
@@ -166,7 +152,7 @@ void TestFrmMain::gridShowsTheSchedule()
     s.Clear();
     f.globals.ViewTable();
     QCOMPARE(grid->rowCount(), 0);
-    QCOMPARE(f.prompter.take(), QStringList{QStringLiteral("QorloMANAGER: No Data in Schedule")});
+    QCOMPARE(f.prompter.take(), QStringList{u"QorloMANAGER: No Data in Schedule"_s});
     QCOMPARE(f.globals.NextRunDate, Now());
 }
 
@@ -176,13 +162,13 @@ void TestFrmMain::sortOrdersTheGridOnly()
     const ClockGuard guard(clock);
     MainFixture f;
     clsSchedule &s = f.schedule;
-    AddItem(s, QStringLiteral("beta"), QStringLiteral("/r/b.rpt"), QStringLiteral("05-Mar-2026 08:00"));
-    s.SetReportID(QStringLiteral("10"));
-    AddItem(s, QStringLiteral("Alpha"), QStringLiteral("/r/a.rpt"), QString());
-    s.SetReportID(QStringLiteral("9"));
-    AddItem(s, QStringLiteral("alpha"), QStringLiteral("/r/c.rpt"), QStringLiteral("01-Mar-2026 07:00"));
-    s.SetReportID(QStringLiteral("100"));
-    f.globals.Viewer.SortCol = QStringLiteral("1");
+    AddItem(s, u"beta"_s, u"/r/b.rpt"_s, u"05-Mar-2026 08:00"_s);
+    s.SetReportID(u"10"_s);
+    AddItem(s, u"Alpha"_s, u"/r/a.rpt"_s, QString());
+    s.SetReportID(u"9"_s);
+    AddItem(s, u"alpha"_s, u"/r/c.rpt"_s, u"01-Mar-2026 07:00"_s);
+    s.SetReportID(u"100"_s);
+    f.globals.Viewer.SortCol = u"1"_s;
     f.globals.ViewTable();
     const auto sortIndex = [&s] {
         QStringList index;
@@ -194,26 +180,25 @@ void TestFrmMain::sortOrdersTheGridOnly()
     // The sort column of Form.XML applies at load; an empty Next Run sorts as today.
     f.window.ApplyViewerSettings();
     QCOMPARE(f.window.SortColumn(), 1);
-    QCOMPARE(f.ids(), (QStringList{QStringLiteral("100"), QStringLiteral("9"), QStringLiteral("10")}));
+    QCOMPARE(f.ids(), (QStringList{u"100"_s, u"9"_s, u"10"_s}));
     QCOMPARE(sortIndex(), f.ids());
 
     f.trigger("mnuSortOrig");
-    QCOMPARE(f.ids(), (QStringList{QStringLiteral("9"), QStringLiteral("10"), QStringLiteral("100")}));
+    QCOMPARE(f.ids(), (QStringList{u"9"_s, u"10"_s, u"100"_s}));
     f.trigger("mnuSortDesc");
     QCOMPARE(f.window.SortColumn(), 2);
-    QCOMPARE(f.ids(), (QStringList{QStringLiteral("9"), QStringLiteral("100"), QStringLiteral("10")}));
+    QCOMPARE(f.ids(), (QStringList{u"9"_s, u"100"_s, u"10"_s}));
     QCOMPARE(sortIndex(), f.ids());
     // Every cell moves with its row.
-    QCOMPARE(f.rowTexts(2).mid(1, 3), (QStringList{QStringLiteral("05-Mar-2026 08:00"),
-                                                   QStringLiteral("beta"), QStringLiteral("/r/b.rpt")}));
+    QCOMPARE(f.rowTexts(2).mid(1, 3), (QStringList{u"05-Mar-2026 08:00"_s, u"beta"_s, u"/r/b.rpt"_s}));
 
     // The schedule keeps its order: a save writes the rows as they were.
     f.trigger("mnuSaveSchedule");
     clsSchedule saved(f.dir.path());
-    saved.Load(f.path(QStringLiteral("Qorlo.XML")));
+    saved.Load(f.path(u"Qorlo.XML"_s));
     QCOMPARE(saved.Count(), 3);
-    QCOMPARE(saved.Cell(0, clsSchedule::colReportID), QStringLiteral("10"));
-    QCOMPARE(saved.Cell(2, clsSchedule::colReportID), QStringLiteral("100"));
+    QCOMPARE(saved.Cell(0, clsSchedule::colReportID), u"10"_s);
+    QCOMPARE(saved.Cell(2, clsSchedule::colReportID), u"100"_s);
 }
 
 void TestFrmMain::startStopRunNowAndTick()
@@ -223,21 +208,21 @@ void TestFrmMain::startStopRunNowAndTick()
     MainFixture f;
     AppFolder::MakeWorkingFolders(f.dir.path());
     clsSchedule &s = f.schedule;
-    const QString job = WriteScript(f.path(QStringLiteral("job.sh")));
-    AddItem(s, QStringLiteral("Overdue"), job, QStringLiteral("02-Mar-2026 08:00"));
-    AddItem(s, QStringLiteral("Later"), job, QStringLiteral("09-Mar-2026 08:00"));
+    const QString job = WriteScript(f.path(u"job.sh"_s), "exit 0");
+    AddItem(s, u"Overdue"_s, job, u"02-Mar-2026 08:00"_s);
+    AddItem(s, u"Later"_s, job, u"09-Mar-2026 08:00"_s);
     LoadMainWindow(f.globals);
     f.window.ApplyViewerSettings();
-    QCOMPARE(f.window.windowTitle(), kCaption + QStringLiteral("(stopped)"));
+    QCOMPARE(f.window.windowTitle(), kCaption + u"(stopped)"_s);
 
     f.trigger("mnuStartSchedule");
     QVERIFY(s.Active);
-    QCOMPARE(f.window.windowTitle(), kCaption + QStringLiteral("(active: 2)"));
+    QCOMPARE(f.window.windowTitle(), kCaption + u"(active: 2)"_s);
     QVERIFY(!f.menu("mnuStartSchedule")->isEnabled());
     QVERIFY(f.menu("mnuStopSchedule")->isEnabled());
     f.trigger("mnuStopSchedule");
     QVERIFY(!s.Active);
-    QCOMPARE(f.window.windowTitle(), kCaption + QStringLiteral("(stopped)"));
+    QCOMPARE(f.window.windowTitle(), kCaption + u"(stopped)"_s);
 
     // Run Now: nothing without a selection, nothing on No, the item on Yes with its NextRun kept.
     f.trigger("mnuRunNow");
@@ -245,31 +230,29 @@ void TestFrmMain::startStopRunNowAndTick()
     f.grid()->setCurrentCell(1, 0);
     f.prompter.setNextAnswers({false});
     f.trigger("mnuRunNow");
-    QCOMPARE(f.prompter.take(),
-             QStringList{QStringLiteral("Run Now: Confirm you want to run Schedule Item 2")});
+    QCOMPARE(f.prompter.take(), QStringList{u"Run Now: Confirm you want to run Schedule Item 2"_s});
     QCOMPARE(f.text(1, 5), QString());
     f.prompter.setNextAnswers({true});
     f.trigger("mnuRunNow");
     f.prompter.take();
-    QCOMPARE(f.text(1, 5), QStringLiteral("02-Mar-2026 09:00"));
-    QCOMPARE(f.text(1, 1), QStringLiteral("09-Mar-2026 08:00"));
-    s.ProcessingID = QStringLiteral("1");
+    QCOMPARE(f.text(1, 5), u"02-Mar-2026 09:00"_s);
+    QCOMPARE(f.text(1, 1), u"09-Mar-2026 08:00"_s);
+    s.ProcessingID = u"1"_s;
     f.trigger("mnuRunNow");
-    QCOMPARE(f.prompter.take(),
-             QStringList{QStringLiteral("Run Now: Please wait until report finished processing")});
+    QCOMPARE(f.prompter.take(), QStringList{u"Run Now: Please wait until report finished processing"_s});
     s.ProcessingID.clear();
 
     // A tick on a stopped schedule runs nothing; once started it runs the overdue item, shows its
     // next run and keeps the operator's selection.
     f.dispatcher.Tick();
-    QCOMPARE(f.text(0, 1), QStringLiteral("02-Mar-2026 08:00"));
+    QCOMPARE(f.text(0, 1), u"02-Mar-2026 08:00"_s);
     f.trigger("mnuStartSchedule");
     f.dispatcher.Tick();
-    QCOMPARE(f.text(0, 1), QStringLiteral("03-Mar-2026 08:00"));
-    QCOMPARE(f.text(0, 5), QStringLiteral("02-Mar-2026 09:00"));
+    QCOMPARE(f.text(0, 1), u"03-Mar-2026 08:00"_s);
+    QCOMPARE(f.text(0, 5), u"02-Mar-2026 09:00"_s);
     QCOMPARE(f.background(0, 2), QColor(Qt::white));
     QCOMPARE(f.window.SelectedRow(), 2);
-    QCOMPARE(f.window.windowTitle(), kCaption + QStringLiteral("(active: 2)"));
+    QCOMPARE(f.window.windowTitle(), kCaption + u"(active: 2)"_s);
     QCOMPARE(f.globals.NextRunDate, DayDate::FromParts(2026, 3, 3, 8, 0));
 
     // AutoRun flips with its check mark and goes to Qorlo.XML with the next save.
@@ -278,12 +261,12 @@ void TestFrmMain::startStopRunNowAndTick()
     QVERIFY(f.menu("mnuAutoRun")->isChecked());
     f.trigger("mnuSaveSchedule");
     clsSchedule saved(f.dir.path());
-    saved.Load(f.path(QStringLiteral("Qorlo.XML")));
+    saved.Load(f.path(u"Qorlo.XML"_s));
     QVERIFY(saved.AutoRun);
     QVERIFY(saved.Active);
-    saved.Find(QStringLiteral("2"));
-    QCOMPARE(saved.LastRun(), QStringLiteral("02-Mar-2026 09:00"));
-    QVERIFY(f.prompter.fatalErrors.isEmpty());
+    saved.Find(u"2"_s);
+    QCOMPARE(saved.LastRun(), u"02-Mar-2026 09:00"_s);
+    QVERIFY(f.prompter.fatal.isEmpty());
 }
 
 void TestFrmMain::windowStateGoesToFormXml()
@@ -295,9 +278,9 @@ void TestFrmMain::windowStateGoesToFormXml()
     viewer.Viewer_Width = 9000;
     viewer.Viewer_Height = 6000;
     viewer.Viewer_ColFile = 2250;
-    const QString form = f.path(QStringLiteral("Form.XML"));
+    const QString form = f.path(u"Form.XML"_s);
     f.globals.ViewTable();
-    QCOMPARE(f.prompter.take(), QStringList{QStringLiteral("QorloMANAGER: No Data in Schedule")});
+    QCOMPARE(f.prompter.take(), QStringList{u"QorloMANAGER: No Data in Schedule"_s});
     f.window.ApplyViewerSettings();
     QCOMPARE(f.window.size(), QSize(600, 400));
     QCOMPARE(f.window.pos(), QPoint(100, 80));
@@ -310,16 +293,16 @@ void TestFrmMain::windowStateGoesToFormXml()
     QTRY_VERIFY(QFile::exists(form));
     QCOMPARE(f.savedViewer().Viewer_Width, 11250);
     QCOMPARE(f.savedViewer().Viewer_ColFile, 2250);
-    QCOMPARE(f.savedViewer().Viewer_State, QStringLiteral("Normal"));
+    QCOMPARE(f.savedViewer().Viewer_State, u"Normal"_s);
 
     // Exit with another window open asks; Cancel keeps the program.
     QSignalSpy exits(&f.window, &frmMain::ExitRequested);
     f.trigger("mnuSMTPSettings");
-    auto *smtp = f.window.findChild<frmSMTP *>(QStringLiteral("frmSMTP"));
+    auto *smtp = f.window.findChild<frmSMTP *>(u"frmSMTP"_s);
     QVERIFY(smtp && smtp->isVisible());
     f.prompter.setNextAnswers({false});
     f.trigger("mnuExit");
-    QCOMPARE(f.prompter.take(), QStringList{QStringLiteral("Close Schedule: Confirm Close QorloMANAGER")});
+    QCOMPARE(f.prompter.take(), QStringList{u"Close Schedule: Confirm Close QorloMANAGER"_s});
     QCOMPARE(exits.count(), 0);
     smtp->close();
     f.grid()->setColumnWidth(3, 200);
@@ -330,15 +313,15 @@ void TestFrmMain::windowStateGoesToFormXml()
 
     // Saved maximised as "Max", which the load step does not maximise; "Full" it does.
     f.window.showMaximized();
-    QTRY_COMPARE(f.savedViewer().Viewer_State, QStringLiteral("Max"));
+    QTRY_COMPARE(f.savedViewer().Viewer_State, u"Max"_s);
     QCOMPARE(f.savedViewer().Viewer_Width, 11250);
     MainFixture again;
-    again.globals.Viewer.Viewer_State = QStringLiteral("Max");
-    again.globals.Viewer.SortCol = QStringLiteral("99999999");
+    again.globals.Viewer.Viewer_State = u"Max"_s;
+    again.globals.Viewer.SortCol = u"99999999"_s;
     again.window.ApplyViewerSettings();
     QCOMPARE(again.window.SortColumn(), 0);
     QVERIFY(!(again.window.windowState() & Qt::WindowMaximized));
-    again.globals.Viewer.Viewer_State = QStringLiteral("Full");
+    again.globals.Viewer.Viewer_State = u"Full"_s;
     again.window.ApplyViewerSettings();
     QVERIFY(again.window.windowState() & Qt::WindowMaximized);
 }
@@ -346,7 +329,7 @@ void TestFrmMain::windowStateGoesToFormXml()
 void TestFrmMain::closeDoorAndComingToTheFront()
 {
     MainFixture f;
-    AddItem(f.schedule, QStringLiteral("Job"), QStringLiteral("/r/job.rpt"), QString());
+    AddItem(f.schedule, u"Job"_s, u"/r/job.rpt"_s, QString());
     f.globals.ViewTable();
     f.window.ApplyViewerSettings();
     f.window.show();
@@ -355,7 +338,7 @@ void TestFrmMain::closeDoorAndComingToTheFront()
 
     // Back from another form, a schedule that an editor stopped runs again.
     f.trigger("mnuSMTPSettings");
-    auto *smtp = f.window.findChild<frmSMTP *>(QStringLiteral("frmSMTP"));
+    auto *smtp = f.window.findChild<frmSMTP *>(u"frmSMTP"_s);
     smtp->activateWindow();
     QTRY_COMPARE(QGuiApplication::focusWindow(), smtp->windowHandle());
     f.globals.ReactivateOnFocus = true;
@@ -363,7 +346,7 @@ void TestFrmMain::closeDoorAndComingToTheFront()
     f.window.activateWindow();
     QTRY_VERIFY(f.schedule.Active);
     QVERIFY(!f.globals.ReactivateOnFocus);
-    QCOMPARE(f.window.windowTitle(), kCaption + QStringLiteral("(active: 0)"));
+    QCOMPARE(f.window.windowTitle(), kCaption + u"(active: 0)"_s);
 
     // Cancel refuses the close, and the other windows are unloaded all the same.
     f.trigger("mnuSMTPSettings");
@@ -371,8 +354,7 @@ void TestFrmMain::closeDoorAndComingToTheFront()
     f.prompter.setNextAnswers({false});
     QVERIFY(!f.window.close());
     QCOMPARE(f.prompter.take(),
-             QStringList{
-                 QStringLiteral("Close Schedule: Confirm you want to close QorloMANAGER Report Scheduler?")});
+             QStringList{u"Close Schedule: Confirm you want to close QorloMANAGER Report Scheduler?"_s});
     QVERIFY(f.window.isVisible());
     QVERIFY(!smtp->isVisible());
     QVERIFY(f.window.close());
@@ -388,15 +370,13 @@ void TestFrmMain::startUpShowsTheWindowBeforeTheMailBox()
     MainFixture f;
     QStringList boxes;
     f.prompter.onRecord = [&] {
-        boxes.append(f.prompter.messages.last() +
-                     (f.window.isVisible() ? QStringLiteral(" (shown)") : QString()));
+        boxes.append(f.prompter.messages.last() + (f.window.isVisible() ? u" (shown)"_s : QString()));
     };
     SingleInstance instance;
-    QVERIFY(StartUp(f.globals, instance, f.dispatcher, f.path(QStringLiteral("qorlomanager"))));
+    QVERIFY(StartUp(f.globals, instance, f.dispatcher, f.path(u"qorlomanager"_s)));
     QCOMPARE(boxes.mid(boxes.size() - 2),
-             (QStringList{
-                 QStringLiteral("QorloMANAGER: No Data in Schedule"),
-                 QStringLiteral("SMTP Server settings: Please enter your mail connection details (shown)")}));
+             (QStringList{u"QorloMANAGER: No Data in Schedule"_s,
+                          u"SMTP Server settings: Please enter your mail connection details (shown)"_s}));
     const frmSMTP *settings = f.window.findChild<frmSMTP *>();
     QVERIFY(settings && settings->isVisible());
 }
@@ -409,37 +389,34 @@ void TestFrmMain::duplicateAndDelete()
     clsSchedule &s = f.schedule;
     f.trigger("mnuDuplicate");
     f.trigger("mnuDeleteReport");
-    QCOMPARE(f.prompter.take(),
-             (QStringList{QStringLiteral("Duplicate Schedule Item: No item in Schedule to Duplicate"),
-                          QStringLiteral("Delete Schedule Item: No Item in Schedule to Delete")}));
-    for (const QString &name : {QStringLiteral("Sales"), QStringLiteral("Stock"), QStringLiteral("Staff")})
-        AddItem(s, name, f.path(name + QStringLiteral(".rpt")), QStringLiteral("03-Mar-2026 06:00"));
+    QCOMPARE(f.prompter.take(), (QStringList{u"Duplicate Schedule Item: No item in Schedule to Duplicate"_s,
+                                             u"Delete Schedule Item: No Item in Schedule to Delete"_s}));
+    for (const QString &name : {u"Sales"_s, u"Stock"_s, u"Staff"_s})
+        AddItem(s, name, f.path(name + u".rpt"_s), u"03-Mar-2026 06:00"_s);
     s.ParmAddNew();
-    s.SetParmReportID(QStringLiteral("1"));
-    s.SetParmName(QStringLiteral("Region"));
-    s.SetParmValue(QStringLiteral("North"));
+    s.SetParmReportID(u"1"_s);
+    s.SetParmName(u"Region"_s);
+    s.SetParmValue(u"North"_s);
     f.globals.ViewTable();
     f.trigger("mnuDuplicate");
     QCOMPARE(f.prompter.take(),
-             QStringList{QStringLiteral("Duplicate Schedule Item: Please select an item from the list")});
+             QStringList{u"Duplicate Schedule Item: Please select an item from the list"_s});
 
     f.grid()->setCurrentCell(0, 1);
     f.trigger("mnuDuplicate");
-    QCOMPARE(f.ids(), (QStringList{QStringLiteral("1"), QStringLiteral("2"), QStringLiteral("3"),
-                                   QStringLiteral("4")}));
-    s.Find(QStringLiteral("4"));
-    QCOMPARE(s.Name(), QStringLiteral("Sales"));
-    QCOMPARE(s.ParmReportCount(QStringLiteral("4")), 1);
-    QVERIFY(QFile::exists(f.path(QStringLiteral("Qorlo.XML"))));
+    QCOMPARE(f.ids(), (QStringList{u"1"_s, u"2"_s, u"3"_s, u"4"_s}));
+    s.Find(u"4"_s);
+    QCOMPARE(s.Name(), u"Sales"_s);
+    QCOMPARE(s.ParmReportCount(u"4"_s), 1);
+    QVERIFY(QFile::exists(f.path(u"Qorlo.XML"_s)));
 
     f.grid()->setCurrentCell(1, 1);
     f.prompter.setNextAnswers({false, true});
     f.trigger("mnuDeleteReport");
     f.trigger("mnuDeleteReport");
-    QCOMPARE(f.prompter.take(),
-             (QStringList{QStringLiteral("Remove Item 2 from Schedule: Confirm Delete of Stock"),
-                          QStringLiteral("Remove Item 2 from Schedule: Confirm Delete of Stock")}));
-    QCOMPARE(f.ids(), (QStringList{QStringLiteral("1"), QStringLiteral("3"), QStringLiteral("4")}));
+    QCOMPARE(f.prompter.take(), (QStringList{u"Remove Item 2 from Schedule: Confirm Delete of Stock"_s,
+                                             u"Remove Item 2 from Schedule: Confirm Delete of Stock"_s}));
+    QCOMPARE(f.ids(), (QStringList{u"1"_s, u"3"_s, u"4"_s}));
 
     f.grid()->clearSelection();
     f.grid()->selectRow(0);
@@ -447,10 +424,10 @@ void TestFrmMain::duplicateAndDelete()
                                        QItemSelectionModel::Select | QItemSelectionModel::Rows);
     f.prompter.setNextAnswers({true});
     f.trigger("mnuDeleteReport");
-    QCOMPARE(f.prompter.take(), QStringList{QStringLiteral(
-                                    "Delete Schedule Items: Confirm Delete of 2 items from the schedule")});
-    QCOMPARE(f.ids(), QStringList{QStringLiteral("3")});
-    QCOMPARE(s.ParmReportCount(QStringLiteral("4")), 0);
+    QCOMPARE(f.prompter.take(),
+             QStringList{u"Delete Schedule Items: Confirm Delete of 2 items from the schedule"_s});
+    QCOMPARE(f.ids(), QStringList{u"3"_s});
+    QCOMPARE(s.ParmReportCount(u"4"_s), 0);
 }
 
 // A chosen file becomes an unscheduled weekly item, named after the file, and its folder is the next
@@ -458,35 +435,33 @@ void TestFrmMain::duplicateAndDelete()
 void TestFrmMain::insertFileAndFolder()
 {
     MainFixture f;
-    QDir(f.dir.path()).mkpath(QStringLiteral("reports"));
+    QDir(f.dir.path()).mkpath(u"reports"_s);
     for (const char *name : {"reports/a.rpt", "reports/b.RPT", "reports/notes.txt"}) {
         QFile file(f.path(QLatin1String(name)));
         QVERIFY(file.open(QIODevice::WriteOnly));
     }
-    f.prompter.setNextFileNames({f.path(QStringLiteral("reports/a.rpt")), f.path(QStringLiteral("tool.sh"))});
+    f.prompter.setNextFileNames({f.path(u"reports/a.rpt"_s), f.path(u"tool.sh"_s)});
     f.trigger("mnuNewReport");
     f.trigger("mnuNewReport");
     f.trigger("mnuNewReport");
-    QCOMPARE(f.prompter.take(),
-             (QStringList{QStringLiteral("Insert Item into Schedule: "),
-                          QStringLiteral("Insert Item into Schedule: ") + f.path(QStringLiteral("reports")),
-                          QStringLiteral("Insert Item into Schedule: ") + f.dir.path()}));
+    QCOMPARE(f.prompter.take(), (QStringList{u"Insert Item into Schedule: "_s,
+                                             u"Insert Item into Schedule: "_s + f.path(u"reports"_s),
+                                             u"Insert Item into Schedule: "_s + f.dir.path()}));
     clsSchedule &s = f.schedule;
     QCOMPARE(s.Count(), 2);
-    s.Find(QStringLiteral("1"));
-    QCOMPARE(
-        (QStringList{s.Name(), s.Schedule(), s.FreqTimes(), s.Frequency()}),
-        (QStringList{QStringLiteral("a"), QStringLiteral("N"), QStringLiteral("1"), QStringLiteral("W")}));
-    s.Find(QStringLiteral("2"));
-    QCOMPARE(s.Name(), QStringLiteral("tool (Application)"));
+    s.Find(u"1"_s);
+    QCOMPARE((QStringList{s.Name(), s.Schedule(), s.FreqTimes(), s.Frequency()}),
+             (QStringList{u"a"_s, u"N"_s, u"1"_s, u"W"_s}));
+    s.Find(u"2"_s);
+    QCOMPARE(s.Name(), u"tool (Application)"_s);
     QCOMPARE(f.window.SelectedRow(), 2);
-    QVERIFY(QFile::exists(f.path(QStringLiteral("Qorlo.XML"))));
+    QVERIFY(QFile::exists(f.path(u"Qorlo.XML"_s)));
 
-    f.prompter.setNextFileNames({f.path(QStringLiteral("reports"))});
+    f.prompter.setNextFileNames({f.path(u"reports"_s)});
     f.trigger("mnuNewFolder");
-    QCOMPARE(f.prompter.take(), QStringList{QStringLiteral("Insert Report Folder into Schedule: ")});
+    QCOMPARE(f.prompter.take(), QStringList{u"Insert Report Folder into Schedule: "_s});
     QCOMPARE(s.Count(), 4);
-    QCOMPARE(f.window.RowReportID(f.window.SelectedRow()), QStringLiteral("4"));
+    QCOMPARE(f.window.RowReportID(f.window.SelectedRow()), u"4"_s);
 }
 
 // The SMTP log shows as the program wrote it, in its code page; a missing log says so.
@@ -496,17 +471,13 @@ void TestFrmMain::smtpLogViewer()
     f.trigger("mnuViewSMTP");
     auto *viewer = f.window.findChild<frmTextView *>();
     QVERIFY(viewer && viewer->isVisible());
-    auto *text = viewer->findChild<QPlainTextEdit *>(QStringLiteral("txtView"));
-    QVERIFY(text->toPlainText().startsWith(QStringLiteral("Cannot read ")));
-    QFile log(f.path(QStringLiteral("SMTP.Log")));
-    QVERIFY(log.open(QIODevice::WriteOnly));
-    log.write("09:00   Caf\xe9 report message sent to boss@example.com\r\n");
-    log.close();
+    auto *text = viewer->findChild<QPlainTextEdit *>(u"txtView"_s);
+    QVERIFY(text->toPlainText().startsWith(u"Cannot read "_s));
+    WriteFile(f.path(u"SMTP.Log"_s), "09:00   Caf\xe9 report message sent to boss@example.com\r\n");
     f.trigger("mnuViewSMTP");
-    QCOMPARE(text->toPlainText(),
-             QStringLiteral("09:00   Caf\u00e9 report message sent to boss@example.com\n"));
+    QCOMPARE(text->toPlainText(), u"09:00   Caf\u00e9 report message sent to boss@example.com\n"_s);
     QVERIFY(text->isReadOnly());
 }
 
-QORLO_TEST_MAIN_WIDGETS(TestFrmMain)
+QORLO_TEST_MAIN(TestFrmMain)
 #include "tst_frmmain.moc"

@@ -1,6 +1,7 @@
-#include "ScriptedPrompter.h"
+#include "Files.h"
 #include "TestClocks.h"
-#include "UiTestMain.h"
+#include "TestMain.h"
+#include "WindowFixture.h"
 
 #include "core/AppFolder.h"
 #include "scheduler/Dispatcher.h"
@@ -20,9 +21,13 @@
 #include <QTableWidget>
 #include <QTemporaryDir>
 
+using namespace Qt::Literals::StringLiterals;
+
+using namespace TestSupport;
+
 namespace {
 
-struct EditorFixture
+struct EditorFixture : GlobalsFixture
 {
     EditorFixture() { globals.Viewer.ApplyStartDefaults(); }
 
@@ -31,34 +36,25 @@ struct EditorFixture
     {
         schedule.AddNew();
         schedule.SetName(name);
-        schedule.SetFile(dir.filePath(name + QStringLiteral(".rpt")));
-        schedule.SetSchedule(QStringLiteral("Y"));
-        schedule.SetNextRun(QStringLiteral("05-Mar-2026 07:30"));
-        schedule.SetFrequency(QStringLiteral("M"));
-        schedule.SetFreqTimes(QStringLiteral("2"));
-        schedule.SetDest(QStringLiteral("E"));
-        schedule.SetEmail(QStringLiteral("boss@example.com"));
+        schedule.SetFile(dir.filePath(name + u".rpt"_s));
+        schedule.SetSchedule(u"Y"_s);
+        schedule.SetNextRun(u"05-Mar-2026 07:30"_s);
+        schedule.SetFrequency(u"M"_s);
+        schedule.SetFreqTimes(u"2"_s);
+        schedule.SetDest(u"E"_s);
+        schedule.SetEmail(u"boss@example.com"_s);
         return schedule.ReportID();
     }
     // The item as the schedule file holds it.
     QString saved(const QString &id, int column)
     {
-        clsSchedule file(dir.path());
-        file.Load(dir.filePath(QStringLiteral("Qorlo.XML")));
-        file.Find(id);
-        return file.NoMatch() ? QStringLiteral("<missing>") : file.Field(column);
-    }
-    template <typename Widget> Widget *child(QWidget &window, const char *name)
-    {
-        return window.findChild<Widget *>(QLatin1String(name));
+        const auto file = GlobalsFixture::saved();
+        file->Find(id);
+        return file->NoMatch() ? u"<missing>"_s : file->Field(column);
     }
 
     FixedClock clock{QDateTime(QDate(2026, 3, 2), QTime(9, 0))};
     ClockGuard guard{clock};
-    QTemporaryDir dir;
-    ScriptedPrompter prompter;
-    QorloGlobals globals{dir.path(), prompter};
-    clsSchedule &schedule = globals.Schedule;
 };
 
 } // namespace
@@ -76,79 +72,79 @@ private Q_SLOTS:
 void TestFrmSchedule::fillsEditsAndSaves()
 {
     EditorFixture f;
-    const QString first = f.addReport(QStringLiteral("Weekly"));
-    f.schedule.SetFrequency(QStringLiteral("B"));
-    const QString id = f.addReport(QStringLiteral("Sales"));
+    const QString first = f.addReport(u"Weekly"_s);
+    f.schedule.SetFrequency(u"B"_s);
+    const QString id = f.addReport(u"Sales"_s);
     frmSchedule editor(f.globals);
     editor.ShowSchedule();
-    QCOMPARE(editor.windowTitle(), QStringLiteral("Edit schedule for Item ") + id);
-    QCOMPARE(f.child<QComboBox>(editor, "cmbWhen")->currentText(), QStringLiteral("Month(s)"));
-    QCOMPARE(f.child<QComboBox>(editor, "cmbDest")->currentText(), QStringLiteral("Email"));
-    QCOMPARE(f.child<QDateEdit>(editor, "dtDay")->date(), QDate(2026, 3, 5));
-    QCOMPARE(f.child<QComboBox>(editor, "cmbHour")->currentIndex(), 7);
-    QCOMPARE(f.child<QComboBox>(editor, "cmbMin")->currentIndex(), 30);
-    QCOMPARE(f.child<QLabel>(editor, "lDayMessage")->text(), QStringLiteral("Thursday"));
-    auto *tabs = f.child<QTabWidget>(editor, "tbOutput");
+    QCOMPARE(editor.windowTitle(), u"Edit schedule for Item "_s + id);
+    QCOMPARE(Child<QComboBox>(&editor, "cmbWhen")->currentText(), u"Month(s)"_s);
+    QCOMPARE(Child<QComboBox>(&editor, "cmbDest")->currentText(), u"Email"_s);
+    QCOMPARE(Child<QDateEdit>(&editor, "dtDay")->date(), QDate(2026, 3, 5));
+    QCOMPARE(Child<QComboBox>(&editor, "cmbHour")->currentIndex(), 7);
+    QCOMPARE(Child<QComboBox>(&editor, "cmbMin")->currentIndex(), 30);
+    QCOMPARE(Child<QLabel>(&editor, "lDayMessage")->text(), u"Thursday"_s);
+    auto *tabs = Child<QTabWidget>(&editor, "tbOutput");
     QVERIFY(tabs->isTabVisible(0) && !tabs->isTabVisible(2) && !tabs->isTabVisible(3));
 
-    f.child<QComboBox>(editor, "cmbWhen")->setCurrentText(QStringLiteral("Custom Calendar"));
-    QCOMPARE(f.child<QLabel>(editor, "lDayMessage")->text(), QStringLiteral("No Filename specified"));
-    f.child<QLineEdit>(editor, "txtReportName")->setText(QStringLiteral("Sales EU"));
-    f.child<QLineEdit>(editor, "txtMailCC")->setText(QStringLiteral("cc@example.com"));
-    f.child<QComboBox>(editor, "cmbWhen")->setCurrentText(QStringLiteral("Month(s)"));
-    f.child<QComboBox>(editor, "cmbHour")->setCurrentIndex(18);
+    Child<QComboBox>(&editor, "cmbWhen")->setCurrentText(u"Custom Calendar"_s);
+    QCOMPARE(Child<QLabel>(&editor, "lDayMessage")->text(), u"No Filename specified"_s);
+    Child<QLineEdit>(&editor, "txtReportName")->setText(u"Sales EU"_s);
+    Child<QLineEdit>(&editor, "txtMailCC")->setText(u"cc@example.com"_s);
+    Child<QComboBox>(&editor, "cmbWhen")->setCurrentText(u"Month(s)"_s);
+    Child<QComboBox>(&editor, "cmbHour")->setCurrentIndex(18);
     editor.show();
-    f.child<QPushButton>(editor, "cmdSave")->click();
+    Child<QPushButton>(&editor, "cmdSave")->click();
     QVERIFY(!editor.isVisible());
-    QCOMPARE(f.saved(id, clsSchedule::colName), QStringLiteral("Sales EU"));
-    QCOMPARE(f.saved(id, clsSchedule::colRptToCC), QStringLiteral("cc@example.com"));
-    QCOMPARE(f.saved(id, clsSchedule::colFrequency), QStringLiteral("Month(s)"));
-    QCOMPARE(f.saved(id, clsSchedule::colNextRun), QStringLiteral("05-Mar-2026 18:30"));
-    QCOMPARE(f.saved(id, clsSchedule::colDest), QStringLiteral("E"));
+    QCOMPARE(f.saved(id, clsSchedule::colName), u"Sales EU"_s);
+    QCOMPARE(f.saved(id, clsSchedule::colRptToCC), u"cc@example.com"_s);
+    QCOMPARE(f.saved(id, clsSchedule::colFrequency), u"Month(s)"_s);
+    QCOMPARE(f.saved(id, clsSchedule::colNextRun), u"05-Mar-2026 18:30"_s);
+    QCOMPARE(f.saved(id, clsSchedule::colDest), u"E"_s);
 
     // Paging writes the shown item back first; the first item's letter form shows in full.
-    f.schedule.LoadSortIndexArray(first + QLatin1Char('|') + id);
-    f.child<QRadioButton>(editor, "optRun1")->setChecked(true);
-    f.child<QPushButton>(editor, "cmdFirst")->click();
-    QCOMPARE(f.saved(id, clsSchedule::colSchedule), QStringLiteral("N"));
+    f.schedule.LoadSortIndexArray(first + u'|' + id);
+    Child<QRadioButton>(&editor, "optRun1")->setChecked(true);
+    Child<QPushButton>(&editor, "cmdFirst")->click();
+    QCOMPARE(f.saved(id, clsSchedule::colSchedule), u"N"_s);
     QCOMPARE(f.saved(id, clsSchedule::colNextRun), QString());
-    QCOMPARE(editor.windowTitle(), QStringLiteral("Edit schedule for Item ") + first);
-    QCOMPARE(f.child<QComboBox>(editor, "cmbWhen")->currentText(), QStringLiteral("Business Day"));
+    QCOMPARE(editor.windowTitle(), u"Edit schedule for Item "_s + first);
+    QCOMPARE(Child<QComboBox>(&editor, "cmbWhen")->currentText(), u"Business Day"_s);
     QVERIFY(f.prompter.take().isEmpty());
 }
 
 void TestFrmSchedule::refusesBlankDestinations()
 {
     EditorFixture f;
-    const QString id = f.addReport(QStringLiteral("Sales"));
+    const QString id = f.addReport(u"Sales"_s);
     f.globals.SaveSchedule();
     frmSchedule editor(f.globals);
     editor.ShowSchedule();
     editor.show();
-    f.child<QLineEdit>(editor, "txtMail")->clear();
-    f.child<QLineEdit>(editor, "txtMailCC")->setText(QStringLiteral("cc@example.com"));
-    f.child<QPushButton>(editor, "cmdSave")->click();
-    QCOMPARE(f.prompter.take(), QStringList{QStringLiteral("Not Saved: Email Address is blank")});
+    Child<QLineEdit>(&editor, "txtMail")->clear();
+    Child<QLineEdit>(&editor, "txtMailCC")->setText(u"cc@example.com"_s);
+    Child<QPushButton>(&editor, "cmdSave")->click();
+    QCOMPARE(f.prompter.take(), QStringList{u"Not Saved: Email Address is blank"_s});
     QVERIFY(editor.isVisible());
     QCOMPARE(f.saved(id, clsSchedule::colRptToCC), QString());
 
-    f.child<QComboBox>(editor, "cmbDest")->setCurrentText(QStringLiteral("Disk File"));
-    QVERIFY(f.child<QTabWidget>(editor, "tbOutput")->isTabVisible(2));
-    f.child<QLineEdit>(editor, "txtOutput")->clear();
-    f.child<QPushButton>(editor, "cmdApply")->click();
-    QCOMPARE(f.prompter.take(), QStringList{QStringLiteral("Not Saved: Disk file destination is blank")});
-    QCOMPARE(f.saved(id, clsSchedule::colDest), QStringLiteral("E"));
+    Child<QComboBox>(&editor, "cmbDest")->setCurrentText(u"Disk File"_s);
+    QVERIFY(Child<QTabWidget>(&editor, "tbOutput")->isTabVisible(2));
+    Child<QLineEdit>(&editor, "txtOutput")->clear();
+    Child<QPushButton>(&editor, "cmdApply")->click();
+    QCOMPARE(f.prompter.take(), QStringList{u"Not Saved: Disk file destination is blank"_s});
+    QCOMPARE(f.saved(id, clsSchedule::colDest), u"E"_s);
 
     // A printer needs no further field.
-    f.child<QComboBox>(editor, "cmbDest")->setCurrentText(QStringLiteral("Printer"));
-    f.child<QPushButton>(editor, "cmdApply")->click();
+    Child<QComboBox>(&editor, "cmbDest")->setCurrentText(u"Printer"_s);
+    Child<QPushButton>(&editor, "cmdApply")->click();
     QVERIFY(f.prompter.take().isEmpty());
-    QCOMPARE(f.saved(id, clsSchedule::colDest), QStringLiteral("P"));
+    QCOMPARE(f.saved(id, clsSchedule::colDest), u"P"_s);
 
     // Multi-run proposes a control file beside the report.
-    f.child<QComboBox>(editor, "cmbDest")->setCurrentText(QStringLiteral("MultiRun"));
-    QCOMPARE(f.child<QLineEdit>(editor, "txtMRFile")->text(), f.dir.filePath(QStringLiteral("Sales-mr.txt")));
-    QVERIFY(f.child<QTabWidget>(editor, "tbOutput")->isTabVisible(4));
+    Child<QComboBox>(&editor, "cmbDest")->setCurrentText(u"MultiRun"_s);
+    QCOMPARE(Child<QLineEdit>(&editor, "txtMRFile")->text(), f.dir.filePath(u"Sales-mr.txt"_s));
+    QVERIFY(Child<QTabWidget>(&editor, "tbOutput")->isTabVisible(4));
 }
 
 void TestFrmSchedule::modifyFromTheMainWindow()
@@ -156,28 +152,26 @@ void TestFrmSchedule::modifyFromTheMainWindow()
     EditorFixture f;
     Dispatcher dispatcher(f.globals);
     frmMain window(f.globals, dispatcher);
-    QAction *modify = window.findChild<QAction *>(QStringLiteral("mnuModifyReport"));
+    QAction *modify = window.findChild<QAction *>(u"mnuModifyReport"_s);
     // An empty schedule says so in the grid; only the refusal counts here.
     f.globals.ViewTable();
     f.prompter.take();
     modify->trigger();
-    QCOMPARE(f.prompter.take(),
-             QStringList{QStringLiteral("Modify Schedule Item: No Report in Schedule to Modify")});
+    QCOMPARE(f.prompter.take(), QStringList{u"Modify Schedule Item: No Report in Schedule to Modify"_s});
 
-    const QString first = f.addReport(QStringLiteral("Sales"));
-    const QString second = f.addReport(QStringLiteral("Costs"));
+    const QString first = f.addReport(u"Sales"_s);
+    const QString second = f.addReport(u"Costs"_s);
     f.globals.ViewTable();
     window.SetSelectedRow(0);
     modify->trigger();
-    QCOMPARE(f.prompter.take(),
-             QStringList{QStringLiteral("Modify Schedule Item: Please select a report from the list")});
+    QCOMPARE(f.prompter.take(), QStringList{u"Modify Schedule Item: Please select a report from the list"_s});
 
     f.schedule.ProcessingID = second;
     window.SetSelectedRow(2);
     modify->trigger();
-    QCOMPARE(f.prompter.take(),
-             QStringList{QStringLiteral(
-                 "Modify Schedule: Please wait until the current report processing has completed")});
+    QCOMPARE(
+        f.prompter.take(),
+        QStringList{u"Modify Schedule: Please wait until the current report processing has completed"_s});
     QVERIFY(!window.findChild<frmSchedule *>());
 
     f.schedule.ProcessingID.clear();
@@ -187,43 +181,37 @@ void TestFrmSchedule::modifyFromTheMainWindow()
     QVERIFY(f.globals.ReactivateOnFocus);
     auto *editor = window.findChild<frmSchedule *>();
     QVERIFY(editor && editor->isVisible());
-    QCOMPARE(editor->windowTitle(), QStringLiteral("Edit schedule for Item ") + second);
-    QCOMPARE(f.child<QLineEdit>(*editor, "txtReportName")->text(), QStringLiteral("Costs"));
+    QCOMPARE(editor->windowTitle(), u"Edit schedule for Item "_s + second);
+    QCOMPARE(Child<QLineEdit>(editor, "txtReportName")->text(), u"Costs"_s);
 
     // A double click selects the row and opens the editor on it.
     editor->reject();
-    Q_EMIT window.findChild<QTableWidget *>(QStringLiteral("fgView"))->cellDoubleClicked(0, 2);
+    Q_EMIT window.findChild<QTableWidget *>(u"fgView"_s)->cellDoubleClicked(0, 2);
     QCOMPARE(window.SelectedRow(), 1);
     QVERIFY(editor->isVisible());
-    QCOMPARE(editor->windowTitle(), QStringLiteral("Edit schedule for Item ") + first);
+    QCOMPARE(editor->windowTitle(), u"Edit schedule for Item "_s + first);
 }
 
 void TestFrmSchedule::runNowKeepsNextRun()
 {
     EditorFixture f;
     AppFolder::MakeWorkingFolders(f.dir.path());
-    QFile script(f.dir.filePath(QStringLiteral("job.sh")));
-    QVERIFY(script.open(QIODevice::WriteOnly));
-    script.write("#!/bin/sh\nexit 0\n");
-    script.setPermissions(script.permissions() | QFileDevice::ExeOwner);
-    script.close();
-    const QString id = f.addReport(QStringLiteral("Job"));
-    f.schedule.SetFile(script.fileName());
+    const QString id = f.addReport(u"Job"_s);
+    f.schedule.SetFile(WriteScript(f.path(u"job.sh"_s), "exit 0"));
     frmSchedule editor(f.globals);
     editor.ShowSchedule();
-    QAction *run = editor.findChild<QAction *>(QStringLiteral("mnuRun"));
+    QAction *run = editor.findChild<QAction *>(u"mnuRun"_s);
     f.schedule.ProcessingID = id;
     run->trigger();
-    QCOMPARE(f.prompter.take(),
-             QStringList{QStringLiteral("Run Now: Please wait until report has finished processing")});
-    QCOMPARE(f.saved(id, clsSchedule::colLastRun), QStringLiteral("<missing>"));
+    QCOMPARE(f.prompter.take(), QStringList{u"Run Now: Please wait until report has finished processing"_s});
+    QCOMPARE(f.saved(id, clsSchedule::colLastRun), u"<missing>"_s);
 
     f.schedule.ProcessingID.clear();
     run->trigger();
-    QCOMPARE(f.saved(id, clsSchedule::colLastRun), QStringLiteral("02-Mar-2026 09:00"));
-    QCOMPARE(f.saved(id, clsSchedule::colNextRun), QStringLiteral("05-Mar-2026 07:30"));
-    QVERIFY(f.prompter.fatalErrors.isEmpty());
+    QCOMPARE(f.saved(id, clsSchedule::colLastRun), u"02-Mar-2026 09:00"_s);
+    QCOMPARE(f.saved(id, clsSchedule::colNextRun), u"05-Mar-2026 07:30"_s);
+    QVERIFY(f.prompter.fatal.isEmpty());
 }
 
-QORLO_TEST_MAIN_WIDGETS(TestFrmSchedule)
+QORLO_TEST_MAIN(TestFrmSchedule)
 #include "tst_frmschedule.moc"

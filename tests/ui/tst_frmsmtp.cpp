@@ -1,6 +1,9 @@
-#include "../mail/tst_smtpmail_support.h"
-#include "ScriptedPrompter.h"
-#include "UiTestMain.h"
+#include "Files.h"
+#include "SmtpPeer.h"
+#include "TestMain.h"
+#include "WindowFixture.h"
+
+#include "core/Ansi.h"
 
 #include "scheduler/QorloGlobals.h"
 #include "ui/frmSMTP.h"
@@ -11,48 +14,41 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 
-using namespace SmtpMailTest;
+using namespace Qt::Literals::StringLiterals;
+
+using namespace TestSupport;
 
 namespace {
 
 // An application folder with its global objects and the mail settings window over them.
-struct SmtpFixture
+struct SmtpFixture : GlobalsFixture
 {
     SmtpFixture()
     {
         clsSchedule &s = globals.Schedule;
-        s.SMTP_Server = QStringLiteral("127.0.0.1");
+        s.SMTP_Server = u"127.0.0.1"_s;
         s.SMTP_Port = 2525;
-        s.SMTP_From = QStringLiteral("scheduler@example.com");
-        s.TestMessageTo = QStringLiteral("boss@example.com");
-        s.SMTP_StdMessage = QStringLiteral("Hello\nteam");
+        s.SMTP_From = u"scheduler@example.com"_s;
+        s.TestMessageTo = u"boss@example.com"_s;
+        s.SMTP_StdMessage = u"Hello\nteam"_s;
         s.SMTPDelay = 7;
-        s.SMTPAuthentication = QStringLiteral("Yes");
-        s.SMTPUser = QStringLiteral("clerk");
-        s.SMTPPassword = QStringLiteral("s3cret");
+        s.SMTPAuthentication = u"Yes"_s;
+        s.SMTPUser = u"clerk"_s;
+        s.SMTPPassword = u"s3cret"_s;
     }
     template <class Widget = QLineEdit> Widget *field(const char *name)
     {
-        return window->findChild<Widget *>(QLatin1String(name));
+        return Child<Widget>(window.get(), name);
     }
     void setText(const char *name, const QString &text) { field(name)->setText(text); }
-    void click(const char *name) { field<QPushButton>(name)->click(); }
-    std::unique_ptr<clsSchedule> saved() const
-    {
-        auto schedule = std::make_unique<clsSchedule>(dir.path());
-        schedule->Load(dir.filePath(QStringLiteral("Qorlo.XML")));
-        return schedule;
-    }
-    QString smtpLog() const { return Ansi::Decode(ReadAll(dir.filePath(QStringLiteral("SMTP.Log")))); }
+    void click(const char *name) { Click(window.get(), name); }
+    QString smtpLog() const { return Ansi::Decode(ReadFile(path(u"SMTP.Log"_s))); }
     void open()
     {
         window = std::make_unique<frmSMTP>(globals);
         window->open();
     }
 
-    QTemporaryDir dir;
-    ScriptedPrompter prompter;
-    QorloGlobals globals{dir.path(), prompter};
     std::unique_ptr<frmSMTP> window;
 };
 
@@ -62,7 +58,7 @@ class TestFrmSMTP : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase() { ShortClientTimeouts(); }
+    void initTestCase() { ShortMailTimeouts(); }
     void fieldsChecksAndSave();
     void testMessageReachesTheServer();
     void failedTestMessage();
@@ -78,7 +74,7 @@ void TestFrmSMTP::fieldsChecksAndSave()
         {"txtPassword", "s3cret"}};
     for (const auto &[name, value] : loaded)
         QCOMPARE(f.field(name)->text(), QLatin1String(value));
-    QCOMPARE(f.field<QPlainTextEdit>("txtMessage")->toPlainText(), QStringLiteral("Hello\nteam"));
+    QCOMPARE(f.field<QPlainTextEdit>("txtMessage")->toPlainText(), u"Hello\nteam"_s);
     auto *secure = f.field<QCheckBox>("chkSecure");
     auto *frame = f.field<QGroupBox>("frSecure");
     QVERIFY(secure->isChecked());
@@ -92,44 +88,42 @@ void TestFrmSMTP::fieldsChecksAndSave()
     f.setText("txtFrom", QString());
     f.setText("txtTestTo", QString());
     f.click("cmdTest");
-    QCOMPARE(f.prompter.take(), QStringList{QStringLiteral("SMTP Settings: Please enter a server name")});
+    QCOMPARE(f.prompter.take(), QStringList{u"SMTP Settings: Please enter a server name"_s});
     QCOMPARE(QApplication::focusWidget(), f.field("txtServer"));
-    f.setText("txtServer", QStringLiteral("mail.example.com"));
+    f.setText("txtServer", u"mail.example.com"_s);
     f.click("cmdSave");
-    QCOMPARE(f.prompter.take(),
-             QStringList{QStringLiteral("SMTP Settings: Please enter your email address")});
+    QCOMPARE(f.prompter.take(), QStringList{u"SMTP Settings: Please enter your email address"_s});
     QCOMPARE(QApplication::focusWidget(), f.field("txtFrom"));
-    f.setText("txtFrom", QStringLiteral("desk@example.com"));
+    f.setText("txtFrom", u"desk@example.com"_s);
     f.click("cmdTest");
     QCOMPARE(f.prompter.take(),
-             QStringList{
-                 QStringLiteral("SMTP Settings: Please enter a destination address for the test message")});
+             QStringList{u"SMTP Settings: Please enter a destination address for the test message"_s});
     QCOMPARE(QApplication::focusWidget(), f.field("txtTestTo"));
     QVERIFY(f.window->isVisible());
-    QVERIFY(!QFile::exists(f.dir.filePath(QStringLiteral("Qorlo.XML"))));
+    QVERIFY(!QFile::exists(f.dir.filePath(u"Qorlo.XML"_s)));
 
     // Save stores the fields, keeps the old delay when the new one is no number, and closes.
-    f.setText("txtPort", QStringLiteral("587"));
+    f.setText("txtPort", u"587"_s);
     f.setText("txtDelay", QString());
-    f.setText("txtUser", QStringLiteral("other"));
+    f.setText("txtUser", u"other"_s);
     f.click("cmdSave");
     QVERIFY(!f.window->isVisible());
     QVERIFY(f.prompter.take().isEmpty());
     const auto saved = f.saved();
-    QCOMPARE(saved->SMTP_Server, QStringLiteral("mail.example.com"));
+    QCOMPARE(saved->SMTP_Server, u"mail.example.com"_s);
     QCOMPARE(saved->TestMessageTo, QString());
     QCOMPARE(saved->SMTP_Port, 587);
     QCOMPARE(saved->SMTPDelay, qint16(7));
-    QCOMPARE(saved->SMTPAuthentication, QStringLiteral("No"));
-    QCOMPARE(saved->SMTPUser, QStringLiteral("other"));
+    QCOMPARE(saved->SMTPAuthentication, u"No"_s);
+    QCOMPARE(saved->SMTPUser, u"other"_s);
 
     // A numeric delay is taken; a port that is no number is the fatal conversion error, and the
     // window stays.
     f.open();
-    f.setText("txtDelay", QStringLiteral("3"));
-    f.setText("txtPort", QStringLiteral("smtp"));
+    f.setText("txtDelay", u"3"_s);
+    f.setText("txtPort", u"smtp"_s);
     f.click("cmdSave");
-    QCOMPARE(f.prompter.fatalErrors, QStringList{QStringLiteral("Run-time error '13': Type mismatch")});
+    QCOMPARE(f.prompter.fatal, QStringList{u"Run-time error '13': Type mismatch"_s});
     QVERIFY(f.window->isVisible());
     QCOMPARE(f.globals.Schedule.SMTPDelay, qint16(3));
     QCOMPARE(f.saved()->SMTPDelay, qint16(7));
@@ -138,31 +132,28 @@ void TestFrmSMTP::fieldsChecksAndSave()
 void TestFrmSMTP::testMessageReachesTheServer()
 {
     SmtpPeer peer;
-    QORLO_REQUIRE_PEER(peer.start({QStringLiteral("--user"), QStringLiteral("clerk"),
-                                   QStringLiteral("--password"), QStringLiteral("s3cret")}),
-                       peer.error());
+    QORLO_START_PEER(peer.start({u"--user"_s, u"clerk"_s, u"--password"_s, u"s3cret"_s}), peer);
     SmtpFixture f;
     f.open();
     // The values in the fields are tested, saved or not.
     f.setText("txtPort", QString::number(peer.port()));
-    f.setText("txtTestTo", QStringLiteral("tester@example.com"));
+    f.setText("txtTestTo", u"tester@example.com"_s);
     f.click("cmdTest");
-    QCOMPARE(f.prompter.take(), QStringList{QStringLiteral("SMTP Message: Message Sent")});
+    QCOMPARE(f.prompter.take(), QStringList{u"SMTP Message: Message Sent"_s});
     QCOMPARE(peer.messages().size(), 1);
     const QString message = peer.messages().first();
-    QCOMPARE(Recipients(message), QStringList{QStringLiteral("tester@example.com")});
+    QCOMPARE(Recipients(message), QStringList{u"tester@example.com"_s});
     const QJsonObject envelope = SmtpPeer::envelopeOf(message);
-    QCOMPARE(envelope.value(QStringLiteral("mail_from")).toString(), QStringLiteral("scheduler@example.com"));
-    QCOMPARE(envelope.value(QStringLiteral("login")).toString(), QStringLiteral("clerk"));
+    QCOMPARE(envelope.value(u"mail_from"_s).toString(), u"scheduler@example.com"_s);
+    QCOMPARE(envelope.value(u"login"_s).toString(), u"clerk"_s);
     const QJsonObject parsed = ParseMessage(message);
-    QCOMPARE(parsed.value(QStringLiteral("subject")).toString(),
-             QStringLiteral("Test message from QorloMANAGER"));
-    QVERIFY(ReadAll(message).contains("Here is a test message from QorloMANAGER"));
+    QCOMPARE(parsed.value(u"subject"_s).toString(), u"Test message from QorloMANAGER"_s);
+    QVERIFY(ReadFile(message).contains("Here is a test message from QorloMANAGER"));
     const QString log = f.smtpLog();
-    QVERIFY2(log.contains(QStringLiteral("Sending Test Message")), qPrintable(log));
-    QVERIFY2(log.contains(QStringLiteral("Message sent to tester@example.com")), qPrintable(log));
+    QVERIFY2(log.contains(u"Sending Test Message"_s), qPrintable(log));
+    QVERIFY2(log.contains(u"Message sent to tester@example.com"_s), qPrintable(log));
     QVERIFY(f.window->isVisible());
-    QVERIFY(!QFile::exists(f.dir.filePath(QStringLiteral("Qorlo.XML"))));
+    QVERIFY(!QFile::exists(f.dir.filePath(u"Qorlo.XML"_s)));
 }
 
 void TestFrmSMTP::failedTestMessage()
@@ -170,18 +161,17 @@ void TestFrmSMTP::failedTestMessage()
     SmtpFixture f;
     f.open();
     // Nothing listens on this port.
-    f.setText("txtPort", QString::number(TestSupport::FreePort()));
+    f.setText("txtPort", QString::number(FreePort()));
     f.field<QCheckBox>("chkSecure")->setChecked(false);
     f.click("cmdTest");
     const QStringList boxes = f.prompter.take();
     QCOMPARE(boxes.size(), 1);
-    QVERIFY2(boxes.first().startsWith(QStringLiteral("SMTP Message: Send Failed\r\n")),
-             qPrintable(boxes.first()));
-    const QString reason = boxes.first().mid(QStringLiteral("SMTP Message: Send Failed\r\n").size());
+    QVERIFY2(boxes.first().startsWith(u"SMTP Message: Send Failed\r\n"_s), qPrintable(boxes.first()));
+    const QString reason = boxes.first().mid(u"SMTP Message: Send Failed\r\n"_s.size());
     QVERIFY(!reason.isEmpty());
-    QVERIFY2(f.smtpLog().contains(QStringLiteral("Send Failed - ") + reason), qPrintable(f.smtpLog()));
-    QCOMPARE(f.globals.Schedule.SMTPAuthentication, QStringLiteral("Yes"));
+    QVERIFY2(f.smtpLog().contains(u"Send Failed - "_s + reason), qPrintable(f.smtpLog()));
+    QCOMPARE(f.globals.Schedule.SMTPAuthentication, u"Yes"_s);
 }
 
-QORLO_TEST_MAIN_WIDGETS(TestFrmSMTP)
+QORLO_TEST_MAIN(TestFrmSMTP)
 #include "tst_frmsmtp.moc"

@@ -1,6 +1,7 @@
-#include "ScriptedPrompter.h"
+#include "Files.h"
 #include "TestClocks.h"
-#include "UiTestMain.h"
+#include "TestMain.h"
+#include "WindowFixture.h"
 
 #include "core/AppFolder.h"
 #include "core/DayDate.h"
@@ -21,47 +22,34 @@
 #include <QPushButton>
 #include <QTemporaryDir>
 
+using namespace Qt::Literals::StringLiterals;
+
+using namespace TestSupport;
+
 namespace {
 
 // The present moment of every test: Monday 2 March 2026, 09:30.
 const QDateTime kNow(QDate(2026, 3, 2), QTime(9, 30));
 
-struct WindowFixture
+struct WindowFixture : GlobalsFixture
 {
-    QString path(const QString &name) const { return dir.filePath(name); }
-    template <typename T = QWidget> T *child(QWidget *window, const char *name)
-    {
-        T *widget = window->findChild<T *>(QLatin1String(name));
-        if (!widget)
-            qFatal("no control %s", name);
-        return widget;
-    }
-    void click(QWidget *window, const char *name) { child<QPushButton>(window, name)->click(); }
     void addDailyItem(const QString &nextRun)
     {
         schedule.AddNew();
         schedule.SetNextRun(nextRun);
-        schedule.SetSchedule(QStringLiteral("Y"));
-        schedule.SetFrequency(QStringLiteral("D"));
-        schedule.SetFreqTimes(QStringLiteral("1"));
+        schedule.SetSchedule(u"Y"_s);
+        schedule.SetFrequency(u"D"_s);
+        schedule.SetFreqTimes(u"1"_s);
     }
     QString nextRun(clsSchedule &of, const QString &reportID)
     {
         of.Find(reportID);
         return of.NextRun();
     }
-    QString savedFile() const
-    {
-        QFile file(path(QStringLiteral("Qorlo.XML")));
-        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-    }
+    QString savedFile() const { return QString::fromUtf8(ReadFile(path(u"Qorlo.XML"_s))); }
 
     FixedClock clock{kNow};
     ClockGuard guard{clock};
-    QTemporaryDir dir;
-    ScriptedPrompter prompter;
-    QorloGlobals globals{dir.path(), prompter};
-    clsSchedule &schedule = globals.Schedule;
 };
 
 } // namespace
@@ -79,119 +67,117 @@ private Q_SLOTS:
 void TestScheduleWindows::backupSettings()
 {
     WindowFixture f;
-    f.schedule.BackupFrequency = QStringLiteral("Weekly");
+    f.schedule.BackupFrequency = u"Weekly"_s;
     f.schedule.BackupDate = DayDate::FromParts(2026, 3, 5, 22, 15);
-    f.schedule.BackupPrevious = QStringLiteral("26-Feb-2026 22:15");
-    f.schedule.BackupPreviousFile = f.path(QStringLiteral("Backup/Qorlo20260226.xml"));
+    f.schedule.BackupPrevious = u"26-Feb-2026 22:15"_s;
+    f.schedule.BackupPreviousFile = f.path(u"Backup/Qorlo20260226.xml"_s);
     f.schedule.BackupPurge = 45;
     frmBackup window(f.globals);
     window.open();
-    QCOMPARE(window.windowTitle(), QStringLiteral("Backup Settings"));
-    auto *frequency = f.child<QComboBox>(&window, "cboFrequency");
+    QCOMPARE(window.windowTitle(), u"Backup Settings"_s);
+    auto *frequency = Child<QComboBox>(&window, "cboFrequency");
     QCOMPARE(frequency->count(), 4);
-    QCOMPARE(frequency->currentText(), QStringLiteral("Weekly"));
-    QCOMPARE(f.child<QDateEdit>(&window, "dtNext")->date(), QDate(2026, 3, 5));
-    QCOMPARE(f.child<QComboBox>(&window, "cboHour")->currentText(), QStringLiteral("22"));
-    QCOMPARE(f.child<QComboBox>(&window, "cboMinute")->currentText(), QStringLiteral("15"));
-    QCOMPARE(f.child<QLabel>(&window, "lblPrevious")->text(), f.schedule.BackupPrevious);
-    QCOMPARE(f.child<QLabel>(&window, "lblPreviousFile")->text(), f.schedule.BackupPreviousFile);
-    auto *purge = f.child<QLineEdit>(&window, "txtPurgeDays");
-    QCOMPARE(purge->text(), QStringLiteral("45"));
+    QCOMPARE(frequency->currentText(), u"Weekly"_s);
+    QCOMPARE(Child<QDateEdit>(&window, "dtNext")->date(), QDate(2026, 3, 5));
+    QCOMPARE(Child<QComboBox>(&window, "cboHour")->currentText(), u"22"_s);
+    QCOMPARE(Child<QComboBox>(&window, "cboMinute")->currentText(), u"15"_s);
+    QCOMPARE(Child<QLabel>(&window, "lblPrevious")->text(), f.schedule.BackupPrevious);
+    QCOMPARE(Child<QLabel>(&window, "lblPreviousFile")->text(), f.schedule.BackupPreviousFile);
+    auto *purge = Child<QLineEdit>(&window, "txtPurgeDays");
+    QCOMPARE(purge->text(), u"45"_s);
 
-    frequency->setCurrentText(QStringLiteral("Never"));
-    f.child<QDateEdit>(&window, "dtNext")->setDate(QDate(2026, 4, 1));
-    f.child<QComboBox>(&window, "cboHour")->setCurrentIndex(6);
-    f.child<QComboBox>(&window, "cboMinute")->setCurrentIndex(5);
-    purge->setText(QStringLiteral("60"));
-    f.click(&window, "cmdSave");
+    frequency->setCurrentText(u"Never"_s);
+    Child<QDateEdit>(&window, "dtNext")->setDate(QDate(2026, 4, 1));
+    Child<QComboBox>(&window, "cboHour")->setCurrentIndex(6);
+    Child<QComboBox>(&window, "cboMinute")->setCurrentIndex(5);
+    purge->setText(u"60"_s);
+    Click(&window, "cmdSave");
     QVERIFY(!window.isVisible());
-    QCOMPARE(f.schedule.BackupFrequency, QStringLiteral("Never"));
+    QCOMPARE(f.schedule.BackupFrequency, u"Never"_s);
     QCOMPARE(f.schedule.BackupDate, DayDate::FromParts(2026, 4, 1, 6, 5));
     QCOMPARE(f.schedule.BackupPurge, qint16(60));
-    QVERIFY(f.savedFile().contains(QStringLiteral("<BackupDate>01-Apr-2026 06:05</BackupDate>")));
-    QVERIFY(f.savedFile().contains(QStringLiteral("<BackupPurge>60</BackupPurge>")));
+    QVERIFY(f.savedFile().contains(u"<BackupDate>01-Apr-2026 06:05</BackupDate>"_s));
+    QVERIFY(f.savedFile().contains(u"<BackupPurge>60</BackupPurge>"_s));
 
     // Purge days that are no number end the process with the conversion error; nothing is stored.
     window.open();
-    frequency->setCurrentText(QStringLiteral("Daily"));
-    purge->setText(QStringLiteral("sixty"));
-    f.click(&window, "cmdSave");
-    QCOMPARE(f.prompter.fatalErrors, QStringList{QStringLiteral("Run-time error '13': Type mismatch")});
-    QCOMPARE(f.schedule.BackupFrequency, QStringLiteral("Never"));
+    frequency->setCurrentText(u"Daily"_s);
+    purge->setText(u"sixty"_s);
+    Click(&window, "cmdSave");
+    QCOMPARE(f.prompter.fatal, QStringList{u"Run-time error '13': Type mismatch"_s});
+    QCOMPARE(f.schedule.BackupFrequency, u"Never"_s);
     QCOMPARE(f.schedule.BackupPurge, qint16(60));
     QVERIFY(window.isVisible());
-    f.click(&window, "cmdExit");
+    Click(&window, "cmdExit");
     QVERIFY(!window.isVisible());
 }
 
 void TestScheduleWindows::advanceAnalyseAndProcess()
 {
     WindowFixture f;
-    f.addDailyItem(QStringLiteral("01-Mar-2026 08:00"));
-    f.addDailyItem(QStringLiteral("03-Mar-2026 14:00"));
-    f.addDailyItem(QStringLiteral("10-Mar-2026 08:00"));
+    f.addDailyItem(u"01-Mar-2026 08:00"_s);
+    f.addDailyItem(u"03-Mar-2026 14:00"_s);
+    f.addDailyItem(u"10-Mar-2026 08:00"_s);
     f.addDailyItem(QString());
     frmAdv window(f.globals);
     window.open();
-    QCOMPARE(window.windowTitle(), QStringLiteral("Advance Schedule"));
-    auto *date = f.child<QDateEdit>(&window, "dtAdv");
-    auto *hour = f.child<QComboBox>(&window, "cboHour");
-    auto *minute = f.child<QComboBox>(&window, "cboMinute");
+    QCOMPARE(window.windowTitle(), u"Advance Schedule"_s);
+    auto *date = Child<QDateEdit>(&window, "dtAdv");
+    auto *hour = Child<QComboBox>(&window, "cboHour");
+    auto *minute = Child<QComboBox>(&window, "cboMinute");
     QCOMPARE(date->date(), kNow.date());
-    QCOMPARE(hour->currentText(), QStringLiteral("9"));
-    QCOMPARE(minute->currentText(), QStringLiteral("30"));
-    auto *status = f.child<QLabel>(&window, "lblStatus");
+    QCOMPARE(hour->currentText(), u"9"_s);
+    QCOMPARE(minute->currentText(), u"30"_s);
+    auto *status = Child<QLabel>(&window, "lblStatus");
 
     date->setDate(QDate(2026, 3, 4));
     hour->setCurrentIndex(12);
     minute->setCurrentIndex(0);
-    f.click(&window, "cmdAnalyse");
-    QCOMPARE(status->text(),
-             QStringLiteral("2 items in schedule will be advanced when you click the process button"));
-    QCOMPARE(f.nextRun(f.schedule, QStringLiteral("1")), QStringLiteral("01-Mar-2026 08:00"));
+    Click(&window, "cmdAnalyse");
+    QCOMPARE(status->text(), u"2 items in schedule will be advanced when you click the process button"_s);
+    QCOMPARE(f.nextRun(f.schedule, u"1"_s), u"01-Mar-2026 08:00"_s);
 
     // The question comes while the window says it is processing; No changes nothing.
     QString statusAtQuestion;
     f.prompter.onRecord = [&] { statusAtQuestion = status->text(); };
-    f.click(&window, "cmdProcess");
+    Click(&window, "cmdProcess");
     QCOMPARE(f.prompter.take(),
-             QStringList{QStringLiteral("Advance Schedule: Confirm you wish to update the schedule times")});
-    QCOMPARE(statusAtQuestion, QStringLiteral("Processing schedule"));
-    QCOMPARE(status->text(), QStringLiteral("Cancelled"));
-    QCOMPARE(f.nextRun(f.schedule, QStringLiteral("2")), QStringLiteral("03-Mar-2026 14:00"));
-    QVERIFY(!QFile::exists(f.path(QStringLiteral("Qorlo.XML"))));
+             QStringList{u"Advance Schedule: Confirm you wish to update the schedule times"_s});
+    QCOMPARE(statusAtQuestion, u"Processing schedule"_s);
+    QCOMPARE(status->text(), u"Cancelled"_s);
+    QCOMPARE(f.nextRun(f.schedule, u"2"_s), u"03-Mar-2026 14:00"_s);
+    QVERIFY(!QFile::exists(f.path(u"Qorlo.XML"_s)));
 
     f.prompter.setNextAnswers({true});
-    f.click(&window, "cmdProcess");
-    QCOMPARE(status->text(), QStringLiteral("2 items in schedule have now been advanced to process after "
-                                            "04-Mar-2026 12:00"));
-    clsSchedule saved(f.dir.path());
-    saved.Load(f.path(QStringLiteral("Qorlo.XML")));
-    QCOMPARE(f.nextRun(saved, QStringLiteral("1")), QStringLiteral("05-Mar-2026 08:00"));
-    QCOMPARE(f.nextRun(saved, QStringLiteral("2")), QStringLiteral("04-Mar-2026 14:00"));
-    QCOMPARE(f.nextRun(saved, QStringLiteral("3")), QStringLiteral("10-Mar-2026 08:00"));
-    QCOMPARE(f.nextRun(saved, QStringLiteral("4")), QString());
+    Click(&window, "cmdProcess");
+    QCOMPARE(status->text(), u"2 items in schedule have now been advanced to process after "
+                             "04-Mar-2026 12:00"_s);
+    const auto saved = f.saved();
+    QCOMPARE(f.nextRun(*saved, u"1"_s), u"05-Mar-2026 08:00"_s);
+    QCOMPARE(f.nextRun(*saved, u"2"_s), u"04-Mar-2026 14:00"_s);
+    QCOMPARE(f.nextRun(*saved, u"3"_s), u"10-Mar-2026 08:00"_s);
+    QCOMPARE(f.nextRun(*saved, u"4"_s), QString());
     QVERIFY(window.isVisible());
-    QVERIFY(f.prompter.fatalErrors.isEmpty());
+    QVERIFY(f.prompter.fatal.isEmpty());
 }
 
 void TestScheduleWindows::menuEntriesOpenTheWindows()
 {
     WindowFixture f;
-    f.addDailyItem(QStringLiteral("10-Mar-2026 08:00"));
+    f.addDailyItem(u"10-Mar-2026 08:00"_s);
     Dispatcher dispatcher(f.globals);
     frmMain mainWindow(f.globals, dispatcher);
     dispatcher.StartSchedule();
     QVERIFY(f.schedule.Active);
-    mainWindow.findChild<QAction *>(QStringLiteral("mnuAdvance"))->trigger();
+    mainWindow.findChild<QAction *>(u"mnuAdvance"_s)->trigger();
     QVERIFY(!f.schedule.Active);
     QVERIFY(!f.globals.ReactivateOnFocus);
     QCOMPARE(f.globals.RefreshRowIndex, qint16(-1));
     QVERIFY(mainWindow.findChild<frmAdv *>()->isVisible());
 
-    mainWindow.findChild<QAction *>(QStringLiteral("mnuBackup"))->trigger();
+    mainWindow.findChild<QAction *>(u"mnuBackup"_s)->trigger();
     QVERIFY(mainWindow.findChild<frmBackup *>()->isVisible());
-    mainWindow.findChild<QAction *>(QStringLiteral("mnuSetTimer"))->trigger();
+    mainWindow.findChild<QAction *>(u"mnuSetTimer"_s)->trigger();
     QVERIFY(mainWindow.findChild<frmSetTimer *>()->isVisible());
 }
 
@@ -199,39 +185,37 @@ void TestScheduleWindows::setTimerSavesStartOnly()
 {
     WindowFixture f;
     AppFolder::MakeWorkingFolders(f.dir.path());
-    f.schedule.StopTime = QStringLiteral("20-Mar-2026 18:45:00");
+    f.schedule.StopTime = u"20-Mar-2026 18:45:00"_s;
     frmSetTimer window(f.globals);
     window.open();
-    QCOMPARE(window.windowTitle(), QStringLiteral("Set Schedule Timer"));
-    auto *setStart = f.child<QCheckBox>(&window, "chkSetStart");
-    auto *start = f.child<QDateEdit>(&window, "dtStart");
-    auto *setStop = f.child<QCheckBox>(&window, "chkSetStop");
-    auto *stop = f.child<QDateEdit>(&window, "dtStop");
+    QCOMPARE(window.windowTitle(), u"Set Schedule Timer"_s);
+    auto *setStart = Child<QCheckBox>(&window, "chkSetStart");
+    auto *start = Child<QDateEdit>(&window, "dtStart");
+    auto *setStop = Child<QCheckBox>(&window, "chkSetStop");
+    auto *stop = Child<QDateEdit>(&window, "dtStop");
     QVERIFY(!setStart->isChecked());
     QVERIFY(!start->isEnabled());
     QCOMPARE(start->date(), kNow.date());
-    QCOMPARE(f.child<QComboBox>(&window, "cboStartHour")->currentIndex(), 9);
+    QCOMPARE(Child<QComboBox>(&window, "cboStartHour")->currentIndex(), 9);
     QVERIFY(setStop->isChecked());
     QVERIFY(stop->isEnabled());
     QCOMPARE(stop->date(), QDate(2026, 3, 20));
-    QCOMPARE(f.child<QComboBox>(&window, "cboStopMinute")->currentIndex(), 45);
+    QCOMPARE(Child<QComboBox>(&window, "cboStopMinute")->currentIndex(), 45);
 
     setStart->setChecked(true);
     QVERIFY(start->isEnabled());
     start->setDate(QDate(2026, 3, 3));
-    f.child<QComboBox>(&window, "cboStartHour")->setCurrentIndex(7);
-    f.child<QComboBox>(&window, "cboStartMinute")->setCurrentIndex(5);
+    Child<QComboBox>(&window, "cboStartHour")->setCurrentIndex(7);
+    Child<QComboBox>(&window, "cboStartMinute")->setCurrentIndex(5);
     setStop->setChecked(false);
     QVERIFY(!stop->isEnabled());
-    f.click(&window, "cmdSave");
+    Click(&window, "cmdSave");
     QVERIFY(!window.isVisible());
-    QCOMPARE(f.schedule.StartTime, QStringLiteral("03-Mar-2026 07:05:00"));
+    QCOMPARE(f.schedule.StartTime, u"03-Mar-2026 07:05:00"_s);
     QCOMPARE(f.schedule.StopTime, QString());
-    clsSchedule saved(f.dir.path());
-    saved.Load(f.path(QStringLiteral("Qorlo.XML")));
-    QCOMPARE(saved.StartTime, QStringLiteral("03-Mar-2026 07:05:00"));
-    QVERIFY(QFile::exists(f.path(QStringLiteral("Web/livestat.htm"))));
+    QCOMPARE(f.saved()->StartTime, u"03-Mar-2026 07:05:00"_s);
+    QVERIFY(QFile::exists(f.path(u"Web/livestat.htm"_s)));
 }
 
-QORLO_TEST_MAIN_WIDGETS(TestScheduleWindows)
+QORLO_TEST_MAIN(TestScheduleWindows)
 #include "tst_schedulewindows.moc"

@@ -4,8 +4,6 @@
 
 #include "engine/page/PageModel.h"
 
-#include <QProcess>
-#include <QRegularExpression>
 #include <QStringList>
 
 namespace PageSample {
@@ -82,41 +80,6 @@ inline void Render(Engine::PageSink &sink, const Engine::PageSetup &setup, int p
     for (int number = 1; number <= pageCount; ++number)
         sink.addPage(TablePage(number, pageCount));
     sink.end();
-}
-
-// Runs a program to its end; true when it succeeded. Its standard output goes to `output`.
-inline bool Run(const QString &program, const QStringList &arguments, QByteArray *output = nullptr,
-                int timeoutMs = 60000)
-{
-    QProcess process;
-    process.start(program, arguments);
-    const bool done = process.waitForFinished(timeoutMs) && process.exitStatus() == QProcess::NormalExit &&
-                      process.exitCode() == 0;
-    if (output)
-        *output = done ? process.readAllStandardOutput() : QByteArray();
-    return done;
-}
-
-// The standard output of a reader program; empty when it failed.
-inline QByteArray ReadWith(const QString &program, const QStringList &arguments, int timeoutMs = 60000)
-{
-    QByteArray output;
-    Run(program, arguments, &output, timeoutMs);
-    return output;
-}
-
-// The size of the first page as pdfinfo tells it; empty when it does not.
-inline QSizeF PdfPageSize(const QString &pdfinfoOutput)
-{
-    const auto match =
-        QRegularExpression(QStringLiteral("Page size:\\s+([\\d.]+) x ([\\d.]+) pts")).match(pdfinfoOutput);
-    return match.hasMatch() ? QSizeF(match.captured(1).toDouble(), match.captured(2).toDouble()) : QSizeF();
-}
-
-// Whether two sizes agree within half a point, the rounding a word processor's own units bring.
-inline bool SameSize(const QSizeF &a, const QSizeF &b)
-{
-    return qAbs(a.width() - b.width()) < 0.5 && qAbs(a.height() - b.height()) < 0.5;
 }
 
 } // namespace PageSample

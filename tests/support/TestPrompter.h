@@ -1,5 +1,5 @@
 #pragma once
-// A prompter for window tests: records every box and question and gives answers set in advance.
+// The Prompter of tests: records every box and question and gives answers and file names set in advance.
 
 #include "core/QorloError.h"
 #include "scheduler/Prompter.h"
@@ -9,20 +9,26 @@
 #include <functional>
 #include <utility>
 
-class ScriptedPrompter : public Prompter
+namespace TestSupport {
+
+class TestPrompter : public Prompter
 {
 public:
-    // The answers of the next questions, in order: true for Yes or OK.
+    // The answer of questions for which no answer was set: true for Yes or OK.
+    explicit TestPrompter(bool defaultAnswer = false) : answer(defaultAnswer) {}
+
+    // The answers of the next questions, in order.
     void setNextAnswers(const QList<bool> &answers) { m_answers = answers; }
+    // The names the file and folder dialogs give, in order; then empty.
+    void setNextFileNames(const QStringList &names) { m_fileNames = names; }
     // "TITLE: TEXT" of each box and question since the last take, and forgets them.
     QStringList take() { return std::exchange(messages, {}); }
 
     void ShowMessage(const QString &title, const QString &text, Icon) override { record(title, text); }
-    bool AskYesNo(const QString &title, const QString &text) override { return answer(title, text); }
-    bool AskOkCancel(const QString &title, const QString &text) override { return answer(title, text); }
-    void FatalError(const QorloError &error) override { fatalErrors.append(error.runTimeText()); }
-    // The dialogs record "TITLE: FOLDER" and give the names set in advance, then empty.
-    void setNextFileNames(const QStringList &names) { m_fileNames = names; }
+    bool AskYesNo(const QString &title, const QString &text) override { return ask(title, text); }
+    bool AskOkCancel(const QString &title, const QString &text) override { return ask(title, text); }
+    void FatalError(const QorloError &error) override { fatal.append(error.runTimeText()); }
+    // The dialogs record "TITLE: FOLDER".
     QString AskOpenFileName(const QString &title, const QString &folder, const QString &) override
     {
         return fileName(title, folder);
@@ -32,9 +38,12 @@ public:
         return fileName(title, folder);
     }
 
+    // "TITLE: TEXT" of every box and question, in order, and of the questions alone.
     QStringList messages;
-    QStringList fatalErrors;
-    // Questions that found no answer left; they took No or Cancel.
+    QStringList questions;
+    QStringList fatal;
+    bool answer;
+    // Questions that took `answer` because no answer was set.
     int unanswered = 0;
     // Called at each box and question, for tests that look at the windows at that moment.
     std::function<void()> onRecord;
@@ -46,16 +55,16 @@ private:
         if (onRecord)
             onRecord();
     }
-    bool answer(const QString &title, const QString &text)
+    bool ask(const QString &title, const QString &text)
     {
+        questions.append(title + QStringLiteral(": ") + text);
         record(title, text);
         if (m_answers.isEmpty()) {
             ++unanswered;
-            return false;
+            return answer;
         }
         return m_answers.takeFirst();
     }
-
     QString fileName(const QString &title, const QString &folder)
     {
         record(title, folder);
@@ -65,3 +74,5 @@ private:
     QList<bool> m_answers;
     QStringList m_fileNames;
 };
+
+} // namespace TestSupport
