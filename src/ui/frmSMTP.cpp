@@ -48,6 +48,8 @@ void frmSMTP::BuildFields()
     m_testTo = AddLine("txtTestTo");
     m_message = new QPlainTextEdit(this);
     m_message->setObjectName(QStringLiteral("txtMessage"));
+    // Tab moves on to the next field, as in every other field of the window.
+    m_message->setTabChangesFocus(true);
     m_delay = AddLine("txtDelay");
     m_secure = new QCheckBox(QStringLiteral("Server requires authentication"), this);
     m_secure->setObjectName(QStringLiteral("chkSecure"));
