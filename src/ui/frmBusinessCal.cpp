@@ -64,6 +64,8 @@ void frmBusinessCal::BuildFields()
     lBCal->setFrameShape(QFrame::StyledPanel);
     auto *browse = new QPushButton(QStringLiteral("..."), this);
     browse->setObjectName(QStringLiteral("cmdHolidays"));
+    browse->setFixedWidth(browse->fontMetrics().horizontalAdvance(QStringLiteral("...")) * 3);
+    lBCal->setMinimumWidth(browse->fontMetrics().averageCharWidth() * 24);
     connect(browse, &QPushButton::clicked, this, &frmBusinessCal::cmdHolidays_Click);
     auto *holidays = new QHBoxLayout;
     holidays->addWidget(lBCal, 1);

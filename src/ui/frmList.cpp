@@ -15,7 +15,6 @@
 #include <QActionGroup>
 #include <QComboBox>
 #include <QDateEdit>
-#include <QHBoxLayout>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QLabel>
@@ -61,6 +60,7 @@ frmList::frmList(QorloGlobals &globals, QWidget *parent) : QDialog(parent), m_gl
     fgList->setSelectionMode(QAbstractItemView::SingleSelection);
     connect(fgList, &QTableWidget::currentCellChanged, this, &frmList::ShowEditor);
     connect(fgList->verticalScrollBar(), &QScrollBar::valueChanged, this, &frmList::PlaceEditor);
+    fgList->viewport()->installEventFilter(this);
     lblFile = new QLabel(this);
     lblFile->setObjectName(QStringLiteral("lblFile"));
     BuildEditors();
@@ -127,25 +127,36 @@ QAction *frmList::AddKind(QMenu *menu, const char *name, const QString &caption,
 
 void frmList::BuildEditors()
 {
-    m_editor = new QWidget(fgList->viewport());
-    m_editor->setObjectName(QStringLiteral("frEdit"));
-    txtEdit = NamedLine(m_editor, "txtEdit");
+    QWidget *cells = fgList->viewport();
+    txtEdit = NamedLine(cells, "txtEdit");
     txtEdit->installEventFilter(this);
     connect(txtEdit, &QLineEdit::textEdited, this, &frmList::WriteCell);
-    dtList = NamedDatePicker(m_editor, "dtList");
+    dtList = NamedDatePicker(cells, "dtList");
     connect(dtList, &QDateEdit::dateChanged, this, &frmList::WriteDateCell);
-    cmbHours = NumberList(m_editor, "cmbHours", 24);
-    cmbMins = NumberList(m_editor, "cmbMins", 60);
+    cmbHours = NumberList(cells, "cmbHours", 24);
+    cmbMins = NumberList(cells, "cmbMins", 60);
     connect(cmbHours, &QComboBox::currentIndexChanged, this, &frmList::WriteDateCell);
     connect(cmbMins, &QComboBox::currentIndexChanged, this, &frmList::WriteDateCell);
-    cmbPrinter = NamedList(m_editor, "cmbPrinter", {});
+    cmbPrinter = NamedList(cells, "cmbPrinter", {});
     connect(cmbPrinter, &QComboBox::textActivated, this, &frmList::WriteCell);
-    auto *row = new QHBoxLayout(m_editor);
-    row->setContentsMargins(0, 0, 0, 0);
-    row->setSpacing(2);
-    for (QWidget *control : std::initializer_list<QWidget *>{txtEdit, dtList, cmbHours, cmbMins, cmbPrinter})
-        row->addWidget(control);
-    m_editor->hide();
+    for (QWidget *control : Editors())
+        control->hide();
+}
+
+QList<QWidget *> frmList::Editors() const
+{
+    return {txtEdit, dtList, cmbHours, cmbMins, cmbPrinter};
+}
+
+QList<QWidget *> frmList::KindEditors() const
+{
+    if (m_kind == Date)
+        return {dtList};
+    if (m_kind == DateTime)
+        return {dtList, cmbHours, cmbMins};
+    if (m_kind == Printer)
+        return {cmbPrinter};
+    return {txtEdit};
 }
 
 void frmList::ClearForm(const QString &kind)
@@ -159,11 +170,6 @@ void frmList::SetKind(const QString &kind)
     m_kind = kind;
     for (QAction *entry : std::as_const(m_kindEntries))
         entry->setChecked(entry->data().toString() == kind);
-    txtEdit->setVisible(kind == Std);
-    dtList->setVisible(kind == Date || kind == DateTime);
-    cmbHours->setVisible(kind == DateTime);
-    cmbMins->setVisible(kind == DateTime);
-    cmbPrinter->setVisible(kind == Printer);
     if (kind == Printer)
         LoadPrinters();
     ShowEditor();
@@ -203,11 +209,11 @@ void frmList::ShowFileName(const QString &path)
 
 void frmList::ShowEditor()
 {
+    for (QWidget *control : Editors())
+        control->hide();
     const int row = fgList->currentRow();
-    if (row < 0) {
-        m_editor->hide();
+    if (row < 0)
         return;
-    }
     const QString text = fgList->item(row, 0)->text();
     m_filling = true;
     txtEdit->setText(text);
@@ -219,13 +225,10 @@ void frmList::ShowEditor()
     cmbPrinter->setCurrentIndex(cmbPrinter->findText(text));
     m_filling = false;
     PlaceEditor();
-    m_editor->show();
-    QWidget *first = dtList;
-    if (m_kind == Std)
-        first = txtEdit;
-    else if (m_kind == Printer)
-        first = cmbPrinter;
-    first->setFocus();
+    const QList<QWidget *> editors = KindEditors();
+    for (QWidget *control : editors)
+        control->show();
+    editors.first()->setFocus();
 }
 
 void frmList::PlaceEditor()
@@ -233,9 +236,16 @@ void frmList::PlaceEditor()
     const int row = fgList->currentRow();
     if (row < 0)
         return;
+    // The first control takes what the others, at their natural widths, leave of the cell.
     QRect cell = fgList->visualItemRect(fgList->item(row, 0));
-    cell.setHeight(qMax(cell.height(), m_editor->sizeHint().height()));
-    m_editor->setGeometry(cell);
+    const QList<QWidget *> editors = KindEditors();
+    int right = cell.right() + 1;
+    for (qsizetype index = editors.size() - 1; index > 0; --index) {
+        const int width = editors.at(index)->sizeHint().width();
+        editors.at(index)->setGeometry(right - width, cell.top(), width, cell.height());
+        right -= width;
+    }
+    editors.first()->setGeometry(cell.left(), cell.top(), right - cell.left(), cell.height());
 }
 
 void frmList::WriteCell(const QString &text)
@@ -256,6 +266,9 @@ void frmList::WriteDateCell()
 
 bool frmList::eventFilter(QObject *watched, QEvent *event)
 {
+    // The column takes the new width after the resize has been handled.
+    if (watched == fgList->viewport() && event->type() == QEvent::Resize)
+        QMetaObject::invokeMethod(this, &frmList::PlaceEditor, Qt::QueuedConnection);
     if (watched == txtEdit && event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent *>(event)->key();
         const int step = key == Qt::Key_Up ? -1 : key == Qt::Key_Down || key == Qt::Key_Return ? 1 : 0;

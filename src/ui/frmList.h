@@ -44,6 +44,9 @@ protected:
 private:
     void BuildMenus();
     void BuildEditors();
+    QList<QWidget *> Editors() const;
+    // The controls that edit a cell of the list's kind, the first taking the focus.
+    QList<QWidget *> KindEditors() const;
     QAction *AddKind(QMenu *menu, const char *name, const QString &caption, const QString &kind);
     void SetKind(const QString &kind);
     void LoadPrinters();
@@ -67,7 +70,6 @@ private:
     QString m_fileName;
     QList<QAction *> m_kindEntries;
     QTableWidget *fgList = nullptr;
-    QWidget *m_editor = nullptr;
     QLineEdit *txtEdit = nullptr;
     QDateEdit *dtList = nullptr;
     QComboBox *cmbHours = nullptr;
