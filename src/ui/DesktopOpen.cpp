@@ -9,10 +9,11 @@
 
 void OpenWithDesktop(Prompter &prompter, const QString &title, const QUrl &address)
 {
-    if (!QDesktopServices::openUrl(address))
-        prompter.ShowMessage(
-            title, QStringLiteral("No program of the desktop could open ") + address.toDisplayString(),
-            Prompter::Icon::Warning);
+    if (QDesktopServices::openUrl(address))
+        return;
+    const QString shown = address.isLocalFile() ? address.toLocalFile() : address.toDisplayString();
+    prompter.ShowMessage(title, QStringLiteral("No program of the desktop could open ") + shown,
+                         Prompter::Icon::Warning);
 }
 
 void OpenHelpPage(Prompter &prompter, const QString &appPath, const QString &page)

@@ -31,8 +31,9 @@ public:
     bool AskOkCancel(const QString &title, const QString &text) override { return ask(title, text); }
     void FatalError(const QorloError &error) override { fatal.append(error.runTimeText()); }
     // The dialogs record "TITLE: FOLDER".
-    QString AskOpenFileName(const QString &title, const QString &folder, const QString &) override
+    QString AskOpenFileName(const QString &title, const QString &folder, const QString &filter) override
     {
+        filters.append(filter);
         return fileName(title, folder);
     }
     QString AskFolder(const QString &title, const QString &folder) override
@@ -54,6 +55,8 @@ public:
     QStringList messages;
     QStringList questions;
     QStringList fatal;
+    // The filter of each file dialog that opened a file.
+    QStringList filters;
     bool answer;
     // Questions that took `answer` because no answer was set.
     int unanswered = 0;

@@ -74,7 +74,14 @@ void TestFrmSMTP::fieldsChecksAndSave()
         {"txtPassword", "s3cret"}};
     for (const auto &[name, value] : loaded)
         QCOMPARE(f.field(name)->text(), QLatin1String(value));
-    QCOMPARE(f.field<QPlainTextEdit>("txtMessage")->toPlainText(), u"Hello\nteam"_s);
+    auto *message = f.field<QPlainTextEdit>("txtMessage");
+    QCOMPARE(message->toPlainText(), u"Hello\nteam"_s);
+    // Tab leaves the message for the next field instead of going into the text.
+    QApplication::setActiveWindow(f.window.get());
+    message->setFocus();
+    QTest::keyClick(message, Qt::Key_Tab);
+    QCOMPARE(message->toPlainText(), u"Hello\nteam"_s);
+    QCOMPARE(QApplication::focusWidget(), f.field("txtDelay"));
     auto *secure = f.field<QCheckBox>("chkSecure");
     auto *frame = f.field<QGroupBox>("frSecure");
     QVERIFY(secure->isChecked());
