@@ -29,8 +29,6 @@ class DeskCommands : public QObject
     Q_OBJECT
 public:
     static constexpr int WindowEntries = 6;
-    // The page of the maker's knowledgebase, on the host that the setting Knowledgebase names.
-    static inline const QString KnowledgePage = QStringLiteral("/qiss/getfaq.asp?id=270");
 
     DeskCommands(QorloGlobals &globals, frmMain &main);
 

@@ -2,6 +2,7 @@
 // connection test of a report and the mails of files to the support mailbox.
 #include "DeskCommands.h"
 
+#include "DeskSettings.h"
 #include "DesktopOpen.h"
 #include "SupportMail.h"
 #include "frmList.h"
@@ -9,7 +10,6 @@
 
 #include "core/CommonFile.h"
 #include "core/QorloError.h"
-#include "core/TWReg.h"
 #include "run/ReportConnections.h"
 #include "run/RunState.h"
 #include "scheduler/Prompter.h"
@@ -23,30 +23,6 @@ namespace {
 
 const QString kListFilter = QStringLiteral("List Files (*.lst);;All Files (*)");
 const QString kSelectReport = QStringLiteral("Please select a report from the list");
-
-// The kinds of file View Report Now offers, each switched on by a setting of the section File Type.
-struct FileKind
-{
-    const char *setting;
-    bool offered;
-    const char *filter;
-};
-constexpr FileKind kFileKinds[] = {
-    {"rpt", true, "Crystal Report (*.rpt)"},      {"txt", false, "Text File (*.rtf *.txt)"},
-    {"web", false, "Web Document (*.htm *.jpg)"}, {"xls", false, "MS Excel (*.xls)"},
-    {"dbf", false, "xBase Table (*.dbf)"},        {"db", false, "Paradox Table (*.db)"}};
-
-QString BrowseFilter()
-{
-    QStringList filters;
-    for (const FileKind &kind : kFileKinds) {
-        const QString fallback = kind.offered ? QStringLiteral("Yes") : QStringLiteral("No");
-        if (TWReg::ReadSetting(QStringLiteral("File Type"), QLatin1String(kind.setting), fallback) ==
-            QLatin1String("Yes"))
-            filters.append(QLatin1String(kind.filter));
-    }
-    return filters.join(QStringLiteral(";;"));
-}
 
 } // namespace
 
@@ -78,7 +54,8 @@ void DeskCommands::DeleteList()
 void DeskCommands::ViewReportNow()
 {
     const QString title = QStringLiteral("View Report Now");
-    const QString file = m_globals.prompter.AskOpenFileName(title, m_globals.AppPath, BrowseFilter());
+    const QString file =
+        m_globals.prompter.AskOpenFileName(title, m_globals.AppPath, DeskSettings::BrowseFilter());
     if (file.isEmpty())
         return;
     if (CommonFile::FileExtension(file).toUpper() == QLatin1String("RPT"))
@@ -108,9 +85,7 @@ void DeskCommands::OpenHelp()
 
 void DeskCommands::OpenKnowledgebase()
 {
-    const QString host = TWReg::ReadSetting(QStringLiteral("System"), QStringLiteral("Knowledgebase"),
-                                            QStringLiteral(QORLO_KNOWLEDGEBASE));
-    OpenWithDesktop(m_globals.prompter, QStringLiteral("Knowledgebase"), QUrl(host + KnowledgePage));
+    OpenWithDesktop(m_globals.prompter, QStringLiteral("Knowledgebase"), DeskSettings::KnowledgebasePage());
 }
 
 void DeskCommands::SendXmlFiles()

@@ -134,6 +134,8 @@ void frmConnect::BuildMenus()
     m_retainUser = add(options, "mnuRetainUser", QStringLiteral("Retain Report User"),
                        [this] { mnuRetainUser_Click(); });
     m_retainUser->setCheckable(true);
+    options->addSeparator();
+    add(options, "mnuLockPassword", QStringLiteral("&Lock Password..."), [this] { mnuLockPassword_Click(); });
     QMenu *help = bar->addMenu(QStringLiteral("&Help"));
     add(help, "mnuHelp", QStringLiteral("&Help"),
         [this] { OpenHelpPage(m_globals.prompter, m_globals.AppPath, QStringLiteral("connect.htm")); });

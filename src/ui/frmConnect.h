@@ -55,6 +55,8 @@ private:
     void mnuDelete_Click();
     void mnuCaseSensitive_Click();
     void mnuRetainUser_Click();
+    // The password the main window asks before it opens this one; typed twice, empty for none.
+    void mnuLockPassword_Click();
     QString ConnectFolder() const;
 
     QorloGlobals &m_globals;

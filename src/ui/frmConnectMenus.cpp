@@ -101,3 +101,21 @@ void frmConnect::mnuRetainUser_Click()
         connections.UserOption == QLatin1String("Yes") ? QStringLiteral("No") : QStringLiteral("Yes");
     m_retainUser->setChecked(connections.UserOption == QLatin1String("Yes"));
 }
+
+void frmConnect::mnuLockPassword_Click()
+{
+    const QString title = QStringLiteral("Database Connection");
+    clsConnect &connections = m_globals.Connections;
+    const QString password = m_globals.prompter.AskText(
+        title, QStringLiteral("Enter the new password of this window, or nothing to open it freely"), true);
+    if (password.isEmpty()) {
+        if (connections.Connection_Password.isEmpty() ||
+            !m_globals.prompter.AskYesNo(title, QStringLiteral("Open this window without a password?")))
+            return;
+    } else if (m_globals.prompter.AskText(title, QStringLiteral("Enter the new password again"), true) !=
+               password) {
+        return m_globals.prompter.ShowMessage(title, QStringLiteral("Passwords do not match!"));
+    }
+    connections.Connection_Password = password;
+    connections.Save();
+}

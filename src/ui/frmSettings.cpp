@@ -1,5 +1,6 @@
 #include "frmSettings.h"
 
+#include "DeskSettings.h"
 #include "DialogButtons.h"
 #include "NamedControls.h"
 
@@ -7,10 +8,14 @@
 #include "scheduler/PrinterNames.h"
 
 #include <QButtonGroup>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QGridLayout>
+#include <QGroupBox>
 #include <QHBoxLayout>
+#include <QLineEdit>
 #include <QRadioButton>
 #include <QSpinBox>
 #include <QVBoxLayout>
@@ -55,12 +60,15 @@ frmSettings::frmSettings(QorloGlobals &globals, QWidget *parent) : QDialog(paren
     optScreen = Option(this, "optScreen", QStringLiteral("Screen"));
     optPrinter = Option(this, "optPrinter", QStringLiteral("Printer"));
     cmbPrinter = NamedList(this, "cmbPrinter", {});
+    txtKnowledgebase = NamedLine(this, "txtKnowledgebase");
 
     auto *fields = new QFormLayout;
     fields->addRow(QStringLiteral("Viewer window"), Choice(this, optNormal, optMaximised));
     fields->addRow(QStringLiteral("Report Zoom"), spnZoom);
     fields->addRow(QStringLiteral("Report Output"), Choice(this, optScreen, optPrinter));
     fields->addRow(QStringLiteral("Printer"), cmbPrinter);
+    fields->addRow(FileKindBoxes());
+    fields->addRow(QStringLiteral("Knowledgebase host"), txtKnowledgebase);
     auto *buttons = new QDialogButtonBox(this);
     AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
     AddButton(
@@ -69,6 +77,20 @@ frmSettings::frmSettings(QorloGlobals &globals, QWidget *parent) : QDialog(paren
     layout->addLayout(fields);
     layout->addWidget(buttons);
     LoadSettings();
+}
+
+// A box for each kind of file, named after its setting: chkrpt, chktxt, ...
+QWidget *frmSettings::FileKindBoxes()
+{
+    auto *group = new QGroupBox(QStringLiteral("View Report Now offers"), this);
+    auto *grid = new QGridLayout(group);
+    for (const DeskSettings::FileKind &kind : DeskSettings::FileKinds()) {
+        auto *box = new QCheckBox(QLatin1String(kind.name), group);
+        box->setObjectName(QStringLiteral("chk") + QLatin1String(kind.setting));
+        grid->addWidget(box, int(m_fileKinds.size()) / 2, int(m_fileKinds.size()) % 2);
+        m_fileKinds.append(box);
+    }
+    return group;
 }
 
 void frmSettings::LoadSettings()
@@ -83,6 +105,9 @@ void frmSettings::LoadSettings()
     cmbPrinter->clear();
     cmbPrinter->addItems(InstalledPrinterNames());
     SelectOrAdd(cmbPrinter, TWReg::ReadSetting(kSystem, QStringLiteral("Printer"), QString()));
+    for (qsizetype index = 0; index < m_fileKinds.size(); ++index)
+        m_fileKinds.at(index)->setChecked(DeskSettings::Offered(DeskSettings::FileKinds().at(index)));
+    txtKnowledgebase->setText(DeskSettings::KnowledgebaseHost());
 }
 
 void frmSettings::cmdSave_Click()
@@ -93,5 +118,8 @@ void frmSettings::cmdSave_Click()
     TWReg::SaveSetting(kSystem, QStringLiteral("Report Output"),
                        optPrinter->isChecked() ? QStringLiteral("Printer") : QStringLiteral("Screen"));
     TWReg::SaveSetting(kSystem, QStringLiteral("Printer"), cmbPrinter->currentText());
+    for (qsizetype index = 0; index < m_fileKinds.size(); ++index)
+        DeskSettings::SetOffered(DeskSettings::FileKinds().at(index), m_fileKinds.at(index)->isChecked());
+    DeskSettings::SetKnowledgebaseHost(txtKnowledgebase->text());
     accept();
 }

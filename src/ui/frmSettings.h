@@ -1,11 +1,13 @@
 #pragma once
 // The Output Settings window: how View Report Now shows a report (viewer window state and zoom, screen
-// or printer, and which printer).
+// or printer, and which printer), which kinds of file it offers, and the knowledgebase's host.
 
 #include <QDialog>
 
 class QorloGlobals;
+class QCheckBox;
 class QComboBox;
+class QLineEdit;
 class QRadioButton;
 class QSpinBox;
 
@@ -19,6 +21,7 @@ public:
     void LoadSettings();
 
 private:
+    QWidget *FileKindBoxes();
     void cmdSave_Click();
 
     QorloGlobals &m_globals;
@@ -28,4 +31,6 @@ private:
     QRadioButton *optScreen = nullptr;
     QRadioButton *optPrinter = nullptr;
     QComboBox *cmbPrinter = nullptr;
+    QList<QCheckBox *> m_fileKinds;
+    QLineEdit *txtKnowledgebase = nullptr;
 };

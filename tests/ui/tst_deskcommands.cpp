@@ -24,10 +24,12 @@
 #include "ui/frmTableMap.h"
 
 #include <QAction>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDesktopServices>
 #include <QDirIterator>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QRadioButton>
 #include <QSignalSpy>
@@ -181,6 +183,8 @@ class TestDeskCommands : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase() { ShortMailTimeouts(); }
+    // Each case starts from the program's default settings.
+    void init() { QFile::remove(TWReg::SettingsFolder() + u"/QorloMANAGER.ini"_s); }
     void everyMenuEntryActs();
     void windowList();
     void viewReportNowAndHelp();
@@ -415,6 +419,11 @@ void TestDeskCommands::listFilesTableMapAndOutput()
     QVERIFY(Child<QRadioButton>(output, "optScreen")->isChecked());
     QCOMPARE(Child<QSpinBox>(output, "spnZoom")->value(), 100);
     QCOMPARE(Child<QComboBox>(output, "cmbPrinter")->currentText(), u"Office"_s);
+    QVERIFY(Child<QCheckBox>(output, "chkrpt")->isChecked());
+    QVERIFY(!Child<QCheckBox>(output, "chkweb")->isChecked());
+    QCOMPARE(Child<QLineEdit>(output, "txtKnowledgebase")->text(), QStringLiteral(QORLO_KNOWLEDGEBASE));
+    Child<QCheckBox>(output, "chkweb")->setChecked(true);
+    Child<QLineEdit>(output, "txtKnowledgebase")->setText(u"https://kb.example.com"_s);
     Child<QRadioButton>(output, "optMaximised")->setChecked(true);
     Child<QRadioButton>(output, "optPrinter")->setChecked(true);
     Child<QSpinBox>(output, "spnZoom")->setValue(150);
@@ -423,6 +432,12 @@ void TestDeskCommands::listFilesTableMapAndOutput()
     QCOMPARE(TWReg::ReadSetting(u"System"_s, u"Report Zoom"_s, QString()), u"150"_s);
     QCOMPARE(TWReg::ReadSetting(u"System"_s, u"Report Output"_s, QString()), u"Printer"_s);
     QCOMPARE(TWReg::ReadSetting(u"System"_s, u"Printer"_s, QString()), u"Office"_s);
+    // View Report Now and the knowledgebase take them.
+    f.trigger("mnuBrowse");
+    QCOMPARE(f.prompter.filters.takeLast(), u"Crystal Report (*.rpt);;Web Document (*.htm *.jpg)"_s);
+    UrlReceiver urls({u"https"_s});
+    f.trigger("mnuKnowledge");
+    QCOMPARE(urls.opened, QList<QUrl>{QUrl(u"https://kb.example.com/qiss/getfaq.asp?id=270"_s)});
 }
 
 void TestDeskCommands::supportMails()

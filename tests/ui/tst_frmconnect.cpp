@@ -244,6 +244,24 @@ void TestFrmConnect::rowsLeftDeletedAndOptions()
     Child<QAction>(&window, "mnuRetainUser")->trigger();
     QCOMPARE(list.UserOption, u"Yes"_s);
 
+    // The lock password, typed twice; nothing typed removes it after a question.
+    auto *lock = Child<QAction>(&window, "mnuLockPassword");
+    f.prompter.setNextTexts({u"abc"_s, u"abd"_s});
+    lock->trigger();
+    QCOMPARE(f.prompter.take().last(), u"Database Connection: Passwords do not match!"_s);
+    QVERIFY(list.Connection_Password.isEmpty());
+    f.prompter.setNextTexts({u"abc"_s, u"abc"_s});
+    lock->trigger();
+    saved.Load(f.path(u"Connect.XML"_s));
+    QCOMPARE(saved.Connection_Password, u"abc"_s);
+    QVERIFY(!ReadFile(f.path(u"Connect.XML"_s)).contains(">abc<"));
+    f.prompter.take();
+    f.prompter.setNextAnswers({true});
+    lock->trigger();
+    QCOMPARE(f.prompter.take().last(), u"Database Connection: Open this window without a password?"_s);
+    QVERIFY(!ReadFile(f.path(u"Connect.XML"_s)).contains("<Connection_Password>"));
+    QVERIFY(list.Connection_Password.isEmpty());
+
     // Save As moves the list to another file; Open reads one.
     f.prompter.setNextFileNames({f.path(u"Other/Connect.XML"_s)});
     QDir(f.dir.path()).mkdir(u"Other"_s);

@@ -71,6 +71,8 @@ class TestFrmLog : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
+    // Each case starts from the viewer's start values.
+    void init() { QFile::remove(TWReg::SettingsFolder() + u"/QorloMANAGER.ini"_s); }
     void filtersAndColumns();
     void emptyLogs();
     void clearExportRefresh();
