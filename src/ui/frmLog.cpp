@@ -165,12 +165,15 @@ void frmLog::BuildMenus()
     layout()->setMenuBar(bar);
 }
 
+// A window already open only comes to the front, as the operator left it.
 void frmLog::ShowLog()
 {
-    ApplyMeasures();
-    ViewLog(qint16(Setting("Filter", LogFilter::AllReports)));
-    WatchLogFile();
-    show();
+    if (!isVisible()) {
+        ApplyMeasures();
+        ViewLog(qint16(Setting("Filter", LogFilter::AllReports)));
+        WatchLogFile();
+        show();
+    }
     raise();
     activateWindow();
 }

@@ -19,7 +19,7 @@ public:
     explicit frmLog(QorloGlobals &globals, QWidget *parent = nullptr);
     ~frmLog() override;
 
-    // Shows the window with its kept measures and filter, in front.
+    // Shows the window with its kept measures and filter, in front; an open one only comes to the front.
     void ShowLog();
     // Stores the filter in the viewer settings, marks its menu entry and refills the grid.
     void ViewLog(qint16 filter);

@@ -240,6 +240,9 @@ void TestFrmLog::measuresAndLogSettings()
     QCOMPARE(grid->columnWidth(4), 65);
     window.resize(600, 300);
     grid->setColumnWidth(3, 300);
+    // Opening it again while it is open keeps it as it is.
+    window.ShowLog();
+    QCOMPARE(window.size(), QSize(600, 300));
     window.close();
     QCOMPARE(TWReg::ReadSettingNumber(u"LogForm"_s, u"Width"_s, 0), 9000);
     QCOMPARE(TWReg::ReadSettingNumber(u"LogForm"_s, u"ColDesc"_s, 0), 4500);
