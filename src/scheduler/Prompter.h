@@ -29,4 +29,17 @@ public:
         return QString();
     }
     virtual QString AskFolder(const QString & /*title*/, const QString & /*folder*/) { return QString(); }
+    // A file name to write, starting with `file` (a folder, or a path with a proposed name); empty when
+    // cancelled, and always on a front without dialogs.
+    virtual QString AskSaveFileName(const QString & /*title*/, const QString & /*file*/,
+                                    const QString & /*filter*/)
+    {
+        return QString();
+    }
+    // A line of text the operator types, shown masked when `secret`; empty when cancelled, and always
+    // on a front without dialogs.
+    virtual QString AskText(const QString & /*title*/, const QString & /*prompt*/, bool /*secret*/)
+    {
+        return QString();
+    }
 };

@@ -4,6 +4,8 @@
 
 #include <QApplication>
 #include <QFileDialog>
+#include <QInputDialog>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QTextStream>
 
@@ -69,4 +71,15 @@ QString GuiPrompter::AskOpenFileName(const QString &title, const QString &folder
 QString GuiPrompter::AskFolder(const QString &title, const QString &folder)
 {
     return QFileDialog::getExistingDirectory(QApplication::activeWindow(), title, folder);
+}
+
+QString GuiPrompter::AskSaveFileName(const QString &title, const QString &file, const QString &filter)
+{
+    return QFileDialog::getSaveFileName(QApplication::activeWindow(), title, file, filter);
+}
+
+QString GuiPrompter::AskText(const QString &title, const QString &prompt, bool secret)
+{
+    return QInputDialog::getText(QApplication::activeWindow(), title, prompt,
+                                 secret ? QLineEdit::Password : QLineEdit::Normal);
 }

@@ -1,11 +1,11 @@
 #include "MomentControls.h"
+#include "NamedControls.h"
 
 #include "core/DayDate.h"
 
 #include <QComboBox>
 #include <QDateEdit>
 #include <QHBoxLayout>
-#include <QLocale>
 
 namespace {
 
@@ -22,14 +22,9 @@ QComboBox *NumberList(QWidget *parent, const char *name, int count)
 
 MomentControls::MomentControls(QWidget *parent, const char *dateName, const char *hourName,
                                const char *minuteName)
-    : Date(new QDateEdit(parent)), Hour(NumberList(parent, hourName, 24)),
+    : Date(NamedDatePicker(parent, dateName)), Hour(NumberList(parent, hourName, 24)),
       Minute(NumberList(parent, minuteName, 60))
 {
-    Date->setObjectName(QLatin1String(dateName));
-    Date->setCalendarPopup(true);
-    // Month names as the schedule writes them, whatever the machine's language.
-    Date->setLocale(QLocale::c());
-    Date->setDisplayFormat(QStringLiteral("dd-MMM-yyyy"));
 }
 
 void MomentControls::Show(const DayHourMinute &moment)

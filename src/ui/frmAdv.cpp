@@ -22,6 +22,9 @@ frmAdv::frmAdv(QorloGlobals &globals, QWidget *parent)
     m_status = new QLabel(this);
     m_status->setObjectName(QStringLiteral("lblStatus"));
     m_status->setWordWrap(true);
+    // The longest answer takes three lines: room for them keeps it from being cut off.
+    m_status->setMinimumHeight(3 * m_status->fontMetrics().lineSpacing());
+    m_status->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 
     auto *buttons = new QDialogButtonBox(this);
     AddButton(buttons, "cmdAnalyse", QStringLiteral("Analyse Schedule"), [this] { cmdAnalyse_Click(); });

@@ -56,6 +56,11 @@ void frmDomain::BuildGrid()
         m_grid->setItem(row, kDomainColumn, new QTableWidgetItem);
     }
 
+    // All ten rows in view, without a scroll bar.
+    m_grid->setMinimumHeight(m_grid->horizontalHeader()->sizeHint().height() +
+                             m_grid->verticalHeader()->length() + 2 * m_grid->frameWidth());
+    m_grid->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+
     m_edit = new QLineEdit(m_grid->viewport());
     m_edit->setObjectName(QStringLiteral("txtEdit"));
     m_edit->hide();

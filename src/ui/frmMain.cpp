@@ -1,6 +1,9 @@
 #include "frmMain.h"
 
+#include "DeskCommands.h"
 #include "GridSort.h"
+#include "OpenForms.h"
+#include "SupportMail.h"
 #include "frmAdv.h"
 #include "frmBackup.h"
 #include "frmDomain.h"
@@ -20,7 +23,6 @@
 #include <QCloseEvent>
 #include <QHeaderView>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QStatusBar>
 #include <QTableWidget>
 #include <QWindow>
@@ -51,12 +53,6 @@ int Pixels(qint32 twips)
 qint32 clsViewer::*const kColumnWidths[] = {&clsViewer::Viewer_ColDate, &clsViewer::Viewer_ColDesc,
                                             &clsViewer::Viewer_ColFile, &clsViewer::Viewer_ColDest,
                                             &clsViewer::Viewer_ColRun};
-
-// A message box is no form: coming back from one is not coming back to the front.
-bool IsForm(const QWidget *window)
-{
-    return !qobject_cast<const QMessageBox *>(window) && window->windowType() != Qt::Popup;
-}
 
 } // namespace
 
@@ -148,6 +144,9 @@ void frmMain::BuildMenus()
 
     QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
     AddAction(help, "mnuOnLineHelp", QStringLiteral("Send Help Message"), [this] { OpenHelpMessage(); });
+
+    m_desk = new DeskCommands(m_globals, *this);
+    m_desk->AddEntries(schedule, settings, view, help);
 }
 
 void frmMain::Guarded(const std::function<void()> &command)
@@ -376,9 +375,8 @@ void frmMain::OpenScheduleTimers()
 // A message to the maker's support mailbox; not while a run is on, as the mail client is in use.
 void frmMain::OpenHelpMessage()
 {
-    if (!m_globals.Schedule.ProcessingID.isEmpty())
-        return m_globals.prompter.ShowMessage(QStringLiteral("QorloMANAGER"),
-                                              QStringLiteral("Please wait until report finished processing"));
+    if (SupportMail::RefusedDuringRun(m_globals))
+        return;
     if (!m_helpMessage)
         m_helpMessage = new frmSendMail(m_globals, this);
     m_helpMessage->ClearMessage();
@@ -454,6 +452,7 @@ void frmMain::OnFocusWindowChanged(QWindow *window)
     m_lastFocusWindow = window;
     if (!m_loaded || !before || window != windowHandle())
         return;
+    // Coming back from a message box is not coming back to the front.
     for (const QWidget *other : QApplication::topLevelWidgets()) {
         if (other != this && other->windowHandle() == before && IsForm(other)) {
             Guarded([this] { m_dispatcher.MainWindowInFront(); });

@@ -7,6 +7,7 @@
 #include <QPointer>
 #include <functional>
 
+class DeskCommands;
 class Dispatcher;
 class QorloGlobals;
 class QAction;
@@ -111,6 +112,7 @@ private:
     QAction *m_stop = nullptr;
     QAction *m_autoRun = nullptr;
     QAction *m_encryptDB = nullptr;
+    DeskCommands *m_desk = nullptr;
     frmSMTP *m_smtp = nullptr;
     frmDomain *m_domains = nullptr;
     frmSendMail *m_helpMessage = nullptr;

@@ -2,6 +2,7 @@
 
 #include "DialogButtons.h"
 #include "MailClientEvents.h"
+#include "NamedControls.h"
 
 #include "core/Numbers.h"
 #include "core/QorloError.h"
@@ -12,6 +13,7 @@
 #include "mail/clsSendMail.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGroupBox>
@@ -48,7 +50,11 @@ void frmSMTP::BuildFields()
     m_testTo = AddLine("txtTestTo");
     m_message = new QPlainTextEdit(this);
     m_message->setObjectName(QStringLiteral("txtMessage"));
+    // Tab moves on to the next field, as in every other field of the window.
+    m_message->setTabChangesFocus(true);
     m_delay = AddLine("txtDelay");
+    m_encryption = NamedList(this, "cmbEncryption",
+                             {QStringLiteral("None"), QStringLiteral("STARTTLS"), QStringLiteral("TLS")});
     m_secure = new QCheckBox(QStringLiteral("Server requires authentication"), this);
     m_secure->setObjectName(QStringLiteral("chkSecure"));
     m_user = AddLine("txtUser");
@@ -69,6 +75,7 @@ void frmSMTP::BuildFields()
     fields->addRow(QStringLiteral("Test Address"), m_testTo);
     fields->addRow(QStringLiteral("Standard message"), m_message);
     fields->addRow(QStringLiteral("Delay Between Messages"), m_delay);
+    fields->addRow(QStringLiteral("Encryption"), m_encryption);
 
     auto *buttons = new QDialogButtonBox(this);
     AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
@@ -90,6 +97,7 @@ void frmSMTP::LoadSettings()
     m_testTo->setText(schedule.TestMessageTo);
     m_message->setPlainText(schedule.SMTP_StdMessage);
     m_delay->setText(QString::number(schedule.SMTPDelay));
+    SelectOrAdd(m_encryption, schedule.SMTP_Encryption);
     const bool secure = schedule.SMTPAuthentication == QLatin1String("Yes");
     m_secure->setChecked(secure);
     m_secureFrame->setEnabled(secure);
@@ -139,6 +147,7 @@ void frmSMTP::SaveFields()
     // A delay that is no number leaves the old one without a word.
     if (Numbers::IsNumeric(m_delay->text()))
         schedule.SMTPDelay = Numbers::TextToInt16(m_delay->text());
+    schedule.SMTP_Encryption = m_encryption->currentText();
     schedule.SMTPAuthentication = m_secure->isChecked() ? QStringLiteral("Yes") : QStringLiteral("No");
     schedule.SMTPUser = m_user->text();
     schedule.SMTPPassword = m_password->text();
@@ -171,7 +180,7 @@ void frmSMTP::SendTestMessage()
     const SmtpSettings fields{m_server->text(),
                               m_from->text(),
                               Numbers::TextToInt32(m_port->text()),
-                              m_globals.Schedule.SMTP_Encryption,
+                              m_encryption->currentText(),
                               m_secure->isChecked() ? QStringLiteral("Yes") : QStringLiteral("No"),
                               m_user->text(),
                               m_password->text()};

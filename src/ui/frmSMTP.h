@@ -5,6 +5,7 @@
 
 class QorloGlobals;
 class QCheckBox;
+class QComboBox;
 class QGroupBox;
 class QLineEdit;
 class QPlainTextEdit;
@@ -37,6 +38,7 @@ private:
     QLineEdit *m_testTo = nullptr;
     QPlainTextEdit *m_message = nullptr;
     QLineEdit *m_delay = nullptr;
+    QComboBox *m_encryption = nullptr;
     QCheckBox *m_secure = nullptr;
     QGroupBox *m_secureFrame = nullptr;
     QLineEdit *m_user = nullptr;

@@ -1,13 +1,10 @@
 #include "frmSendMail.h"
 
 #include "DialogButtons.h"
-#include "MailClientEvents.h"
+#include "SupportMail.h"
 
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
-#include "mail/SmtpLog.h"
-#include "mail/clsSendMail.h"
-#include "run/MailSources.h"
 
 #include <QDialogButtonBox>
 #include <QPlainTextEdit>
@@ -44,22 +41,7 @@ void frmSendMail::cmdSend_Click()
         m_globals.prompter.ShowMessage(QStringLiteral("Send Help message"),
                                        QStringLiteral("No Message to send"));
     else
-        SendHelpMessage(text);
+        SupportMail::Send(m_globals, QStringLiteral("Sending Help Message"),
+                          QStringLiteral("QorloMANAGER help request "), text);
     close();
-}
-
-// The server and sender are the schedule's, as for every mail of a run.
-void frmSendMail::SendHelpMessage(const QString &text)
-{
-    SmtpLog::StartSmtpLog(QStringLiteral("Sending Help Message"));
-    const SmtpSettings settings = MailSources::ServerSettings(m_globals.Schedule);
-    MailClientEvents events(m_globals.prompter, m_globals.AppPath);
-    clsSendMail &mail = events.poSendMail();
-    mail.SetSMTPHost(settings.server);
-    mail.SetFrom(settings.from);
-    settings.ApplyTo(mail);
-    mail.SetRecipient(QStringLiteral(QORLO_SUPPORT_MAILBOX));
-    mail.SetSubject(QStringLiteral("QorloMANAGER help request "));
-    mail.SetMessage(text);
-    mail.Send();
 }

@@ -17,7 +17,6 @@ public:
 
 private:
     void cmdSend_Click();
-    void SendHelpMessage(const QString &text);
 
     QorloGlobals &m_globals;
     QPlainTextEdit *m_text = nullptr;

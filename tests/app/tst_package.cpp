@@ -83,8 +83,9 @@ void TestPackage::installedPackageRunsTheExample()
           "usr/share/icons/hicolor/scalable/apps/qorlomanager.svg",
           "usr/share/icons/hicolor/48x48/apps/qorlomanager.png", "usr/lib/systemd/user/qorlomanagerd.service",
           "usr/lib/systemd/user/qorlomanagerd@.service", "usr/share/qorlomanager/help/index.html",
-          "usr/share/qorlomanager/help/guide/index.html", "usr/share/doc/qorlomanager/copyright",
-          "usr/share/doc/qorlomanager/changelog.gz", "usr/share/doc/qorlomanager/examples/Qorlo.XML"})
+          "usr/share/qorlomanager/help/connect.htm", "usr/share/qorlomanager/help/guide/index.html",
+          "usr/share/doc/qorlomanager/copyright", "usr/share/doc/qorlomanager/changelog.gz",
+          "usr/share/doc/qorlomanager/examples/Qorlo.XML"})
         QVERIFY2(QFile::exists(root + u'/' + QLatin1StringView(file)), file);
     const Outcome manual = Run(
         u"sh"_s, {u"-c"_s, u"gzip -dc '"_s + root + u"/usr/share/man/man1/qorlomanagerd.1.gz' | man -l -"_s});
@@ -109,6 +110,7 @@ void TestPackage::installedPackageRunsTheExample()
     QVERIFY(AppTest::ReadFile(report).startsWith("%PDF-"));
     QVERIFY(AppTest::WaitForText(app + u"/QorloLog.XML"_s, "Successful output to Output/sales-", 10000));
     QVERIFY(QFile::exists(app + u"/Help/guide/index.html"_s));
+    QVERIFY(QFile::exists(app + u"/Help/connect.htm"_s));
     daemon.stop();
     QCOMPARE(daemon.process()->exitCode(), 0);
 }

@@ -21,6 +21,8 @@ public:
     void setNextAnswers(const QList<bool> &answers) { m_answers = answers; }
     // The names the file and folder dialogs give, in order; then empty.
     void setNextFileNames(const QStringList &names) { m_fileNames = names; }
+    // The texts the operator types at the next text questions, in order; then empty.
+    void setNextTexts(const QStringList &texts) { m_texts = texts; }
     // "TITLE: TEXT" of each box and question since the last take, and forgets them.
     QStringList take() { return std::exchange(messages, {}); }
 
@@ -29,19 +31,32 @@ public:
     bool AskOkCancel(const QString &title, const QString &text) override { return ask(title, text); }
     void FatalError(const QorloError &error) override { fatal.append(error.runTimeText()); }
     // The dialogs record "TITLE: FOLDER".
-    QString AskOpenFileName(const QString &title, const QString &folder, const QString &) override
+    QString AskOpenFileName(const QString &title, const QString &folder, const QString &filter) override
     {
+        filters.append(filter);
         return fileName(title, folder);
     }
     QString AskFolder(const QString &title, const QString &folder) override
     {
         return fileName(title, folder);
     }
+    QString AskSaveFileName(const QString &title, const QString &file, const QString &) override
+    {
+        return fileName(title, file);
+    }
+    // Records "TITLE: PROMPT".
+    QString AskText(const QString &title, const QString &prompt, bool) override
+    {
+        record(title, prompt);
+        return m_texts.isEmpty() ? QString() : m_texts.takeFirst();
+    }
 
     // "TITLE: TEXT" of every box and question, in order, and of the questions alone.
     QStringList messages;
     QStringList questions;
     QStringList fatal;
+    // The filter of each file dialog that opened a file.
+    QStringList filters;
     bool answer;
     // Questions that took `answer` because no answer was set.
     int unanswered = 0;
@@ -73,6 +88,7 @@ private:
 
     QList<bool> m_answers;
     QStringList m_fileNames;
+    QStringList m_texts;
 };
 
 } // namespace TestSupport

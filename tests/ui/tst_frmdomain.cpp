@@ -67,6 +67,13 @@ void TestFrmDomain::gridAndEditKeys()
     QCOMPARE(f.grid->horizontalHeaderItem(0)->text(), u"Shortcut"_s);
     QCOMPARE(f.grid->horizontalHeaderItem(1)->text(), u"Domain"_s);
     QCOMPARE(f.grid->item(9, 0)->text(), u"@9"_s);
+    // All ten rows are in view.
+    f.window->adjustSize();
+    const QRect last = f.grid->visualItemRect(f.grid->item(9, 1));
+    QVERIFY2(
+        last.top() >= 0 && last.bottom() < f.grid->viewport()->height(),
+        qPrintable(
+            u"row 9 at %1..%2 of %3"_s.arg(last.top()).arg(last.bottom()).arg(f.grid->viewport()->height())));
     QVERIFY(!(f.grid->item(2, 0)->flags() & Qt::ItemIsSelectable));
     QCOMPARE(f.cell(3), u"delta.example"_s);
     QCOMPARE(f.grid->currentColumn(), 1);

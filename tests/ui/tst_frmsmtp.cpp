@@ -9,6 +9,7 @@
 #include "ui/frmSMTP.h"
 
 #include <QCheckBox>
+#include <QComboBox>
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -74,7 +75,14 @@ void TestFrmSMTP::fieldsChecksAndSave()
         {"txtPassword", "s3cret"}};
     for (const auto &[name, value] : loaded)
         QCOMPARE(f.field(name)->text(), QLatin1String(value));
-    QCOMPARE(f.field<QPlainTextEdit>("txtMessage")->toPlainText(), u"Hello\nteam"_s);
+    auto *message = f.field<QPlainTextEdit>("txtMessage");
+    QCOMPARE(message->toPlainText(), u"Hello\nteam"_s);
+    // Tab leaves the message for the next field instead of going into the text.
+    QApplication::setActiveWindow(f.window.get());
+    message->setFocus();
+    QTest::keyClick(message, Qt::Key_Tab);
+    QCOMPARE(message->toPlainText(), u"Hello\nteam"_s);
+    QCOMPARE(QApplication::focusWidget(), f.field("txtDelay"));
     auto *secure = f.field<QCheckBox>("chkSecure");
     auto *frame = f.field<QGroupBox>("frSecure");
     QVERIFY(secure->isChecked());
@@ -106,6 +114,9 @@ void TestFrmSMTP::fieldsChecksAndSave()
     f.setText("txtPort", u"587"_s);
     f.setText("txtDelay", QString());
     f.setText("txtUser", u"other"_s);
+    auto *encryption = f.field<QComboBox>("cmbEncryption");
+    QCOMPARE(encryption->currentText(), u"None"_s);
+    encryption->setCurrentText(u"STARTTLS"_s);
     f.click("cmdSave");
     QVERIFY(!f.window->isVisible());
     QVERIFY(f.prompter.take().isEmpty());
@@ -116,6 +127,7 @@ void TestFrmSMTP::fieldsChecksAndSave()
     QCOMPARE(saved->SMTPDelay, qint16(7));
     QCOMPARE(saved->SMTPAuthentication, u"No"_s);
     QCOMPARE(saved->SMTPUser, u"other"_s);
+    QCOMPARE(saved->SMTP_Encryption, u"STARTTLS"_s);
 
     // A numeric delay is taken; a port that is no number is the fatal conversion error, and the
     // window stays.
@@ -154,6 +166,12 @@ void TestFrmSMTP::testMessageReachesTheServer()
     QVERIFY2(log.contains(u"Message sent to tester@example.com"_s), qPrintable(log));
     QVERIFY(f.window->isVisible());
     QVERIFY(!QFile::exists(f.dir.filePath(u"Qorlo.XML"_s)));
+
+    // The encryption chosen in the window is the one tried: the plain server cannot speak TLS.
+    f.field<QComboBox>("cmbEncryption")->setCurrentText(u"TLS"_s);
+    f.click("cmdTest");
+    QVERIFY(f.prompter.take().value(0).startsWith(u"SMTP Message: Send Failed"_s));
+    QCOMPARE(peer.messages().size(), 1);
 }
 
 void TestFrmSMTP::failedTestMessage()
