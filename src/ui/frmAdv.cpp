@@ -4,7 +4,7 @@
 
 #include "calendar/AdvanceSchedule.h"
 #include "core/Clock.h"
-#include "core/QorloError.h"
+#include "WindowHandler.h"
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
 
@@ -58,9 +58,6 @@ void frmAdv::cmdProcess_Click()
         m_status->setText(AdvanceTexts::Cancelled);
         return;
     }
-    try {
-        m_status->setText(ProcessAdvance(m_globals.Schedule, moment));
-    } catch (const QorloError &error) {
-        m_globals.prompter.FatalError(error);
-    }
+    RunHandler(m_globals.prompter,
+               [this, moment] { m_status->setText(ProcessAdvance(m_globals.Schedule, moment)); });
 }

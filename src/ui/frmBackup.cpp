@@ -2,7 +2,7 @@
 
 #include "DialogButtons.h"
 
-#include "core/QorloError.h"
+#include "WindowHandler.h"
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
 
@@ -61,16 +61,12 @@ void frmBackup::LoadSettings()
     m_purgeDays->setText(settings.PurgeDays);
 }
 
-// Purge days that are no number are a failure that no handler catches: it ends the process.
+// Purge days that are no number show their run-time error; the window stays.
 void frmBackup::cmdSave_Click()
 {
     const BackupSettings settings{m_frequency->currentText(), m_next.Picked(), m_previous->text(),
                                   m_previousFile->text(), m_purgeDays->text()};
-    try {
-        SaveBackupSettings(m_globals.Schedule, settings);
-    } catch (const QorloError &error) {
-        m_globals.prompter.FatalError(error);
-        return;
-    }
-    accept();
+    if (RunHandler(m_globals.prompter,
+                   [this, &settings] { SaveBackupSettings(m_globals.Schedule, settings); }))
+        accept();
 }

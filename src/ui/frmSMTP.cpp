@@ -2,9 +2,9 @@
 
 #include "DialogButtons.h"
 #include "MailClientEvents.h"
+#include "WindowHandler.h"
 
 #include "core/Numbers.h"
-#include "core/QorloError.h"
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
 #include "mail/SmtpLog.h"
@@ -115,23 +115,17 @@ bool frmSMTP::Refuse(QWidget *field, const QString &text)
     return false;
 }
 
-// A port that is no number is a failure that no handler catches: it ends the process.
+// A port that is no number shows its run-time error; the window stays and nothing is stored.
 void frmSMTP::cmdSave_Click()
 {
-    if (!FieldsComplete(false))
-        return;
-    try {
-        SaveFields();
-    } catch (const QorloError &error) {
-        m_globals.prompter.FatalError(error);
-        return;
-    }
-    accept();
+    if (FieldsComplete(false) && RunHandler(m_globals.prompter, [this] { SaveFields(); }))
+        accept();
 }
 
 void frmSMTP::SaveFields()
 {
     clsSchedule &schedule = m_globals.Schedule;
+    const qint32 port = Numbers::TextToInt32(m_port->text());
     schedule.SMTP_Server = m_server->text();
     schedule.SMTP_From = m_from->text();
     schedule.TestMessageTo = m_testTo->text();
@@ -142,19 +136,14 @@ void frmSMTP::SaveFields()
     schedule.SMTPAuthentication = m_secure->isChecked() ? QStringLiteral("Yes") : QStringLiteral("No");
     schedule.SMTPUser = m_user->text();
     schedule.SMTPPassword = m_password->text();
-    schedule.SMTP_Port = Numbers::TextToInt32(m_port->text());
+    schedule.SMTP_Port = port;
     m_globals.SaveSchedule();
 }
 
 void frmSMTP::cmdTest_Click()
 {
-    if (!FieldsComplete(true))
-        return;
-    try {
-        SendTestMessage();
-    } catch (const QorloError &error) {
-        m_globals.prompter.FatalError(error);
-    }
+    if (FieldsComplete(true))
+        RunHandler(m_globals.prompter, [this] { SendTestMessage(); });
 }
 
 // The values in the fields are tested, saved or not.

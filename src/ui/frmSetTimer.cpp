@@ -2,7 +2,7 @@
 
 #include "DialogButtons.h"
 
-#include "core/QorloError.h"
+#include "WindowHandler.h"
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
 
@@ -63,12 +63,10 @@ TimerSetting frmSetTimer::PickedTimer(const QCheckBox *check, const MomentContro
 // The main window's caption shows the new timers at its next tick.
 void frmSetTimer::cmdSave_Click()
 {
-    try {
+    const bool saved = RunHandler(m_globals.prompter, [this] {
         SaveTimers(m_globals.Schedule, PickedTimer(m_setStart, m_start), PickedTimer(m_setStop, m_stop),
                    [this] { m_globals.SaveWeb(); });
-    } catch (const QorloError &error) {
-        m_globals.prompter.FatalError(error);
-        return;
-    }
-    accept();
+    });
+    if (saved)
+        accept();
 }
