@@ -1,6 +1,7 @@
 #include "frmAdv.h"
 
 #include "DialogButtons.h"
+#include "TabOrder.h"
 
 #include "calendar/AdvanceSchedule.h"
 #include "core/Clock.h"
@@ -8,6 +9,8 @@
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
 
+#include <QComboBox>
+#include <QDateEdit>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -24,15 +27,18 @@ frmAdv::frmAdv(QorloGlobals &globals, QWidget *parent)
     m_status->setWordWrap(true);
 
     auto *buttons = new QDialogButtonBox(this);
-    AddButton(buttons, "cmdAnalyse", QStringLiteral("Analyse Schedule"), [this] { cmdAnalyse_Click(); });
-    AddButton(buttons, "cmdProcess", QStringLiteral("&Process"), [this] { cmdProcess_Click(); });
+    QPushButton *analyse =
+        AddButton(buttons, "cmdAnalyse", QStringLiteral("Analyse Schedule"), [this] { cmdAnalyse_Click(); });
+    QPushButton *process =
+        AddButton(buttons, "cmdProcess", QStringLiteral("&Process"), [this] { cmdProcess_Click(); });
 
     auto *fields = new QFormLayout;
-    fields->addRow(QStringLiteral("Advance to after"), m_moment.Row());
+    m_moment.AddRow(fields, QStringLiteral("Advance to after"));
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(fields);
     layout->addWidget(m_status);
     layout->addWidget(buttons);
+    SetTabOrder({m_moment.Date, m_moment.Hour, m_moment.Minute, analyse, process});
     LoadSettings();
 }
 

@@ -2,6 +2,7 @@
 
 #include "DialogButtons.h"
 #include "MailClientEvents.h"
+#include "TabOrder.h"
 #include "WindowHandler.h"
 
 #include "core/Numbers.h"
@@ -48,6 +49,7 @@ void frmSMTP::BuildFields()
     m_testTo = AddLine("txtTestTo");
     m_message = new QPlainTextEdit(this);
     m_message->setObjectName(QStringLiteral("txtMessage"));
+    m_message->setTabChangesFocus(true);
     m_delay = AddLine("txtDelay");
     m_secure = new QCheckBox(QStringLiteral("Server requires authentication"), this);
     m_secure->setObjectName(QStringLiteral("chkSecure"));
@@ -71,14 +73,17 @@ void frmSMTP::BuildFields()
     fields->addRow(QStringLiteral("Delay Between Messages"), m_delay);
 
     auto *buttons = new QDialogButtonBox(this);
-    AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    AddButton(buttons, "cmdTest", QStringLiteral("Send &Test Message"), [this] { cmdTest_Click(); });
+    QPushButton *save = AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
+    QPushButton *test =
+        AddButton(buttons, "cmdTest", QStringLiteral("Send &Test Message"), [this] { cmdTest_Click(); });
 
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(fields);
     layout->addWidget(m_secure);
     layout->addWidget(m_secureFrame);
     layout->addWidget(buttons);
+    SetTabOrder(
+        {m_server, m_port, m_from, m_testTo, m_message, m_delay, m_secure, m_user, m_password, save, test});
 }
 
 void frmSMTP::LoadSettings()

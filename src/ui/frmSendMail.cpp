@@ -1,6 +1,7 @@
 #include "frmSendMail.h"
 
 #include "DialogButtons.h"
+#include "TabOrder.h"
 #include "MailClientEvents.h"
 
 #include "scheduler/Prompter.h"
@@ -10,6 +11,7 @@
 #include "run/MailSources.h"
 
 #include <QDialogButtonBox>
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
 
@@ -19,15 +21,20 @@ frmSendMail::frmSendMail(QorloGlobals &globals, QWidget *parent) : QDialog(paren
     setWindowTitle(QStringLiteral("Send Help Message"));
     m_text = new QPlainTextEdit(this);
     m_text->setObjectName(QStringLiteral("txtSend"));
+    m_text->setTabChangesFocus(true);
+    auto *caption = new QLabel(QStringLiteral("&Message to the QorloMANAGER support team"), this);
+    caption->setBuddy(m_text);
 
     auto *buttons = new QDialogButtonBox(this);
-    AddButton(buttons, "cmdSend", QStringLiteral("&Send"), [this] { cmdSend_Click(); });
-    AddButton(
+    QPushButton *send = AddButton(buttons, "cmdSend", QStringLiteral("&Send"), [this] { cmdSend_Click(); });
+    QPushButton *exit = AddButton(
         buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
 
     auto *layout = new QVBoxLayout(this);
+    layout->addWidget(caption);
     layout->addWidget(m_text);
     layout->addWidget(buttons);
+    SetTabOrder({m_text, send, exit});
 }
 
 void frmSendMail::ClearMessage()
