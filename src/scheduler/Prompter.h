@@ -29,4 +29,10 @@ public:
         return QString();
     }
     virtual QString AskFolder(const QString & /*title*/, const QString & /*folder*/) { return QString(); }
+    // A file name to write, which need not exist yet; as above.
+    virtual QString AskSaveFileName(const QString & /*title*/, const QString & /*folder*/,
+                                    const QString & /*filter*/)
+    {
+        return QString();
+    }
 };

@@ -70,3 +70,8 @@ QString GuiPrompter::AskFolder(const QString &title, const QString &folder)
 {
     return QFileDialog::getExistingDirectory(QApplication::activeWindow(), title, folder);
 }
+
+QString GuiPrompter::AskSaveFileName(const QString &title, const QString &folder, const QString &filter)
+{
+    return QFileDialog::getSaveFileName(QApplication::activeWindow(), title, folder, filter);
+}

@@ -14,4 +14,5 @@ public:
     void SetBusy(bool busy) override;
     QString AskOpenFileName(const QString &title, const QString &folder, const QString &filter) override;
     QString AskFolder(const QString &title, const QString &folder) override;
+    QString AskSaveFileName(const QString &title, const QString &folder, const QString &filter) override;
 };

@@ -37,6 +37,10 @@ public:
     {
         return fileName(title, folder);
     }
+    QString AskSaveFileName(const QString &title, const QString &folder, const QString &) override
+    {
+        return fileName(title, folder);
+    }
 
     // "TITLE: TEXT" of every box and question, in order, and of the questions alone.
     QStringList messages;

@@ -275,14 +275,14 @@ void TestFrmMain::windowStateGoesToFormXml()
     clsViewer &viewer = f.globals.Viewer;
     viewer.Viewer_Left = 1500;
     viewer.Viewer_Top = 1200;
-    viewer.Viewer_Width = 9000;
+    viewer.Viewer_Width = 13500;
     viewer.Viewer_Height = 6000;
     viewer.Viewer_ColFile = 2250;
     const QString form = f.path(u"Form.XML"_s);
     f.globals.ViewTable();
     QCOMPARE(f.prompter.take(), QStringList{u"QorloMANAGER: No Data in Schedule"_s});
     f.window.ApplyViewerSettings();
-    QCOMPARE(f.window.size(), QSize(600, 400));
+    QCOMPARE(f.window.size(), QSize(900, 400));
     QCOMPARE(f.window.pos(), QPoint(100, 80));
     f.window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&f.window));

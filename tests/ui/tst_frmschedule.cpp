@@ -6,6 +6,7 @@
 #include "core/AppFolder.h"
 #include "scheduler/Dispatcher.h"
 #include "scheduler/QorloGlobals.h"
+#include "ui/ItemWindows.h"
 #include "ui/frmMain.h"
 #include "ui/frmSchedule.h"
 
@@ -55,6 +56,7 @@ struct EditorFixture : GlobalsFixture
 
     FixedClock clock{QDateTime(QDate(2026, 3, 2), QTime(9, 0))};
     ClockGuard guard{clock};
+    ItemWindows windows{globals, nullptr, nullptr};
 };
 
 } // namespace
@@ -75,7 +77,7 @@ void TestFrmSchedule::fillsEditsAndSaves()
     const QString first = f.addReport(u"Weekly"_s);
     f.schedule.SetFrequency(u"B"_s);
     const QString id = f.addReport(u"Sales"_s);
-    frmSchedule editor(f.globals);
+    frmSchedule &editor = f.windows.Editor();
     editor.ShowSchedule();
     QCOMPARE(editor.windowTitle(), u"Edit schedule for Item "_s + id);
     QCOMPARE(Child<QComboBox>(&editor, "cmbWhen")->currentText(), u"Month(s)"_s);
@@ -118,7 +120,7 @@ void TestFrmSchedule::refusesBlankDestinations()
     EditorFixture f;
     const QString id = f.addReport(u"Sales"_s);
     f.globals.SaveSchedule();
-    frmSchedule editor(f.globals);
+    frmSchedule &editor = f.windows.Editor();
     editor.ShowSchedule();
     editor.show();
     Child<QLineEdit>(&editor, "txtMail")->clear();
@@ -198,7 +200,7 @@ void TestFrmSchedule::runNowKeepsNextRun()
     AppFolder::MakeWorkingFolders(f.dir.path());
     const QString id = f.addReport(u"Job"_s);
     f.schedule.SetFile(WriteScript(f.path(u"job.sh"_s), "exit 0"));
-    frmSchedule editor(f.globals);
+    frmSchedule &editor = f.windows.Editor();
     editor.ShowSchedule();
     QAction *run = editor.findChild<QAction *>(u"mnuRun"_s);
     f.schedule.ProcessingID = id;
