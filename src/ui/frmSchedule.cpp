@@ -24,6 +24,7 @@
 #include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QTabWidget>
+#include <QTabBar>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
@@ -352,6 +353,7 @@ void frmSchedule::BuildCommands(QVBoxLayout *layout)
     layout->addWidget(buttons);
 }
 
+// The tab strip takes its place through its bar: naming the strip itself would split the chain.
 void frmSchedule::SetTabOrder()
 {
     ::SetTabOrder({txtReportName,
@@ -368,7 +370,7 @@ void frmSchedule::SetTabOrder()
                    txtEvery,
                    cmbWhen,
                    fgCollection,
-                   tbOutput,
+                   tbOutput->tabBar(),
                    txtMail,
                    txtMailCC,
                    txtMailBCC,

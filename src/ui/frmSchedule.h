@@ -72,6 +72,7 @@ private:
     void ShowDestinationTabs(bool filling);
     // The "Options" tab from the item's mail form, date stamp and page settings.
     void SetOptions();
+    QString StoredField(int column) const;
     void RefreshDayLine();
     void WriteWhen();
     void WriteOutput(const QString &dest, qint16 copies);

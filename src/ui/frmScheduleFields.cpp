@@ -192,16 +192,15 @@ void frmSchedule::ShowDestinationTabs(bool filling)
 
 void frmSchedule::SetOptions()
 {
-    clsSchedule &schedule = m_globals.Schedule;
     const QString dest = cmbDest->currentText();
     if (dest == QLatin1String("Printer"))
         return;
     if (dest == QLatin1String("Email"))
         chkDateStamp->setVisible(true);
-    const bool attached = schedule.EMailAttach() == QLatin1String("Attached");
+    const bool attached = StoredField(clsSchedule::colEMailAttach) == QLatin1String("Attached");
     CheckOnly({optAttach, optBody}, attached ? optAttach : optBody);
-    chkDateStamp->setChecked(schedule.DateStamp() == QLatin1String("Y"));
-    const bool onePage = schedule.HTMLPages() == QLatin1String("One Page");
+    chkDateStamp->setChecked(StoredField(clsSchedule::colDateStamp) == QLatin1String("Y"));
+    const bool onePage = StoredField(clsSchedule::colHTMLPages) == QLatin1String("One Page");
     CheckOnly({optOnePage, optSepPage}, onePage ? optOnePage : optSepPage);
     frHTML->setVisible(cmbFormat->currentText().contains(QLatin1String("DHTML Document")));
     // A report in the mail body carries no date stamp.
@@ -209,6 +208,17 @@ void frmSchedule::SetOptions()
         chkDateStamp->setVisible(false);
         chkDateStamp->setChecked(false);
     }
+}
+
+// The item shown as stored, wherever the cursor is; a new item has nothing stored yet.
+QString frmSchedule::StoredField(int column) const
+{
+    const clsSchedule &schedule = m_globals.Schedule;
+    for (int row = 0; row < schedule.Count() && !m_shownID.isEmpty(); ++row) {
+        if (schedule.Cell(row, clsSchedule::colReportID) == m_shownID)
+            return schedule.Cell(row, column);
+    }
+    return QString();
 }
 
 void frmSchedule::RefreshDayLine()
