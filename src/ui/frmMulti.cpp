@@ -167,8 +167,8 @@ void frmMulti::BuildGrids(QVBoxLayout *layout)
     fgMulti->setColumnWidth(colValue, 120);
     fgMulti->setColumnWidth(colOutput, 80);
     fgMulti->setColumnWidth(colFormat, 100);
-    fgMulti->setColumnWidth(colDestination, 220);
-    fgMulti->setColumnWidth(colSubject, 100);
+    fgMulti->setColumnWidth(colDestination, 180);
+    fgMulti->setColumnWidth(colSubject, 90);
     fgMulti->setColumnWidth(colBrowse, 30);
     connect(fgMulti, &QTableWidget::cellChanged, this, &frmMulti::OnCellChanged);
     connect(fgMulti, &QTableWidget::currentCellChanged, this, [this](int row) { OnCurrentRowChanged(row); });
@@ -303,7 +303,11 @@ void frmMulti::LoadControlFile(const QString &path)
     }
     ShowCommonChoice(cmbOutput, outputs, true);
     ShowCommonChoice(cmbFormat, formats, false);
-    SetHeadings(fgMulti->rowCount() > 0 ? 0 : -1);
+    // The headings of the first data row, as comments have none of their own.
+    int first = 0;
+    while (first < fgMulti->rowCount() && GridRow(first).comment)
+        ++first;
+    SetHeadings(first < fgMulti->rowCount() ? first : -1);
 }
 
 // The file's parameter, "{$TableMap}" added when the report lacks it, else the first entry.
