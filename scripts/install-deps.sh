@@ -15,10 +15,13 @@ peers=(python3 python3-aiosmtpd dovecot-pop3d dnsmasq-base bind9-dnsutils openss
        cups cups-client cups-filters cups-daemon
        libsqliteodbc odbc-postgresql postgresql sqlite3
        libreoffice-calc-nogui libreoffice-writer-nogui poppler-utils python3-xlrd unrtf)
+# scripts/screenshots.sh: a virtual X server for the windows, ImageMagick to list the pictures.
+screens=(xvfb xauth imagemagick)
 
 case "${1:-all}" in
   build) wanted=("${build[@]}") ;;
-  *) wanted=("${build[@]}" "${package[@]}" "${peers[@]}") ;;
+  screenshots) wanted=("${build[@]}" "${screens[@]}") ;;
+  *) wanted=("${build[@]}" "${package[@]}" "${peers[@]}" "${screens[@]}") ;;
 esac
 
 missing=()

@@ -60,23 +60,10 @@ void OpenReport(RunContext &run)
     unwinding.Guard([&] { run.state.report = run.state.application->OpenReport(run.schedule.File()); });
 }
 
-bool IsComment(const QString &line)
-{
-    return line.size() >= 3 && line.startsWith(QLatin1StringView("//"));
-}
-
-QString StripQuotes(const QString &field)
-{
-    const QLatin1Char quote('"');
-    if (field.size() >= 2 && field.startsWith(quote) && field.endsWith(quote))
-        return field.mid(1, field.size() - 2);
-    return field;
-}
-
 MultiRun::Line ParseLine(QStringList fields, double start)
 {
     for (QString &field : fields)
-        field = StripQuotes(field);
+        field = MultiRun::StripQuotes(field);
     MultiRun::Line line{fields[0], fields[1], fields[2], fields[3], fields[4], fields[5], QString(), start};
     const QString shownValue = line.parameter == kAll
                                    ? QString(line.value).replace(QLatin1Char('}'), QStringLiteral("}="))
@@ -164,7 +151,7 @@ bool RunLine(RunContext &run, QStringView rawLine, MultiRun::Totals &totals)
     OpenReport(run);
     const double start = Now();
     const QString text = rawLine.trimmed().toString();
-    if (text.isEmpty() || IsComment(text))
+    if (text.isEmpty() || MultiRun::IsComment(text))
         return true;
     const QStringList fields = text.split(QLatin1Char(','));
     if (fields.size() != 6) {
@@ -231,6 +218,19 @@ void RunMultiRun(RunContext &run, const QString &fileName)
 }
 
 namespace MultiRun {
+
+bool IsComment(const QString &line)
+{
+    return line.size() >= 3 && line.startsWith(QLatin1StringView("//"));
+}
+
+QString StripQuotes(const QString &field)
+{
+    const QLatin1Char quote('"');
+    if (field.size() >= 2 && field.startsWith(quote) && field.endsWith(quote))
+        return field.mid(1, field.size() - 2);
+    return field;
+}
 
 QString ValueAfterTag(const QString &tag, const QString &text)
 {

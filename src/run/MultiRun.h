@@ -19,6 +19,11 @@ void RunMultiRun(RunContext &run, const QString &fileName);
 
 namespace MultiRun {
 
+// A trimmed line of 3 characters or more that begins with "//"; "//" alone is a bad line, not a comment.
+bool IsComment(const QString &line);
+// A field that starts and ends with a double quote loses both; nothing else is trimmed.
+QString StripQuotes(const QString &field);
+
 // The text behind `tag` (case-sensitive) up to the next "{" or the end; empty when the tag is missing.
 QString ValueAfterTag(const QString &tag, const QString &text);
 

@@ -54,7 +54,8 @@ void ReadNumber(const QString &value, qint32 &field)
 
 } // namespace
 
-clsViewer::clsViewer(const QString &appPath) : m_appPath(appPath)
+clsViewer::clsViewer(const QString &appPath, const QString &fileName)
+    : m_appPath(appPath), m_fileName(fileName)
 {
     Initialise();
 }
@@ -123,8 +124,7 @@ void clsViewer::ReadTags(QString &line)
 
 void clsViewer::Save() const
 {
-    if (OpenXML(CommonFile::JoinPath(m_appPath, QStringLiteral("Form.XML")),
-                QStringLiteral("ViewerSettingsDoc"))
+    if (OpenXML(CommonFile::JoinPath(m_appPath, m_fileName), QStringLiteral("ViewerSettingsDoc"))
             .startsWith(QLatin1String("Err")))
         return;
     WriteOpenTag(QStringLiteral("ViewerSettings"));

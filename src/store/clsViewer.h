@@ -1,12 +1,14 @@
 #pragma once
-// The main window's position, size, column widths and sort order, kept in Form.XML.
+// The main window's position, size, column widths and sort order, kept in Form.XML; the multi-run
+// editor keeps its position and size in a file of the same form, MultiForm.XML.
 
 #include <QString>
 
 class clsViewer
 {
 public:
-    explicit clsViewer(const QString &appPath);
+    // The settings of the file `fileName` in the application folder.
+    explicit clsViewer(const QString &appPath, const QString &fileName = QStringLiteral("Form.XML"));
 
     // The values of a new object: window measures, state, option, instance folder, no sort column.
     void Initialise();
@@ -15,7 +17,7 @@ public:
     // Reads the file if it exists; values missing from it keep theirs.
     void Load(const QString &path);
     void ReadTags(QString &line);
-    // Writes Form.XML in the application folder.
+    // Writes the file in the application folder.
     void Save() const;
 
     // Measures in twips.
@@ -43,4 +45,5 @@ public:
 
 private:
     QString m_appPath;
+    QString m_fileName;
 };

@@ -3,9 +3,13 @@
 
 #include "core/DayDate.h"
 
+#include <QAbstractButton>
 #include <QComboBox>
 #include <QDateEdit>
+#include <QFormLayout>
 #include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
 
 namespace {
 
@@ -16,6 +20,13 @@ QComboBox *NumberList(QWidget *parent, const char *name, int count)
     for (int number = 0; number < count; ++number)
         list->addItem(QString::number(number));
     return list;
+}
+
+QLabel *Caption(const QString &text, QWidget *field)
+{
+    auto *label = new QLabel(text, field->parentWidget());
+    label->setBuddy(field);
+    return label;
 }
 
 } // namespace
@@ -50,7 +61,21 @@ QHBoxLayout *MomentControls::Row() const
 {
     auto *row = new QHBoxLayout;
     row->addWidget(Date);
+    row->addWidget(Caption(QStringLiteral("at"), Hour));
     row->addWidget(Hour);
+    row->addWidget(Caption(QStringLiteral(":"), Minute));
     row->addWidget(Minute);
+    row->addStretch();
     return row;
+}
+
+void MomentControls::AddRow(QFormLayout *form, const QString &caption) const
+{
+    form->addRow(Caption(caption, Date), Row());
+}
+
+void MomentControls::AddRow(QFormLayout *form, QAbstractButton *caption) const
+{
+    Date->setAccessibleName(caption->text().remove(QLatin1Char('&')));
+    form->addRow(caption, Row());
 }

@@ -3,8 +3,10 @@
 
 #include "store/ScheduleBackupDialogs.h"
 
+class QAbstractButton;
 class QComboBox;
 class QDateEdit;
+class QFormLayout;
 class QHBoxLayout;
 class QWidget;
 
@@ -15,8 +17,12 @@ struct MomentControls
     void Show(const DayHourMinute &moment);
     DayHourMinute Picked() const;
     void SetEnabled(bool enabled);
-    // The three controls side by side, for the window's layout.
+    // The three controls side by side, the hour after "at" and the minute after ":".
     QHBoxLayout *Row() const;
+    // The controls as a row of a form whose caption labels the date.
+    void AddRow(QFormLayout *form, const QString &caption) const;
+    // The same led by a check box, whose text names the date.
+    void AddRow(QFormLayout *form, QAbstractButton *caption) const;
 
     QDateEdit *Date;
     QComboBox *Hour;

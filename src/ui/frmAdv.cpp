@@ -1,13 +1,16 @@
 #include "frmAdv.h"
 
 #include "DialogButtons.h"
+#include "TabOrder.h"
 
 #include "calendar/AdvanceSchedule.h"
 #include "core/Clock.h"
-#include "core/QorloError.h"
+#include "WindowHandler.h"
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
 
+#include <QComboBox>
+#include <QDateEdit>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -27,15 +30,18 @@ frmAdv::frmAdv(QorloGlobals &globals, QWidget *parent)
     m_status->setAlignment(Qt::AlignLeft | Qt::AlignTop);
 
     auto *buttons = new QDialogButtonBox(this);
-    AddButton(buttons, "cmdAnalyse", QStringLiteral("Analyse Schedule"), [this] { cmdAnalyse_Click(); });
-    AddButton(buttons, "cmdProcess", QStringLiteral("&Process"), [this] { cmdProcess_Click(); });
+    QPushButton *analyse =
+        AddButton(buttons, "cmdAnalyse", QStringLiteral("Analyse Schedule"), [this] { cmdAnalyse_Click(); });
+    QPushButton *process =
+        AddButton(buttons, "cmdProcess", QStringLiteral("&Process"), [this] { cmdProcess_Click(); });
 
     auto *fields = new QFormLayout;
-    fields->addRow(QStringLiteral("Advance to after"), m_moment.Row());
+    m_moment.AddRow(fields, QStringLiteral("Advance to after"));
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(fields);
     layout->addWidget(m_status);
     layout->addWidget(buttons);
+    SetTabOrder({m_moment.Date, m_moment.Hour, m_moment.Minute, analyse, process});
     LoadSettings();
 }
 
@@ -61,9 +67,6 @@ void frmAdv::cmdProcess_Click()
         m_status->setText(AdvanceTexts::Cancelled);
         return;
     }
-    try {
-        m_status->setText(ProcessAdvance(m_globals.Schedule, moment));
-    } catch (const QorloError &error) {
-        m_globals.prompter.FatalError(error);
-    }
+    RunHandler(m_globals.prompter,
+               [this, moment] { m_status->setText(ProcessAdvance(m_globals.Schedule, moment)); });
 }

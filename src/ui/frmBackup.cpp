@@ -1,11 +1,13 @@
 #include "frmBackup.h"
 
 #include "DialogButtons.h"
+#include "TabOrder.h"
 
-#include "core/QorloError.h"
+#include "WindowHandler.h"
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
 
+#include <QDateEdit>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -36,19 +38,20 @@ void frmBackup::BuildFields()
     m_purgeDays->setObjectName(QStringLiteral("txtPurgeDays"));
 
     auto *buttons = new QDialogButtonBox(this);
-    AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    AddButton(
+    QPushButton *save = AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
+    QPushButton *exit = AddButton(
         buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
 
     auto *fields = new QFormLayout;
     fields->addRow(QStringLiteral("Backup Frequency"), m_frequency);
-    fields->addRow(QStringLiteral("Next Backup"), m_next.Row());
+    m_next.AddRow(fields, QStringLiteral("Next Backup"));
     fields->addRow(QStringLiteral("Previous Backup"), m_previous);
     fields->addRow(QStringLiteral("Previous File"), m_previousFile);
     fields->addRow(QStringLiteral("Purge Days"), m_purgeDays);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(fields);
     layout->addWidget(buttons);
+    SetTabOrder({m_frequency, m_next.Date, m_next.Hour, m_next.Minute, m_purgeDays, save, exit});
 }
 
 void frmBackup::LoadSettings()
@@ -61,16 +64,12 @@ void frmBackup::LoadSettings()
     m_purgeDays->setText(settings.PurgeDays);
 }
 
-// Purge days that are no number are a failure that no handler catches: it ends the process.
+// Purge days that are no number show their run-time error; the window stays.
 void frmBackup::cmdSave_Click()
 {
     const BackupSettings settings{m_frequency->currentText(), m_next.Picked(), m_previous->text(),
                                   m_previousFile->text(), m_purgeDays->text()};
-    try {
-        SaveBackupSettings(m_globals.Schedule, settings);
-    } catch (const QorloError &error) {
-        m_globals.prompter.FatalError(error);
-        return;
-    }
-    accept();
+    if (RunHandler(m_globals.prompter,
+                   [this, &settings] { SaveBackupSettings(m_globals.Schedule, settings); }))
+        accept();
 }

@@ -27,8 +27,12 @@ QStringList NumberTexts(int first, int last, int step)
     return numbers;
 }
 
-QHBoxLayout *Pair(QWidget *first, QWidget *second)
+// Two fields on one labelled row; each gets its own name for screen readers.
+QHBoxLayout *Pair(QWidget *first, const QString &firstName, QWidget *second, const QString &secondName = {})
 {
+    first->setAccessibleName(firstName);
+    if (!secondName.isEmpty())
+        second->setAccessibleName(secondName);
     auto *row = new QHBoxLayout;
     row->addWidget(first);
     row->addWidget(second);
@@ -64,7 +68,8 @@ void frmBusinessCal::BuildFields()
     lBCal->setFrameShape(QFrame::StyledPanel);
     auto *browse = new QPushButton(QStringLiteral("..."), this);
     browse->setObjectName(QStringLiteral("cmdHolidays"));
-    browse->setFixedWidth(browse->fontMetrics().horizontalAdvance(QStringLiteral("...")) * 3);
+    browse->setAccessibleName(QStringLiteral("Choose the holiday list"));
+    browse->setFixedWidth(qMax(browse->sizeHint().height(), browse->minimumSizeHint().width()));
     lBCal->setMinimumWidth(browse->fontMetrics().averageCharWidth() * 24);
     connect(browse, &QPushButton::clicked, this, &frmBusinessCal::cmdHolidays_Click);
     auto *holidays = new QHBoxLayout;
@@ -74,10 +79,15 @@ void frmBusinessCal::BuildFields()
     auto *fields = new QFormLayout;
     fields->addRow(QStringLiteral("Business Week"), cmbBWeek);
     fields->addRow(QStringLiteral("Business Month"), cmbBMonth);
-    fields->addRow(QStringLiteral("Business Day Starts"), Pair(cmbStartHr, cmbStartMin));
-    fields->addRow(QStringLiteral("Business Day Ends"), Pair(cmbEndHr, cmbEndMin));
+    fields->addRow(QStringLiteral("Business Day Starts"),
+                   Pair(cmbStartHr, QStringLiteral("Business day starts, hour"), cmbStartMin,
+                        QStringLiteral("Business day starts, minute")));
+    fields->addRow(QStringLiteral("Business Day Ends"),
+                   Pair(cmbEndHr, QStringLiteral("Business day ends, hour"), cmbEndMin,
+                        QStringLiteral("Business day ends, minute")));
     fields->addRow(QStringLiteral("Business Hour Schedule"),
-                   Pair(cmbFreq, new QLabel(QStringLiteral("mins"), this)));
+                   Pair(cmbFreq, QStringLiteral("Business hour schedule, minutes"),
+                        new QLabel(QStringLiteral("mins"), this)));
     fields->addRow(QStringLiteral("Holidays (exclude list)"), holidays);
 
     auto *buttons = new QDialogButtonBox(this);

@@ -3,6 +3,7 @@
 #include "DialogButtons.h"
 #include "DesktopOpen.h"
 #include "NamedControls.h"
+#include "TabOrder.h"
 
 #include "connect/OdbcSources.h"
 #include "core/TWReg.h"
@@ -20,6 +21,7 @@
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QMoveEvent>
+#include <QPushButton>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -75,6 +77,7 @@ void frmConnect::BuildFields()
     txtFile = NamedLine(this, "txtFile");
     txtFile->setReadOnly(true);
     auto *fileBox = new QGroupBox(QStringLiteral("Using configuration file:"), this);
+    txtFile->setAccessibleName(fileBox->title());
     (new QVBoxLayout(fileBox))->addWidget(txtFile);
     lblStatus = new QLabel(this);
     lblStatus->setObjectName(QStringLiteral("lblStatus"));
@@ -92,7 +95,15 @@ void frmConnect::BuildFields()
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(fileBox);
     layout->addLayout(body);
-    layout->addWidget(BuildButtons());
+    QWidget *buttons = BuildButtons();
+    layout->addWidget(buttons);
+    // Reading order: the file, the list of connections, the fields top down, then the buttons.
+    QList<QWidget *> order{txtFile, tvRecords};
+    for (int row = 0; row < fields->rowCount(); ++row)
+        order.append(fields->itemAt(row, QFormLayout::FieldRole)->widget());
+    for (QPushButton *button : buttons->findChildren<QPushButton *>())
+        order.append(button);
+    SetTabOrder(order);
     resize(720, 420);
 }
 

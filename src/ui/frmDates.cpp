@@ -99,6 +99,7 @@ QWidget *frmDates::PreviewRows()
         grid->addWidget(new QLabel(QLatin1String(kRows[row].caption), box), row, 0);
         if (row == kPeriodRow) {
             auto *period = new QVBoxLayout;
+            dtpPeriod1->setAccessibleName(QLatin1String(kRows[row].caption));
             period->addWidget(dtpPeriod1);
             period->addWidget(value);
             grid->addLayout(period, row, 1);

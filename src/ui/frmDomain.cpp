@@ -1,6 +1,7 @@
 #include "frmDomain.h"
 
 #include "DialogButtons.h"
+#include "TabOrder.h"
 
 #include "scheduler/QorloGlobals.h"
 
@@ -25,13 +26,14 @@ frmDomain::frmDomain(QorloGlobals &globals, QWidget *parent) : QDialog(parent), 
     BuildGrid();
 
     auto *buttons = new QDialogButtonBox(this);
-    AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    AddButton(
+    QPushButton *save = AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
+    QPushButton *exit = AddButton(
         buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
 
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_grid);
     layout->addWidget(buttons);
+    SetTabOrder({m_grid, save, exit});
     LoadSettings();
 }
 
@@ -55,6 +57,11 @@ void frmDomain::BuildGrid()
         m_grid->setItem(row, 0, shortcut);
         m_grid->setItem(row, kDomainColumn, new QTableWidgetItem);
     }
+    // All ten shortcuts show without scrolling.
+    m_grid->setMinimumHeight(m_grid->horizontalHeader()->sizeHint().height() +
+                             clsSchedule::DomainCount * m_grid->verticalHeader()->defaultSectionSize() +
+                             2 * m_grid->frameWidth());
+    m_grid->setMinimumWidth(360);
 
     // All ten rows in view, without a scroll bar.
     m_grid->setMinimumHeight(m_grid->horizontalHeader()->sizeHint().height() +

@@ -4,6 +4,8 @@
 #include "GridSort.h"
 #include "OpenForms.h"
 #include "SupportMail.h"
+#include "ItemWindows.h"
+#include "WindowHandler.h"
 #include "frmAdv.h"
 #include "frmBackup.h"
 #include "frmDomain.h"
@@ -13,7 +15,6 @@
 #include "frmSetTimer.h"
 
 #include "core/Numbers.h"
-#include "core/QorloError.h"
 #include "scheduler/Dispatcher.h"
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
@@ -23,6 +24,9 @@
 #include <QCloseEvent>
 #include <QHeaderView>
 #include <QMenuBar>
+#include <QMessageBox>
+#include <QScreen>
+#include <QScrollBar>
 #include <QStatusBar>
 #include <QTableWidget>
 #include <QWindow>
@@ -60,6 +64,7 @@ frmMain::frmMain(QorloGlobals &globals, Dispatcher &dispatcher, QWidget *parent)
     : QMainWindow(parent), m_globals(globals), m_dispatcher(dispatcher)
 {
     setObjectName(QStringLiteral("frmMain"));
+    m_items = new ItemWindows(globals, &dispatcher, this);
     BuildGrid();
     BuildMenus();
     m_globals.SetView(*this);
@@ -114,6 +119,7 @@ void frmMain::BuildMenus()
     QAction *remove =
         AddAction(schedule, "mnuDeleteReport", QStringLiteral("&Delete"), [this] { DeleteItems(); });
     remove->setShortcut(QKeySequence::Delete);
+    AddItemPartCommands(schedule);
     schedule->addSeparator();
     m_autoRun = AddAction(schedule, "mnuAutoRun", QStringLiteral("AutoRun"), [this] { ToggleAutoRun(); });
     m_autoRun->setCheckable(true);
@@ -151,11 +157,7 @@ void frmMain::BuildMenus()
 
 void frmMain::Guarded(const std::function<void()> &command)
 {
-    try {
-        command();
-    } catch (const QorloError &error) {
-        m_globals.prompter.FatalError(error);
-    }
+    RunHandler(m_globals.prompter, command);
 }
 
 void frmMain::ApplyViewerSettings()
@@ -167,7 +169,7 @@ void frmMain::ApplyViewerSettings()
     m_encryptDB->setChecked(m_globals.Connections.EncodeOptions == QLatin1String("Yes"));
 
     move(Pixels(viewer.Viewer_Left), Pixels(viewer.Viewer_Top));
-    resize(Pixels(viewer.Viewer_Width), Pixels(viewer.Viewer_Height));
+    resize(QSize(Pixels(viewer.Viewer_Width), Pixels(viewer.Viewer_Height)).expandedTo(ContentSize()));
     // "Full" and not "Max" restores a maximised window: one left maximised comes back normal.
     if (viewer.Viewer_State == QLatin1String("Min"))
         setWindowState(Qt::WindowMinimized);
@@ -183,10 +185,10 @@ void frmMain::ApplyViewerSettings()
     m_loaded = true;
 }
 
+// The rows are rewritten in place: the selection, and a click that has just made it, stay.
 void frmMain::ViewTable()
 {
     clsSchedule &schedule = m_globals.Schedule;
-    m_grid->setRowCount(0);
     m_grid->setRowCount(schedule.Count());
     for (int row = 0; row < schedule.Count(); ++row) {
         schedule.SetPosition(row);
@@ -282,6 +284,21 @@ void frmMain::OnCurrentCellChanged(int row, int column, int previousRow, int pre
 {
     PaintCell(previousRow, previousColumn, NormalColour);
     PaintCell(row, column, kCurrentCellColour);
+}
+
+QSize frmMain::ContentSize() const
+{
+    const int frame = 2 * m_grid->frameWidth();
+    const int scrollBar = m_grid->verticalScrollBar()->sizeHint().width();
+    const QSize grid(m_grid->horizontalHeader()->length() + frame + scrollBar,
+                     m_grid->horizontalHeader()->sizeHint().height() +
+                         10 * m_grid->verticalHeader()->defaultSectionSize() + frame);
+    QSize wanted(grid.width(),
+                 grid.height() + menuBar()->sizeHint().height() + statusBar()->sizeHint().height());
+    // Never more than the screen holds.
+    if (const QScreen *display = screen())
+        wanted = wanted.boundedTo(display->availableSize());
+    return wanted;
 }
 
 int frmMain::Rows() const

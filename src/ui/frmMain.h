@@ -14,11 +14,11 @@ class QAction;
 class QMenu;
 class QTableWidget;
 class QWindow;
+class ItemWindows;
 class frmAdv;
 class frmBackup;
 class frmDomain;
 class frmSMTP;
-class frmSchedule;
 class frmSendMail;
 class frmTextView;
 class frmSetTimer;
@@ -67,7 +67,7 @@ private:
     void BuildGrid();
     void BuildMenus();
     QAction *AddAction(QMenu *menu, const char *name, const QString &caption, std::function<void()> action);
-    // Runs a command; a failure that nothing handled ends the process through the prompter.
+    // Runs a command; a failure shows its run-time error box and ends that command only.
     void Guarded(const std::function<void()> &command);
     void WriteCells(int gridRow);
     void SetCell(int gridRow, int column, const QString &text);
@@ -93,6 +93,16 @@ private:
     void DuplicateItem();
     // mnuDeleteReport and the Delete key: the selected items, after the operator confirms.
     void DeleteItems();
+    // mnuPList, mnuMultiRun, mnuNewPack and mnuEditPack: the parameters, the multi-run file and the
+    // collections of items.
+    void AddItemPartCommands(QMenu *schedule);
+    // The selected item's row in the schedule, at the cursor; -1 after saying what is missing.
+    int SelectedItem(const QString &title);
+    void EditParameters();
+    void EditMultiRun();
+    void EditCollection();
+    // The smallest size that shows the six column headings and ten rows.
+    QSize ContentSize() const;
     // One window of each kind, made when first used and kept, filled afresh at each opening.
     template <typename Window> void OpenSettingsWindow(Window *&window);
     void OpenDomainShortcuts();
@@ -120,7 +130,7 @@ private:
     frmBackup *m_backup = nullptr;
     frmAdv *m_advance = nullptr;
     frmSetTimer *m_timers = nullptr;
-    frmSchedule *m_editor = nullptr;
+    ItemWindows *m_items = nullptr;
     QPointer<QWindow> m_lastFocusWindow;
     qint16 m_sortColumn = 0;
     // Resizes before the load step has ended do not write Form.XML.

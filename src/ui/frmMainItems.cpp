@@ -1,6 +1,6 @@
 // The main window's commands on schedule items: insert a file or a folder, modify, duplicate, delete.
 #include "frmMain.h"
-#include "frmSchedule.h"
+#include "ItemWindows.h"
 
 #include "core/CommonFile.h"
 #include "core/TWReg.h"
@@ -87,15 +87,8 @@ void frmMain::ModifyItem()
         return m_globals.prompter.ShowMessage(title, QStringLiteral("No Report in Schedule to Modify"));
     if (!running && SelectedRow() < 1)
         return m_globals.prompter.ShowMessage(title, QStringLiteral("Please select a report from the list"));
-    if (!m_dispatcher.StopForEditing(true))
-        return;
     m_globals.Schedule.Find(RowReportID(SelectedRow()));
-    // The editor can page through the schedule: all rows are refreshed when this window is back.
-    m_globals.RefreshRowIndex = -1;
-    if (!m_editor)
-        m_editor = new frmSchedule(m_globals, this);
-    m_editor->ShowSchedule();
-    m_editor->open();
+    m_items->OpenEditor(this);
 }
 
 void frmMain::DuplicateItem()

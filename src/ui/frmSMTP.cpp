@@ -3,9 +3,10 @@
 #include "DialogButtons.h"
 #include "MailClientEvents.h"
 #include "NamedControls.h"
+#include "TabOrder.h"
+#include "WindowHandler.h"
 
 #include "core/Numbers.h"
-#include "core/QorloError.h"
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
 #include "mail/SmtpLog.h"
@@ -78,14 +79,17 @@ void frmSMTP::BuildFields()
     fields->addRow(QStringLiteral("Encryption"), m_encryption);
 
     auto *buttons = new QDialogButtonBox(this);
-    AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    AddButton(buttons, "cmdTest", QStringLiteral("Send &Test Message"), [this] { cmdTest_Click(); });
+    QPushButton *save = AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
+    QPushButton *test =
+        AddButton(buttons, "cmdTest", QStringLiteral("Send &Test Message"), [this] { cmdTest_Click(); });
 
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(fields);
     layout->addWidget(m_secure);
     layout->addWidget(m_secureFrame);
     layout->addWidget(buttons);
+    SetTabOrder({m_server, m_port, m_from, m_testTo, m_message, m_delay, m_encryption, m_secure, m_user,
+                 m_password, save, test});
 }
 
 void frmSMTP::LoadSettings()
@@ -123,23 +127,17 @@ bool frmSMTP::Refuse(QWidget *field, const QString &text)
     return false;
 }
 
-// A port that is no number is a failure that no handler catches: it ends the process.
+// A port that is no number shows its run-time error; the window stays and nothing is stored.
 void frmSMTP::cmdSave_Click()
 {
-    if (!FieldsComplete(false))
-        return;
-    try {
-        SaveFields();
-    } catch (const QorloError &error) {
-        m_globals.prompter.FatalError(error);
-        return;
-    }
-    accept();
+    if (FieldsComplete(false) && RunHandler(m_globals.prompter, [this] { SaveFields(); }))
+        accept();
 }
 
 void frmSMTP::SaveFields()
 {
     clsSchedule &schedule = m_globals.Schedule;
+    const qint32 port = Numbers::TextToInt32(m_port->text());
     schedule.SMTP_Server = m_server->text();
     schedule.SMTP_From = m_from->text();
     schedule.TestMessageTo = m_testTo->text();
@@ -151,19 +149,14 @@ void frmSMTP::SaveFields()
     schedule.SMTPAuthentication = m_secure->isChecked() ? QStringLiteral("Yes") : QStringLiteral("No");
     schedule.SMTPUser = m_user->text();
     schedule.SMTPPassword = m_password->text();
-    schedule.SMTP_Port = Numbers::TextToInt32(m_port->text());
+    schedule.SMTP_Port = port;
     m_globals.SaveSchedule();
 }
 
 void frmSMTP::cmdTest_Click()
 {
-    if (!FieldsComplete(true))
-        return;
-    try {
-        SendTestMessage();
-    } catch (const QorloError &error) {
-        m_globals.prompter.FatalError(error);
-    }
+    if (FieldsComplete(true))
+        RunHandler(m_globals.prompter, [this] { SendTestMessage(); });
 }
 
 // The values in the fields are tested, saved or not.

@@ -2,6 +2,9 @@
 #include "frmSchedule.h"
 
 #include "DialogButtons.h"
+#include "ItemWindows.h"
+#include "TabOrder.h"
+#include "WindowHandler.h"
 
 #include "scheduler/ItemRouter.h"
 #include "scheduler/PrinterNames.h"
@@ -14,12 +17,15 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGroupBox>
+#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
 #include <QMenuBar>
 #include <QPlainTextEdit>
 #include <QRadioButton>
 #include <QTabWidget>
+#include <QTabBar>
+#include <QTableWidget>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -92,23 +98,19 @@ QWidget *Page(QFormLayout *&fields)
 
 } // namespace
 
-frmSchedule::frmSchedule(QorloGlobals &globals, QWidget *parent)
-    : QDialog(parent), m_globals(globals), m_nextRun(this, "dtDay", "cmbHour", "cmbMin")
+frmSchedule::frmSchedule(ItemWindows &windows, QWidget *parent)
+    : QDialog(parent), m_windows(windows), m_globals(windows.globals),
+      m_nextRun(this, "dtDay", "cmbHour", "cmbMin")
 {
     setObjectName(QStringLiteral("frmSchedule"));
     auto *layout = new QVBoxLayout(this);
     auto *menus = new QMenuBar(this);
-    QMenu *file = menus->addMenu(QStringLiteral("&File"));
-    QAction *save = file->addAction(QStringLiteral("&Save"), this, [this] { WriteSchedule(); });
-    save->setObjectName(QStringLiteral("mnuSave"));
-    QAction *exit = file->addAction(QStringLiteral("E&xit"), this, [this] { reject(); });
-    exit->setObjectName(QStringLiteral("mnuExit"));
-    QAction *run = menus->addAction(QStringLiteral("&Run"), this, [this] { RunNow(); });
-    run->setObjectName(QStringLiteral("mnuRun"));
     layout->setMenuBar(menus);
     BuildFields(layout);
     BuildTabs(layout);
     BuildCommands(layout);
+    BuildMenus(menus);
+    SetTabOrder();
 }
 
 QLineEdit *frmSchedule::LineEdit(const char *name)
@@ -118,10 +120,12 @@ QLineEdit *frmSchedule::LineEdit(const char *name)
     return edit;
 }
 
+// No field of the window has a use for tab characters: Tab moves on.
 QPlainTextEdit *frmSchedule::TextEdit(const char *name)
 {
     auto *edit = new QPlainTextEdit(this);
     edit->setObjectName(QLatin1String(name));
+    edit->setTabChangesFocus(true);
     return edit;
 }
 
@@ -160,16 +164,26 @@ void frmSchedule::BuildFields(QVBoxLayout *layout)
     run->addWidget(optRunHold);
     run->addWidget(optRunCollection);
     fields->addRow(run);
-    auto *frWhen = new QGroupBox(this);
+    frWhen = new QGroupBox(this);
     frWhen->setObjectName(QStringLiteral("frWhen"));
     auto *when = new QFormLayout(frWhen);
-    QHBoxLayout *nextRun = m_nextRun.Row();
-    nextRun->addWidget(lDayMessage);
-    when->addRow(QStringLiteral("Next Run"), nextRun);
+    m_nextRun.AddRow(when, QStringLiteral("Next Run"));
+    when->addRow(QStringLiteral("Day"), lDayMessage);
     when->addRow(QStringLiteral("Then every"), txtEvery);
     when->addRow(QStringLiteral("When"), cmbWhen);
     fields->addRow(frWhen);
+    // A member of a collection runs when its collections do: they take the place of the when frame.
+    fgCollection = new QTableWidget(0, 2, this);
+    fgCollection->setObjectName(QStringLiteral("fgCollection"));
+    fgCollection->setHorizontalHeaderLabels({QStringLiteral("Name"), QStringLiteral("Next Run")});
+    fgCollection->verticalHeader()->hide();
+    fgCollection->horizontalHeader()->setStretchLastSection(true);
+    fgCollection->setColumnWidth(0, 240);
+    fgCollection->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    fgCollection->setMaximumHeight(frWhen->sizeHint().height());
+    fields->addRow(fgCollection);
     layout->addLayout(fields);
+    connect(optRunCollection, &QRadioButton::toggled, this, [this] { ShowWhenOrCollections(); });
 
     const auto dayLine = [this] { RefreshDayLine(); };
     connect(m_nextRun.Date, &QDateEdit::dateChanged, this, dayLine);
@@ -293,9 +307,9 @@ QWidget *frmSchedule::NotifyTab()
     cmbErrorTo = ComboBox("cmbErrorTo", {}, true);
     txtErrorMsg = TextEdit("txtErrorMsg");
     fields->addRow(QStringLiteral("On Success"), cmbNotifyTo);
-    fields->addRow(txtNotifyMsg);
+    fields->addRow(QStringLiteral("Success Message"), txtNotifyMsg);
     fields->addRow(QStringLiteral("On Error"), cmbErrorTo);
-    fields->addRow(txtErrorMsg);
+    fields->addRow(QStringLiteral("Error Message"), txtErrorMsg);
     return page;
 }
 
@@ -307,37 +321,105 @@ QWidget *frmSchedule::EachRunTab()
     txtMultiSuccessMsg = TextEdit("txtMultiSuccessMsg");
     cmbMultiErrorTo = ComboBox("cmbMultiErrorTo", {}, true);
     txtMultiErrorMsg = TextEdit("txtMultiErrorMsg");
-    fields->addRow(QStringLiteral("On Success"), cmbMultiSuccessTo);
-    fields->addRow(txtMultiSuccessMsg);
-    fields->addRow(QStringLiteral("On Error"), cmbMultiErrorTo);
-    fields->addRow(txtMultiErrorMsg);
+    fields->addRow(QStringLiteral("Line Success To"), cmbMultiSuccessTo);
+    fields->addRow(QStringLiteral("Success Message"), txtMultiSuccessMsg);
+    fields->addRow(QStringLiteral("Line Error To"), cmbMultiErrorTo);
+    fields->addRow(QStringLiteral("Error Message"), txtMultiErrorMsg);
     return page;
 }
 
+// Return in a field presses Save; the navigation buttons are pressed on purpose only.
 void frmSchedule::BuildCommands(QVBoxLayout *layout)
 {
     auto *buttons = new QDialogButtonBox(this);
     clsSchedule &schedule = m_globals.Schedule;
-    AddButton(buttons, "cmdFirst", QStringLiteral("First"),
-              [this, &schedule] { Navigate([&schedule] { schedule.MoveFirst(); }); });
-    AddButton(buttons, "cmdPrior", QStringLiteral("Prior"),
-              [this, &schedule] { Navigate([&schedule, this] { schedule.MovePrior(m_shownID); }); });
-    AddButton(buttons, "cmdNext", QStringLiteral("Next"),
-              [this, &schedule] { Navigate([&schedule, this] { schedule.MoveNext(m_shownID); }); });
-    AddButton(buttons, "cmdLast", QStringLiteral("Last"),
-              [this, &schedule] { Navigate([&schedule] { schedule.MoveLast(); }); });
-    AddButton(buttons, "cmdRun", QStringLiteral("&Run Now"), [this] { RunNow(); });
-    AddButton(buttons, "cmdApply", QStringLiteral("&Apply"), [this] { WriteSchedule(); });
-    AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    AddButton(
+    cmdFirst = AddButton(buttons, "cmdFirst", QStringLiteral("First"),
+                         [this, &schedule] { Navigate([&schedule] { schedule.MoveFirst(); }); });
+    cmdPrior = AddButton(buttons, "cmdPrior", QStringLiteral("Prior"), [this, &schedule] {
+        Navigate([&schedule, this] { schedule.MovePrior(m_shownID); });
+    });
+    cmdNext = AddButton(buttons, "cmdNext", QStringLiteral("Next"),
+                        [this, &schedule] { Navigate([&schedule, this] { schedule.MoveNext(m_shownID); }); });
+    cmdLast = AddButton(buttons, "cmdLast", QStringLiteral("Last"),
+                        [this, &schedule] { Navigate([&schedule] { schedule.MoveLast(); }); });
+    cmdRun = AddButton(buttons, "cmdRun", QStringLiteral("&Run Now"), [this] { RunNow(); });
+    cmdApply = AddButton(buttons, "cmdApply", QStringLiteral("&Apply"), [this] { Apply(); });
+    cmdSave = AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
+    cmdExit = AddButton(
         buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    for (QPushButton *button : {cmdFirst, cmdPrior, cmdNext, cmdLast, cmdRun, cmdApply, cmdExit})
+        button->setAutoDefault(false);
+    cmdSave->setDefault(true);
     layout->addWidget(buttons);
+}
+
+// The tab strip takes its place through its bar: naming the strip itself would split the chain.
+void frmSchedule::SetTabOrder()
+{
+    ::SetTabOrder({txtReportName,
+                   txtReportFile,
+                   txtDesc,
+                   cmbDest,
+                   cmbFormat,
+                   optRunScheduled,
+                   optRunHold,
+                   optRunCollection,
+                   m_nextRun.Date,
+                   m_nextRun.Hour,
+                   m_nextRun.Minute,
+                   txtEvery,
+                   cmbWhen,
+                   fgCollection,
+                   tbOutput->tabBar(),
+                   txtMail,
+                   txtMailCC,
+                   txtMailBCC,
+                   txtMailFrom,
+                   txtAttachFiles,
+                   txtMailSubject,
+                   txtMailMessage,
+                   txtOutput,
+                   cmbPrinter,
+                   txtPRCopies,
+                   cmbOrient,
+                   txtMRFile,
+                   txtAttachfilesMR,
+                   cmbNoRecs,
+                   optAttach,
+                   optBody,
+                   optOnePage,
+                   optSepPage,
+                   chkDateStamp,
+                   chkRetain,
+                   cmbNotifyTo,
+                   txtNotifyMsg,
+                   cmbErrorTo,
+                   txtErrorMsg,
+                   cmbMultiSuccessTo,
+                   txtMultiSuccessMsg,
+                   cmbMultiErrorTo,
+                   txtMultiErrorMsg,
+                   cmdFirst,
+                   cmdPrior,
+                   cmdNext,
+                   cmdLast,
+                   cmdRun,
+                   cmdApply,
+                   cmdSave,
+                   cmdExit});
 }
 
 void frmSchedule::cmdSave_Click()
 {
-    if (WriteSchedule())
+    if (Apply())
         accept();
+}
+
+bool frmSchedule::Apply()
+{
+    bool written = false;
+    RunHandler(m_globals.prompter, [this, &written] { written = WriteSchedule(); });
+    return written;
 }
 
 void frmSchedule::RunNow()
@@ -347,7 +429,7 @@ void frmSchedule::RunNow()
         return m_globals.prompter.ShowMessage(
             QStringLiteral("Run Now"), QStringLiteral("Please wait until report has finished processing"));
     const int position = schedule.Position();
-    RunScheduleItem(m_globals, m_shownID);
+    RunHandler(m_globals.prompter, [this] { RunScheduleItem(m_globals, m_shownID); });
     schedule.SetPosition(position);
     m_globals.SaveSchedule();
 }
@@ -355,7 +437,7 @@ void frmSchedule::RunNow()
 // A refused item stays in the window, so that the operator's input is not lost by the move.
 template <typename Move> void frmSchedule::Navigate(Move move)
 {
-    if (!WriteSchedule())
+    if (!Apply())
         return;
     move();
     ShowSchedule();

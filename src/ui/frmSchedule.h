@@ -2,11 +2,14 @@
 // The schedule item editor: shows the item at the schedule's cursor, pages through the schedule and
 // writes the item back, saving the schedule file, on Save or Apply.
 
+#include "LinkedWindows.h"
 #include "MomentControls.h"
 
 #include <QDialog>
 
+class ItemWindows;
 class QorloGlobals;
+class QAction;
 class QCheckBox;
 class QComboBox;
 class QGroupBox;
@@ -14,20 +17,29 @@ class QLabel;
 class QLineEdit;
 class QPlainTextEdit;
 class QRadioButton;
+class QMenuBar;
+class QPushButton;
 class QTabWidget;
+class QTableWidget;
 class QVBoxLayout;
 
 class frmSchedule : public QDialog
 {
     Q_OBJECT
 public:
-    explicit frmSchedule(QorloGlobals &globals, QWidget *parent = nullptr);
+    explicit frmSchedule(ItemWindows &windows, QWidget *parent = nullptr);
 
-    // Fills the window from the item at the schedule's cursor.
+    // Fills the window from the item at the schedule's cursor; with no item there, the window shows
+    // the defaults of a new item, which writing back adds to the schedule.
     void ShowSchedule();
-    // Writes the window into the item at the cursor and saves the schedule file; false when a check
-    // refused the item, which then stays as it was apart from its name and file.
+    // Writes the window into the item shown and saves the schedule file; false when a check refused
+    // the item, which then stays as it was apart from its name and file. A number field that holds no
+    // number raises its error before anything is written.
     bool WriteSchedule();
+
+protected:
+    bool event(QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
 
 private:
     // The tabs of tbOutput, in their order.
@@ -43,6 +55,12 @@ private:
     QWidget *NotifyTab();
     QWidget *EachRunTab();
     void BuildCommands(QVBoxLayout *layout);
+    void BuildMenus(QMenuBar *menus);
+    void SetTabOrder();
+    void ShowItem();
+    void ShowNewItem();
+    void ShowCollections();
+    void ShowWhenOrCollections();
     QLineEdit *LineEdit(const char *name);
     QPlainTextEdit *TextEdit(const char *name);
     QComboBox *ComboBox(const char *name, const QStringList &choices, bool editable = false);
@@ -54,18 +72,33 @@ private:
     void ShowDestinationTabs(bool filling);
     // The "Options" tab from the item's mail form, date stamp and page settings.
     void SetOptions();
+    QString StoredField(int column) const;
     void RefreshDayLine();
     void WriteWhen();
-    void WriteOutput(const QString &dest);
+    void WriteOutput(const QString &dest, qint16 copies);
 
     void cmdSave_Click();
+    // WriteSchedule as a command: a failure shows its box and the window stays as it is.
+    bool Apply();
+    // The item shown at the cursor, for the windows opened from this one.
+    void FindShown();
+    void OpenMultiRun();
+    void OpenParameters();
+    void SelectDestination(const QString &destination);
+    void SelectCalendarFile();
+    void OpenLinked(LinkedWindows::Link link);
+    // Something else moved the schedule's cursor while the window was in the back: offers to save the
+    // window into its own item, then shows the item at the cursor.
+    void CheckCursor();
     // Runs the shown item as stored, at once; its NextRun stays.
     void RunNow();
     // Writes the window back, then moves the cursor through `move` and shows the item found.
     template <typename Move> void Navigate(Move move);
 
+    ItemWindows &m_windows;
     QorloGlobals &m_globals;
     bool m_filling = false;
+    bool m_checkingCursor = false;
     QString m_shownID;
     QString m_calendarFile;
 
@@ -81,6 +114,8 @@ private:
     QLineEdit *txtEvery = nullptr;
     QComboBox *cmbWhen = nullptr;
     QLabel *lDayMessage = nullptr;
+    QGroupBox *frWhen = nullptr;
+    QTableWidget *fgCollection = nullptr;
     QTabWidget *tbOutput = nullptr;
 
     QLineEdit *txtMail = nullptr;
@@ -113,4 +148,13 @@ private:
     QPlainTextEdit *txtMultiSuccessMsg = nullptr;
     QComboBox *cmbMultiErrorTo = nullptr;
     QPlainTextEdit *txtMultiErrorMsg = nullptr;
+    QPushButton *cmdFirst = nullptr;
+    QPushButton *cmdPrior = nullptr;
+    QPushButton *cmdNext = nullptr;
+    QPushButton *cmdLast = nullptr;
+    QPushButton *cmdRun = nullptr;
+    QPushButton *cmdApply = nullptr;
+    QPushButton *cmdSave = nullptr;
+    QPushButton *cmdExit = nullptr;
+    QList<std::pair<QAction *, LinkedWindows::Link>> m_linkedEntries;
 };

@@ -5,6 +5,8 @@
 #include "core/Clock.h"
 #include "core/CommonFile.h"
 #include "core/DayDate.h"
+#include "core/Numbers.h"
+#include "MultiRunControl.h"
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
 
@@ -17,7 +19,9 @@
 #include <QLocale>
 #include <QPlainTextEdit>
 #include <QRadioButton>
+#include <QScopedValueRollback>
 #include <QTabWidget>
+#include <QTableWidget>
 
 namespace {
 
@@ -57,12 +61,31 @@ QString TwoDigits(int number)
     return QStringLiteral("%1").arg(number, 2, 10, QLatin1Char('0'));
 }
 
+// The recipients known anywhere in the schedule, offered for the notices.
+void ShowAddresses(QComboBox *list, const QStringList &known, const QString &value)
+{
+    list->clear();
+    list->addItems(known);
+    list->setCurrentText(value);
+}
+
 } // namespace
 
 void frmSchedule::ShowSchedule()
 {
+    if (m_globals.Schedule.Position() < 0)
+        ShowNewItem();
+    else
+        ShowItem();
+    ShowWhenOrCollections();
+    ShowDestinationTabs(true);
+    RefreshDayLine();
+}
+
+void frmSchedule::ShowItem()
+{
     clsSchedule &schedule = m_globals.Schedule;
-    m_filling = true;
+    QScopedValueRollback filling(m_filling, true);
     m_shownID = schedule.ReportID();
     setWindowTitle(QStringLiteral("Edit schedule for Item ") + m_shownID);
     txtReportName->setText(schedule.Name());
@@ -73,9 +96,30 @@ void frmSchedule::ShowSchedule()
     m_calendarFile = schedule.CustomCalendarFile();
     ShowWhen();
     ShowOutput();
-    m_filling = false;
-    ShowDestinationTabs(true);
-    RefreshDayLine();
+    ShowCollections();
+}
+
+// A new item: scheduled to run from now on, daily, to a disk file not yet named.
+void frmSchedule::ShowNewItem()
+{
+    QScopedValueRollback filling(m_filling, true);
+    m_shownID.clear();
+    setWindowTitle(QStringLiteral("Edit schedule for Item "));
+    for (QLineEdit *field : {txtReportName, txtReportFile, txtOutput, txtMail, txtMailCC, txtMailBCC,
+                             txtMailFrom, txtMailSubject, txtMRFile})
+        field->clear();
+    for (QPlainTextEdit *field : {txtDesc, txtAttachFiles, txtMailMessage, txtAttachfilesMR, txtNotifyMsg,
+                                  txtErrorMsg, txtMultiSuccessMsg, txtMultiErrorMsg})
+        field->clear();
+    cmbDest->setCurrentIndex(0);
+    cmbFormat->setCurrentIndex(0);
+    CheckOnly({optRunScheduled, optRunHold, optRunCollection}, optRunScheduled);
+    m_nextRun.Show(DayHourMinute::Of(Now()));
+    txtEvery->setText(QStringLiteral("1"));
+    cmbWhen->setCurrentIndex(1);
+    chkDateStamp->setChecked(false);
+    m_calendarFile.clear();
+    fgCollection->setRowCount(0);
 }
 
 void frmSchedule::ShowWhen()
@@ -112,13 +156,14 @@ void frmSchedule::ShowOutput()
     txtAttachfilesMR->setPlainText(schedule.MailAttach());
     SelectText(cmbNoRecs, schedule.NoRecords());
     chkRetain->setChecked(schedule.RetainData() == QLatin1String("Yes"));
-    cmbNotifyTo->setCurrentText(schedule.NotifyTo());
+    const QStringList known = schedule.NotifyEmailList();
+    ShowAddresses(cmbNotifyTo, known, schedule.NotifyTo());
     txtNotifyMsg->setPlainText(schedule.NotifyMsg());
-    cmbErrorTo->setCurrentText(schedule.ErrorTo());
+    ShowAddresses(cmbErrorTo, known, schedule.ErrorTo());
     txtErrorMsg->setPlainText(schedule.ErrorMsg());
-    cmbMultiSuccessTo->setCurrentText(schedule.MultiRunLineSuccessTo());
+    ShowAddresses(cmbMultiSuccessTo, known, schedule.MultiRunLineSuccessTo());
     txtMultiSuccessMsg->setPlainText(schedule.MultiRunLineSuccessMsg());
-    cmbMultiErrorTo->setCurrentText(schedule.MultiRunLineErrorTo());
+    ShowAddresses(cmbMultiErrorTo, known, schedule.MultiRunLineErrorTo());
     txtMultiErrorMsg->setPlainText(schedule.MultiRunLineErrorMsg());
 }
 
@@ -133,25 +178,29 @@ void frmSchedule::ShowDestinationTabs(bool filling)
     show(tabPrinter, dest == QLatin1String("P"));
     show(tabMultirun, dest == QLatin1String("M"));
     show(tabEachRun, dest == QLatin1String("M"));
-    const QString file = m_globals.Schedule.File();
+    // The destination's own tab comes to the front.
+    const Tab first = dest == QLatin1String("E")   ? tabEmail
+                      : dest == QLatin1String("P") ? tabPrinter
+                      : dest == QLatin1String("M") ? tabMultirun
+                                                   : tabDisk;
+    tbOutput->setCurrentIndex(first);
+    const QString file = txtReportFile->text();
     if (!filling && dest == QLatin1String("M") && txtMRFile->text().isEmpty() && !file.isEmpty())
-        txtMRFile->setText(CommonFile::JoinPath(CommonFile::FolderOf(file),
-                                                CommonFile::FileBaseName(file) + QStringLiteral("-mr.txt")));
+        txtMRFile->setText(MultiRunControlFile::DefaultName(m_globals.AppPath, file));
     SetOptions();
 }
 
 void frmSchedule::SetOptions()
 {
-    clsSchedule &schedule = m_globals.Schedule;
     const QString dest = cmbDest->currentText();
     if (dest == QLatin1String("Printer"))
         return;
     if (dest == QLatin1String("Email"))
         chkDateStamp->setVisible(true);
-    const bool attached = schedule.EMailAttach() == QLatin1String("Attached");
+    const bool attached = StoredField(clsSchedule::colEMailAttach) == QLatin1String("Attached");
     CheckOnly({optAttach, optBody}, attached ? optAttach : optBody);
-    chkDateStamp->setChecked(schedule.DateStamp() == QLatin1String("Y"));
-    const bool onePage = schedule.HTMLPages() == QLatin1String("One Page");
+    chkDateStamp->setChecked(StoredField(clsSchedule::colDateStamp) == QLatin1String("Y"));
+    const bool onePage = StoredField(clsSchedule::colHTMLPages) == QLatin1String("One Page");
     CheckOnly({optOnePage, optSepPage}, onePage ? optOnePage : optSepPage);
     frHTML->setVisible(cmbFormat->currentText().contains(QLatin1String("DHTML Document")));
     // A report in the mail body carries no date stamp.
@@ -159,6 +208,17 @@ void frmSchedule::SetOptions()
         chkDateStamp->setVisible(false);
         chkDateStamp->setChecked(false);
     }
+}
+
+// The item shown as stored, wherever the cursor is; a new item has nothing stored yet.
+QString frmSchedule::StoredField(int column) const
+{
+    const clsSchedule &schedule = m_globals.Schedule;
+    for (int row = 0; row < schedule.Count() && !m_shownID.isEmpty(); ++row) {
+        if (schedule.Cell(row, clsSchedule::colReportID) == m_shownID)
+            return schedule.Cell(row, column);
+    }
+    return QString();
 }
 
 void frmSchedule::RefreshDayLine()
@@ -185,15 +245,24 @@ void frmSchedule::RefreshDayLine()
 bool frmSchedule::WriteSchedule()
 {
     clsSchedule &schedule = m_globals.Schedule;
+    const QString dest = cmbDest->currentText().left(1);
+    // Checked before anything is written, so that a refused number leaves the item as it was.
+    const bool printed = dest == QLatin1String("P") || dest == QLatin1String("M");
+    const qint16 copies = printed ? Numbers::TextToInt16(txtPRCopies->text()) : 0;
     // The item shown, wherever the grid's refreshes have left the cursor meanwhile.
-    schedule.Find(m_shownID);
+    if (m_shownID.isEmpty()) {
+        schedule.AddNew();
+        m_shownID = schedule.ReportID();
+        setWindowTitle(QStringLiteral("Edit schedule for Item ") + m_shownID);
+    } else {
+        schedule.Find(m_shownID);
+    }
     const QString file = txtReportFile->text();
     QString name = txtReportName->text();
     if (name.isEmpty() && file == QLatin1String("COLLECTION"))
         name = QStringLiteral("Report Collection");
     schedule.SetFile(file);
     schedule.SetName(name);
-    const QString dest = cmbDest->currentText().left(1);
     const QString extension = CommonFile::FileExtension(file).toLower();
     const QString notSaved = QStringLiteral("Not Saved");
     if (extension == QLatin1String("rpt") && dest == QLatin1String("D") && txtOutput->text().isEmpty()) {
@@ -216,7 +285,7 @@ bool frmSchedule::WriteSchedule()
     schedule.SetNotifyMsg(txtNotifyMsg->toPlainText());
     schedule.SetErrorTo(cmbErrorTo->currentText());
     schedule.SetErrorMsg(txtErrorMsg->toPlainText());
-    WriteOutput(dest);
+    WriteOutput(dest, copies);
     schedule.SetEMailAttach(optAttach->isChecked() ? QStringLiteral("Attached") : QStringLiteral("In Body"));
     schedule.SetHTMLPages(optOnePage->isChecked() ? QStringLiteral("One Page")
                                                   : QStringLiteral("Separate Pages"));
@@ -243,7 +312,7 @@ void frmSchedule::WriteWhen()
 }
 
 // Each destination takes the fields of its own tabs; the others keep what the item had.
-void frmSchedule::WriteOutput(const QString &dest)
+void frmSchedule::WriteOutput(const QString &dest, qint16 copies)
 {
     clsSchedule &schedule = m_globals.Schedule;
     const bool printer = dest == QLatin1String("P");
@@ -251,7 +320,7 @@ void frmSchedule::WriteOutput(const QString &dest)
     const bool mail = dest == QLatin1String("E");
     if (printer || multiRun) {
         schedule.SetPrinter(cmbPrinter->currentText());
-        schedule.SetPrinterCopies(txtPRCopies->text().toShort());
+        schedule.SetPrinterCopies(copies);
         schedule.SetPrinterOrient(cmbOrient->currentText());
     }
     if (multiRun) {

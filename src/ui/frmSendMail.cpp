@@ -2,11 +2,14 @@
 
 #include "DialogButtons.h"
 #include "SupportMail.h"
+#include "TabOrder.h"
+#include "MailClientEvents.h"
 
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
 
 #include <QDialogButtonBox>
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
 
@@ -16,15 +19,20 @@ frmSendMail::frmSendMail(QorloGlobals &globals, QWidget *parent) : QDialog(paren
     setWindowTitle(QStringLiteral("Send Help Message"));
     m_text = new QPlainTextEdit(this);
     m_text->setObjectName(QStringLiteral("txtSend"));
+    m_text->setTabChangesFocus(true);
+    auto *caption = new QLabel(QStringLiteral("&Message to the QorloMANAGER support team"), this);
+    caption->setBuddy(m_text);
 
     auto *buttons = new QDialogButtonBox(this);
-    AddButton(buttons, "cmdSend", QStringLiteral("&Send"), [this] { cmdSend_Click(); });
-    AddButton(
+    QPushButton *send = AddButton(buttons, "cmdSend", QStringLiteral("&Send"), [this] { cmdSend_Click(); });
+    QPushButton *exit = AddButton(
         buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
 
     auto *layout = new QVBoxLayout(this);
+    layout->addWidget(caption);
     layout->addWidget(m_text);
     layout->addWidget(buttons);
+    SetTabOrder({m_text, send, exit});
 }
 
 void frmSendMail::ClearMessage()

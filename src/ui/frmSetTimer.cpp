@@ -1,11 +1,14 @@
 #include "frmSetTimer.h"
 
 #include "DialogButtons.h"
+#include "TabOrder.h"
 
-#include "core/QorloError.h"
+#include "WindowHandler.h"
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
 
+#include <QComboBox>
+#include <QDateEdit>
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -21,16 +24,18 @@ frmSetTimer::frmSetTimer(QorloGlobals &globals, QWidget *parent)
     m_setStop = AddCheck("chkSetStop", QStringLiteral("Stop the schedule at"), m_stop);
 
     auto *buttons = new QDialogButtonBox(this);
-    AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    AddButton(
+    QPushButton *save = AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
+    QPushButton *exit = AddButton(
         buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
 
     auto *fields = new QFormLayout;
-    fields->addRow(m_setStart, m_start.Row());
-    fields->addRow(m_setStop, m_stop.Row());
+    m_start.AddRow(fields, m_setStart);
+    m_stop.AddRow(fields, m_setStop);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(fields);
     layout->addWidget(buttons);
+    SetTabOrder({m_setStart, m_start.Date, m_start.Hour, m_start.Minute, m_setStop, m_stop.Date, m_stop.Hour,
+                 m_stop.Minute, save, exit});
     LoadSettings();
 }
 
@@ -63,12 +68,10 @@ TimerSetting frmSetTimer::PickedTimer(const QCheckBox *check, const MomentContro
 // The main window's caption shows the new timers at its next tick.
 void frmSetTimer::cmdSave_Click()
 {
-    try {
+    const bool saved = RunHandler(m_globals.prompter, [this] {
         SaveTimers(m_globals.Schedule, PickedTimer(m_setStart, m_start), PickedTimer(m_setStop, m_stop),
                    [this] { m_globals.SaveWeb(); });
-    } catch (const QorloError &error) {
-        m_globals.prompter.FatalError(error);
-        return;
-    }
-    accept();
+    });
+    if (saved)
+        accept();
 }

@@ -60,7 +60,6 @@ frmSettings::frmSettings(QorloGlobals &globals, QWidget *parent) : QDialog(paren
     optScreen = Option(this, "optScreen", QStringLiteral("Screen"));
     optPrinter = Option(this, "optPrinter", QStringLiteral("Printer"));
     cmbPrinter = NamedList(this, "cmbPrinter", {});
-    txtKnowledgebase = NamedLine(this, "txtKnowledgebase");
 
     auto *fields = new QFormLayout;
     fields->addRow(QStringLiteral("Viewer window"), Choice(this, optNormal, optMaximised));
@@ -68,6 +67,8 @@ frmSettings::frmSettings(QorloGlobals &globals, QWidget *parent) : QDialog(paren
     fields->addRow(QStringLiteral("Report Output"), Choice(this, optScreen, optPrinter));
     fields->addRow(QStringLiteral("Printer"), cmbPrinter);
     fields->addRow(FileKindBoxes());
+    // Made after the boxes above, so that Tab reaches it after them.
+    txtKnowledgebase = NamedLine(this, "txtKnowledgebase");
     fields->addRow(QStringLiteral("Knowledgebase host"), txtKnowledgebase);
     auto *buttons = new QDialogButtonBox(this);
     AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });

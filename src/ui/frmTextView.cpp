@@ -6,6 +6,7 @@
 
 #include <QFile>
 #include <QFontDatabase>
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QVBoxLayout>
 
@@ -16,10 +17,14 @@ frmTextView::frmTextView(QWidget *parent) : QDialog(parent)
     m_text->setObjectName(QStringLiteral("txtView"));
     m_text->setReadOnly(true);
     m_text->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
+    m_file = new QLabel(this);
+    m_file->setObjectName(QStringLiteral("lFile"));
+    m_file->setBuddy(m_text);
     auto *buttons = new QDialogButtonBox(this);
     AddButton(
         buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
     auto *layout = new QVBoxLayout(this);
+    layout->addWidget(m_file);
     layout->addWidget(m_text);
     layout->addWidget(buttons);
     resize(720, 480);
@@ -28,6 +33,7 @@ frmTextView::frmTextView(QWidget *parent) : QDialog(parent)
 void frmTextView::ShowFile(const QString &path)
 {
     setWindowTitle(path);
+    m_file->setText(path);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
         m_text->setPlainText(QStringLiteral("Cannot read ") + path + QStringLiteral(": ") +

@@ -3,6 +3,7 @@
 
 #include <QDialog>
 
+class QLabel;
 class QPlainTextEdit;
 
 class frmTextView : public QDialog
@@ -16,5 +17,7 @@ public:
     void ShowFile(const QString &path);
 
 private:
+    // The file's name above its text.
+    QLabel *m_file = nullptr;
     QPlainTextEdit *m_text = nullptr;
 };

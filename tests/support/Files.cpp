@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QProcess>
 #include <QRandomGenerator>
@@ -14,6 +15,18 @@
 using namespace Qt::Literals::StringLiterals;
 
 namespace TestSupport {
+
+void CopyFolder(const QString &from, const QString &to)
+{
+    QDirIterator files(from, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        const QString source = files.next();
+        const QString target = to + source.mid(from.size());
+        QDir().mkpath(QFileInfo(target).path());
+        if (!QFile::copy(source, target))
+            qFatal("cannot copy %s", qPrintable(source));
+    }
+}
 
 QByteArray ReadFile(const QString &path)
 {

@@ -21,6 +21,8 @@ QString WriteLines(const QString &path, const QStringList &lines);
 QByteArray RandomBytes(qsizetype size);
 // An executable shell script with the given body.
 QString WriteScript(const QString &path, const QByteArray &body);
+// Copies every file below `from` (subfolders too) to the same place below `to`.
+void CopyFolder(const QString &from, const QString &to);
 // The names of the files in the folder, sorted.
 QStringList FileNames(const QString &folder, const QStringList &filters = {});
 

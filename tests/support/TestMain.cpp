@@ -27,7 +27,7 @@ quint32 RandomSeed()
     return seed;
 }
 
-void PrepareEnvironment()
+void UseOwnHome()
 {
     // Nothing a test starts may write into the home folder of whoever runs it.
     static QTemporaryDir home(QDir::tempPath() + u"/qorlo-home-XXXXXX"_s);
@@ -38,6 +38,11 @@ void PrepareEnvironment()
     qputenv("XDG_CONFIG_HOME", QFile::encodeName(folder.filePath(u".config"_s)));
     qputenv("XDG_DATA_HOME", QFile::encodeName(folder.filePath(u".local/share"_s)));
     qputenv("XDG_CACHE_HOME", QFile::encodeName(folder.filePath(u".cache"_s)));
+}
+
+void PrepareEnvironment()
+{
+    UseOwnHome();
     qputenv("QT_QPA_PLATFORM", "offscreen");
 }
 

@@ -11,8 +11,9 @@
 
 namespace TestSupport {
 
-// Points HOME and the XDG folders at a fresh temporary folder and selects the offscreen platform.
-// Called before the application object exists.
+// Points HOME and the XDG folders at a fresh temporary folder, removed at the end of the process.
+void UseOwnHome();
+// UseOwnHome, and selects the offscreen platform. Called before the application object exists.
 void PrepareEnvironment();
 // The seed of this run: QORLO_TEST_SEED when set, else a new one. Every random generator of a test
 // starts from it.

@@ -14,7 +14,9 @@
 #include "ui/frmTextView.h"
 
 #include <QAction>
+#include <QHeaderView>
 #include <QPlainTextEdit>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTableWidget>
 #include <QTemporaryDir>
@@ -91,6 +93,9 @@ private Q_SLOTS:
     void duplicateAndDelete();
     void insertFileAndFolder();
     void smtpLogViewer();
+    void opensNoSmallerThanItsGrid();
+    void failingCommandKeepsTheProgram();
+    void itemPartEntries();
 };
 
 void TestFrmMain::gridShowsTheSchedule()
@@ -275,14 +280,14 @@ void TestFrmMain::windowStateGoesToFormXml()
     clsViewer &viewer = f.globals.Viewer;
     viewer.Viewer_Left = 1500;
     viewer.Viewer_Top = 1200;
-    viewer.Viewer_Width = 9000;
+    viewer.Viewer_Width = 13500;
     viewer.Viewer_Height = 6000;
     viewer.Viewer_ColFile = 2250;
     const QString form = f.path(u"Form.XML"_s);
     f.globals.ViewTable();
     QCOMPARE(f.prompter.take(), QStringList{u"QorloMANAGER: No Data in Schedule"_s});
     f.window.ApplyViewerSettings();
-    QCOMPARE(f.window.size(), QSize(600, 400));
+    QCOMPARE(f.window.size(), QSize(900, 400));
     QCOMPARE(f.window.pos(), QPoint(100, 80));
     f.window.show();
     QVERIFY(QTest::qWaitForWindowExposed(&f.window));
@@ -477,6 +482,71 @@ void TestFrmMain::smtpLogViewer()
     f.trigger("mnuViewSMTP");
     QCOMPARE(text->toPlainText(), u"09:00   Caf\u00e9 report message sent to boss@example.com\n"_s);
     QVERIFY(text->isReadOnly());
+}
+
+void TestFrmMain::opensNoSmallerThanItsGrid()
+{
+    MainFixture f;
+    f.globals.ViewTable();
+    f.prompter.take();
+    // The start measures are 358 by 168 pixels: too small for six headings and ten rows.
+    clsViewer &viewer = f.globals.Viewer;
+    viewer.Viewer_ColDate = viewer.Viewer_ColRun = 1500;
+    viewer.Viewer_ColDesc = viewer.Viewer_ColFile = viewer.Viewer_ColDest = 2250;
+    f.window.ShowWindow();
+    QVERIFY(QTest::qWaitForWindowExposed(&f.window));
+    QHeaderView *headings = f.grid()->horizontalHeader();
+    QCOMPARE(headings->length(), (600 + 2 * 1500 + 3 * 2250) / 15);
+    QVERIFY(f.window.width() > headings->length());
+    QVERIFY(f.grid()->height() >= headings->height() + 10 * f.grid()->verticalHeader()->defaultSectionSize());
+
+    // Columns wider than the screen give a window as wide as the screen, no wider.
+    viewer.ApplyStartDefaults();
+    viewer.Viewer_ColDesc = 30000;
+    f.window.ApplyViewerSettings();
+    QCOMPARE(f.window.width(), f.window.screen()->availableSize().width());
+}
+
+// A command that fails shows its run-time error; the window and its schedule stay.
+void TestFrmMain::failingCommandKeepsTheProgram()
+{
+    MainFixture f;
+    for (int row = 0; row < clsSchedule::MaxItems; ++row)
+        AddItem(f.schedule, u"Item"_s, f.path(u"job.sh"_s), u"01-Mar-2026 10:00"_s);
+    f.globals.ViewTable();
+    f.window.SetSelectedRow(1);
+    f.trigger("mnuDuplicate");
+    QCOMPARE(f.prompter.take(), QStringList{u"QorloMANAGER: Run-time error '9': Subscript out of range"_s});
+    QVERIFY(f.prompter.fatal.isEmpty());
+    QCOMPARE(f.schedule.Count(), clsSchedule::MaxItems);
+}
+
+void TestFrmMain::itemPartEntries()
+{
+    MainFixture f;
+    const QStringList captions{u"Edit &Parameter Values"_s, u"Edit &MultiRun"_s, u"&New Collection"_s,
+                               u"&Edit Collection"_s};
+    const char *const names[] = {"mnuPList", "mnuMultiRun", "mnuNewPack", "mnuEditPack"};
+    for (int entry = 0; entry < 4; ++entry)
+        QCOMPARE(f.menu(names[entry])->text(), captions.at(entry));
+
+    // Without an item or a selection they say what is missing.
+    f.globals.ViewTable();
+    f.prompter.take();
+    f.trigger("mnuPList");
+    AddItem(f.schedule, u"Job"_s, f.path(u"job.sh"_s), u"01-Mar-2026 10:00"_s);
+    f.globals.ViewTable();
+    f.window.SetSelectedRow(0);
+    f.trigger("mnuMultiRun");
+    QCOMPARE(f.prompter.take(), (QStringList{u"Edit Parameter Values: No Report in Schedule to Modify"_s,
+                                             u"Edit MultiRun: Please select a report from the list"_s}));
+
+    // The parameter editor stops the schedule, to start again when the main window is back.
+    f.schedule.Active = true;
+    f.window.SetSelectedRow(1);
+    f.trigger("mnuPList");
+    QVERIFY(!f.schedule.Active);
+    QVERIFY(f.globals.ReactivateOnFocus);
 }
 
 QORLO_TEST_MAIN(TestFrmMain)

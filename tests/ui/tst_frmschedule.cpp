@@ -1,4 +1,5 @@
 #include "Files.h"
+#include "SalesReport.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 #include "WindowFixture.h"
@@ -6,10 +7,17 @@
 #include "core/AppFolder.h"
 #include "scheduler/Dispatcher.h"
 #include "scheduler/QorloGlobals.h"
+#include "ui/ItemWindows.h"
+#include "ui/LinkedWindows.h"
+#include "ui/frmMulti.h"
+#include "ui/frmPList.h"
 #include "ui/frmMain.h"
 #include "ui/frmSchedule.h"
 
 #include <QAction>
+#include <QDesktopServices>
+#include <QMenu>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
 #include <QFile>
@@ -55,6 +63,19 @@ struct EditorFixture : GlobalsFixture
 
     FixedClock clock{QDateTime(QDate(2026, 3, 2), QTime(9, 0))};
     ClockGuard guard{clock};
+    ItemWindows windows{globals, nullptr, nullptr};
+};
+
+// Records the pages the program asks the desktop to open.
+class UrlRecorder : public QObject
+{
+    Q_OBJECT
+public:
+    UrlRecorder() { QDesktopServices::setUrlHandler(u"file"_s, this, "open"); }
+    ~UrlRecorder() override { QDesktopServices::unsetUrlHandler(u"file"_s); }
+    QStringList opened;
+public Q_SLOTS:
+    void open(const QUrl &url) { opened.append(url.toLocalFile()); }
 };
 
 } // namespace
@@ -67,6 +88,11 @@ private Q_SLOTS:
     void refusesBlankDestinations();
     void modifyFromTheMainWindow();
     void runNowKeepsNextRun();
+    void reportMenu();
+    void windowsBuiltElsewhere();
+    void newItem();
+    void itemMovedUnderTheEditor();
+    void lettersInTheCopies();
 };
 
 void TestFrmSchedule::fillsEditsAndSaves()
@@ -75,7 +101,7 @@ void TestFrmSchedule::fillsEditsAndSaves()
     const QString first = f.addReport(u"Weekly"_s);
     f.schedule.SetFrequency(u"B"_s);
     const QString id = f.addReport(u"Sales"_s);
-    frmSchedule editor(f.globals);
+    frmSchedule &editor = f.windows.Editor();
     editor.ShowSchedule();
     QCOMPARE(editor.windowTitle(), u"Edit schedule for Item "_s + id);
     QCOMPARE(Child<QComboBox>(&editor, "cmbWhen")->currentText(), u"Month(s)"_s);
@@ -118,7 +144,7 @@ void TestFrmSchedule::refusesBlankDestinations()
     EditorFixture f;
     const QString id = f.addReport(u"Sales"_s);
     f.globals.SaveSchedule();
-    frmSchedule editor(f.globals);
+    frmSchedule &editor = f.windows.Editor();
     editor.ShowSchedule();
     editor.show();
     Child<QLineEdit>(&editor, "txtMail")->clear();
@@ -198,7 +224,7 @@ void TestFrmSchedule::runNowKeepsNextRun()
     AppFolder::MakeWorkingFolders(f.dir.path());
     const QString id = f.addReport(u"Job"_s);
     f.schedule.SetFile(WriteScript(f.path(u"job.sh"_s), "exit 0"));
-    frmSchedule editor(f.globals);
+    frmSchedule &editor = f.windows.Editor();
     editor.ShowSchedule();
     QAction *run = editor.findChild<QAction *>(u"mnuRun"_s);
     f.schedule.ProcessingID = id;
@@ -211,6 +237,179 @@ void TestFrmSchedule::runNowKeepsNextRun()
     QCOMPARE(f.saved(id, clsSchedule::colLastRun), u"02-Mar-2026 09:00"_s);
     QCOMPARE(f.saved(id, clsSchedule::colNextRun), u"05-Mar-2026 07:30"_s);
     QVERIFY(f.prompter.fatal.isEmpty());
+}
+
+void TestFrmSchedule::reportMenu()
+{
+    EditorFixture f;
+    const QString id = f.addReport(u"Sales"_s);
+    SalesReport(QDir(f.dir.path()), u"Sales.rpt"_s, u"SELECT region FROM {Sales} WHERE region = {?Region}"_s,
+                u"<parameter name=\"Region\" type=\"12\"/><layout><column field=\"region\"/></layout>"_s);
+    frmSchedule &editor = f.windows.Editor();
+    editor.ShowSchedule();
+    editor.show();
+    const auto trigger = [&editor](const char *name) { Child<QAction>(&editor, name)->trigger(); };
+
+    // Output picks the destination and shows its tab.
+    trigger("mnuOutputPrinter");
+    QCOMPARE(Child<QComboBox>(&editor, "cmbDest")->currentText(), u"Printer"_s);
+    QCOMPARE(Child<QTabWidget>(&editor, "tbOutput")->currentIndex(), 3);
+    trigger("mnuOutputDisk");
+    QCOMPARE(Child<QTabWidget>(&editor, "tbOutput")->currentIndex(), 2);
+
+    // The multi-run editor works on the item shown and gives its file back to the window.
+    f.schedule.SetPosition(-1);
+    trigger("mnuMultiRun");
+    frmMulti &multi = f.windows.MultiRun();
+    QVERIFY(multi.isVisible());
+    QCOMPARE(Child<QLabel>(&multi, "lName")->text(), u"Sales"_s);
+    Click(&multi, "cmdSave");
+    QCOMPARE(Child<QLineEdit>(&editor, "txtMRFile")->text(), f.dir.filePath(u"Sales-mr.txt"_s));
+    QCOMPARE(f.saved(id, clsSchedule::colPrompt), f.dir.filePath(u"Sales-mr.txt"_s));
+
+    trigger("mnuParameters");
+    QVERIFY(f.windows.Parameters().isVisible());
+    QCOMPARE(Child<QTableWidget>(&f.windows.Parameters(), "fgPList")->item(0, 0)->text(), u"Region"_s);
+
+    UrlRecorder pages;
+    trigger("mnuHelp");
+    QCOMPARE(pages.opened, QStringList{f.dir.filePath(u"Help/schedule.htm"_s)});
+    QVERIFY(f.prompter.messages.isEmpty());
+}
+
+void TestFrmSchedule::windowsBuiltElsewhere()
+{
+    using LinkedWindows::Link;
+    EditorFixture f;
+    const QString id = f.addReport(u"Sales"_s);
+    frmSchedule &editor = f.windows.Editor();
+    editor.ShowSchedule();
+    editor.show();
+    for (const char *name : {"mnuTableMapping", "mnuEditCalendar", "mnuPreview"}) {
+        QAction *entry = Child<QAction>(&editor, name);
+        QVERIFY2(!entry->isEnabled(), name);
+        QVERIFY(entry->toolTip().endsWith(u" is not available yet in this version"_s));
+    }
+
+    // Once connected, each opens through its one routine with the item shown.
+    QList<LinkedWindows::Request> requests;
+    const auto record = [&requests](const LinkedWindows::Request &request) { requests.append(request); };
+    LinkedWindows::Connect(Link::TableMap, record);
+    LinkedWindows::Connect(Link::CalendarEditor, record);
+    editor.hide();
+    editor.show();
+    QVERIFY(Child<QAction>(&editor, "mnuTableMapping")->isEnabled());
+    Child<QAction>(&editor, "mnuTableMapping")->trigger();
+    QCOMPARE(requests.size(), 1);
+    QCOMPARE(requests.first().reportID, id);
+    QCOMPARE(requests.first().file, f.dir.filePath(u"Sales.rpt"_s));
+    QCOMPARE(requests.first().opener, &editor);
+
+    // The calendar editor needs a calendar file, which Select File gives the item.
+    Child<QAction>(&editor, "mnuEditCalendar")->trigger();
+    QCOMPARE(f.prompter.take(),
+             QStringList{u"Edit Calendar: Please select a calendar file for this report"_s});
+    const QString calendar = WriteLines(f.dir.filePath(u"month-ends.lst"_s), {u"31-Mar-2026"_s});
+    f.prompter.setNextFileNames({calendar});
+    Child<QAction>(&editor, "mnuSelectFile")->trigger();
+    QCOMPARE(f.prompter.take(), QStringList{u"Select File: "_s + f.dir.path()});
+    Child<QComboBox>(&editor, "cmbWhen")->setCurrentText(u"Custom Calendar"_s);
+    QCOMPARE(Child<QLabel>(&editor, "lDayMessage")->text(), u"month-ends.lst"_s);
+    Child<QAction>(&editor, "mnuEditCalendar")->trigger();
+    QCOMPARE(requests.size(), 2);
+    QCOMPARE(requests.last().file, calendar);
+    QCOMPARE(requests.last().kind, u"DateTime"_s);
+    Click(&editor, "cmdApply");
+    QCOMPARE(f.saved(id, clsSchedule::colCustomCalendarFile), calendar);
+    LinkedWindows::Connect(Link::TableMap, {});
+    LinkedWindows::Connect(Link::CalendarEditor, {});
+}
+
+void TestFrmSchedule::newItem()
+{
+    EditorFixture f;
+    f.addReport(u"Sales"_s);
+    f.schedule.SetPosition(-1);
+    frmSchedule &editor = f.windows.Editor();
+    editor.ShowSchedule();
+    QCOMPARE(Child<QLineEdit>(&editor, "txtReportName")->text(), QString());
+    QVERIFY(Child<QRadioButton>(&editor, "optRun0")->isChecked());
+    QCOMPARE(Child<QDateEdit>(&editor, "dtDay")->date(), QDate(2026, 3, 2));
+    QCOMPARE(Child<QComboBox>(&editor, "cmbHour")->currentIndex(), 9);
+    QCOMPARE(Child<QLineEdit>(&editor, "txtEvery")->text(), u"1"_s);
+    QCOMPARE(Child<QComboBox>(&editor, "cmbWhen")->currentText(), u"Day(s)"_s);
+    QVERIFY(!Child<QCheckBox>(&editor, "chkDateStamp")->isChecked());
+
+    // Writing it back adds it to the schedule.
+    Child<QLineEdit>(&editor, "txtReportName")->setText(u"Nightly"_s);
+    Child<QLineEdit>(&editor, "txtReportFile")->setText(f.dir.filePath(u"nightly.sh"_s));
+    QVERIFY(editor.WriteSchedule());
+    QCOMPARE(f.schedule.Count(), 2);
+    QCOMPARE(editor.windowTitle(), u"Edit schedule for Item 2"_s);
+    QCOMPARE(f.saved(u"2"_s, clsSchedule::colName), u"Nightly"_s);
+    QCOMPARE(f.saved(u"2"_s, clsSchedule::colNextRun), u"02-Mar-2026 09:00"_s);
+}
+
+void TestFrmSchedule::itemMovedUnderTheEditor()
+{
+    EditorFixture f;
+    const QString first = f.addReport(u"Sales"_s);
+    const QString second = f.addReport(u"Costs"_s);
+    f.schedule.Find(first);
+    frmSchedule &editor = f.windows.Editor();
+    editor.ShowSchedule();
+    editor.show();
+    const auto activate = [&editor] {
+        QEvent activation(QEvent::WindowActivate);
+        QCoreApplication::sendEvent(&editor, &activation);
+    };
+    activate();
+    QVERIFY(f.prompter.messages.isEmpty());
+
+    // No: the window shows the item at the cursor and its own input is gone.
+    Child<QLineEdit>(&editor, "txtMailCC")->setText(u"lost@example.com"_s);
+    f.schedule.Find(second);
+    f.prompter.setNextAnswers({false});
+    activate();
+    QCOMPARE(f.prompter.take(), QStringList{u"Edit Schedule: You are currently editing schedule item "_s +
+                                            first + u"\nReport Title=Sales\nDo you wish to save changes?"_s});
+    QCOMPARE(editor.windowTitle(), u"Edit schedule for Item "_s + second);
+    QCOMPARE(f.saved(first, clsSchedule::colRptToCC), u"<missing>"_s);
+
+    // Yes: the window goes into its own item first, and the cursor stays where it was put.
+    Child<QLineEdit>(&editor, "txtMailCC")->setText(u"kept@example.com"_s);
+    f.schedule.Find(first);
+    f.prompter.setNextAnswers({true});
+    activate();
+    QCOMPARE(f.saved(second, clsSchedule::colRptToCC), u"kept@example.com"_s);
+    QCOMPARE(f.schedule.ReportID(), first);
+    QCOMPARE(editor.windowTitle(), u"Edit schedule for Item "_s + first);
+}
+
+void TestFrmSchedule::lettersInTheCopies()
+{
+    EditorFixture f;
+    const QString id = f.addReport(u"Sales"_s);
+    f.globals.SaveSchedule();
+    frmSchedule &editor = f.windows.Editor();
+    editor.ShowSchedule();
+    editor.show();
+    Child<QComboBox>(&editor, "cmbDest")->setCurrentText(u"Printer"_s);
+    Child<QLineEdit>(&editor, "txtPRCopies")->setText(u"two"_s);
+    Child<QLineEdit>(&editor, "txtReportName")->setText(u"Renamed"_s);
+    Click(&editor, "cmdSave");
+    QCOMPARE(f.prompter.take(), QStringList{u"QorloMANAGER: Run-time error '13': Type mismatch"_s});
+    QVERIFY(f.prompter.fatal.isEmpty());
+    QVERIFY(editor.isVisible());
+    // Nothing was written, in the file or in memory.
+    f.schedule.Find(id);
+    QCOMPARE(f.schedule.Name(), u"Sales"_s);
+    QCOMPARE(f.saved(id, clsSchedule::colDest), u"E"_s);
+
+    Child<QLineEdit>(&editor, "txtPRCopies")->setText(u"2"_s);
+    Click(&editor, "cmdSave");
+    QVERIFY(!editor.isVisible());
+    QCOMPARE(f.saved(id, clsSchedule::colPrinterCopies), u"2"_s);
 }
 
 QORLO_TEST_MAIN(TestFrmSchedule)
