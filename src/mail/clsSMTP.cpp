@@ -4,6 +4,7 @@
 #include "core/CommonFile.h"
 #include "core/LineReader.h"
 #include "core/Numbers.h"
+#include "core/WholeFile.h"
 #include "core/XMLCode.h"
 
 #include <QDir>
@@ -19,7 +20,7 @@ QStringList LockFiles(const QDir &folder, const QString &prefix)
     return folder.entryList({prefix + QStringLiteral("*.lck")}, QDir::Files | QDir::Hidden);
 }
 
-QString WholeFile(const QString &path)
+QString FileText(const QString &path)
 {
     QStringList lines;
     LineReader reader(path);
@@ -88,7 +89,7 @@ void clsSMTP::ReadTags(LineReader &file, QString &line)
         m_msgHTML =
             XMLCode::ReadLongElement(file, line, QStringLiteral("</HTMLBody>"), XMLCode::EndLine::Joined);
     else if (tag == QLatin1String("<HTML-File>"))
-        HTMLFileText = QFileInfo::exists(value) ? WholeFile(value) : QString();
+        HTMLFileText = WholeFile::IsWholeFile(value) ? FileText(value) : QString();
     else if (tag == QLatin1String("<Find>"))
         FindText = value;
     else if (tag == QLatin1String("<Replace>")) {

@@ -16,6 +16,7 @@
 #include "core/LineReader.h"
 #include "core/Numbers.h"
 #include "core/QorloError.h"
+#include "core/WholeFile.h"
 #include "log/clsLog.h"
 #include "mail/AddressList.h"
 #include "mail/SmtpLog.h"
@@ -201,7 +202,7 @@ void RunMultiRun(RunContext &run, const QString &fileName)
 {
     clsSchedule &schedule = run.schedule;
     RunState &state = run.state;
-    if (!QFileInfo::exists(fileName)) {
+    if (!WholeFile::IsWholeFile(fileName)) {
         ReportMissingFile(run, fileName);
         return;
     }
