@@ -10,8 +10,15 @@
 #include "scheduler/SingleInstance.h"
 #include "scheduler/StartUp.h"
 
+#include <QCryptographicHash>
 #include <QDir>
+#include <QLocalServer>
 #include <QTemporaryDir>
+
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 using namespace Qt::Literals::StringLiterals;
 using namespace TestSupport;
@@ -23,7 +30,24 @@ private Q_SLOTS:
     void initTestCase();
     void firstStartAndSecondInstance();
     void savedStateAndElection();
+    void singleInstanceLock();
 };
+
+namespace {
+
+// One start of the program on the folder, its questions answered Yes.
+struct Start
+{
+    explicit Start(const QString &appPath) : globals(appPath, prompter) {}
+    bool run() { return StartUp(globals, instance, dispatcher, globals.PathOf(u"qorlomanagerd"_s)); }
+
+    TestPrompter prompter{true};
+    QorloGlobals globals;
+    SingleInstance instance;
+    Dispatcher dispatcher{globals};
+};
+
+} // namespace
 
 void TestStartUp::initTestCase()
 {
@@ -101,6 +125,37 @@ void TestStartUp::savedStateAndElection()
 
     QVERIFY(CloseMainWindow(globals, false));
     QVERIFY(ReadFile(app.filePath(u"Web/livestat.htm"_s)).contains("QorloMANAGER shutdown at "));
+}
+
+// The folder is held by a lock on a file in it, which any user's instance sees and which nobody can take
+// by binding a name first; the lock goes with the instance that held it.
+void TestStartUp::singleInstanceLock()
+{
+    QTemporaryDir app;
+    // The name of the socket an earlier build listened on, bound by someone else first.
+    const QByteArray folder =
+        QCryptographicHash::hash(QFileInfo(app.path()).canonicalFilePath().toUtf8(), QCryptographicHash::Sha1)
+            .toHex();
+    QLocalServer squatter;
+    squatter.setSocketOptions(QLocalServer::AbstractNamespaceOption);
+    QVERIFY(squatter.listen(u"QorloMANAGER-"_s + QString::number(::getuid()) + u'-' + QLatin1String(folder)));
+    {
+        Start first(app.path());
+        QVERIFY(first.run());
+    }
+
+    // Another process's lock on the file, as another user's instance would hold it.
+    const QByteArray lockFile = QFile::encodeName(app.filePath(u".QorloMANAGER.lock"_s));
+    const int fd = ::open(lockFile.constData(), O_RDONLY);
+    QVERIFY(fd >= 0);
+    QCOMPARE(::flock(fd, LOCK_EX | LOCK_NB), 0);
+    Start second(app.path());
+    QVERIFY(!second.run());
+    QCOMPARE(second.prompter.messages.size(), 1);
+    QVERIFY(second.prompter.messages.first().startsWith(u"QorloMANAGER: QorloMANAGER already running"_s));
+    ::close(fd);
+    Start third(app.path());
+    QVERIFY(third.run());
 }
 
 QORLO_TEST_MAIN(TestStartUp)
