@@ -1,5 +1,7 @@
 #include "EventWait.h"
 
+#include "StopRequest.h"
+
 #include <QCoreApplication>
 #include <QTimer>
 
@@ -10,4 +12,5 @@ void WaitForNextEvent(int maxMs)
     interval.setSingleShot(true);
     interval.start(maxMs);
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    StopRequest::Check();
 }

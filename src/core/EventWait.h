@@ -2,4 +2,5 @@
 // The one turn of every wait loop that pumps events: deliver what is pending, or sleep until the next
 // event arrives, but no longer than the loop's interval, so that a reply wakes the waiter at once.
 
+// A requested stop ends the wait with StopRequested.
 void WaitForNextEvent(int maxMs);

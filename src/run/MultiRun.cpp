@@ -16,6 +16,7 @@
 #include "core/LineReader.h"
 #include "core/Numbers.h"
 #include "core/QorloError.h"
+#include "core/StopRequest.h"
 #include "core/WholeFile.h"
 #include "log/clsLog.h"
 #include "mail/AddressList.h"
@@ -217,6 +218,7 @@ void RunMultiRun(RunContext &run, const QString &fileName)
     MultiRun::Totals totals;
     LineReader reader(fileName);
     while (!reader.atEnd()) {
+        StopRequest::Check();
         if (!RunLine(run, reader.readLineView(), totals))
             return;
     }

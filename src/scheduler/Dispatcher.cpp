@@ -9,6 +9,8 @@
 #include "calendar/NextRun.h"
 #include "core/Clock.h"
 #include "core/QorloError.h"
+#include "core/StopRequest.h"
+#include "run/ErrorTrap.h"
 #include "store/ScheduleBackup.h"
 
 namespace {
@@ -41,13 +43,18 @@ void Dispatcher::TickOrFail()
 {
     try {
         Tick();
-    } catch (const QorloError &error) {
-        m_globals.prompter.FatalError(error);
+    } catch (const StopRequested &) {
+        // The program closes once the event loop sees the signal.
+    } catch (...) {
+        m_globals.prompter.FatalError(CaughtError());
     }
 }
 
 void Dispatcher::Tick()
 {
+    // Once the program is told to stop, nothing new starts.
+    if (StopRequest::Requested())
+        return;
     ++m_depth;
     struct DepthGuard
     {
