@@ -10,10 +10,13 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
+#include <QScopeGuard>
 
 namespace {
 
 const QString kCrLf = QStringLiteral("\r\n");
+const QString kLockPrefix = QStringLiteral("QorloMAIL");
 
 QStringList LockFiles(const QDir &folder, const QString &prefix)
 {
@@ -39,18 +42,30 @@ void clsSMTP::Clear()
 void clsSMTP::Load(const QString &path)
 {
     const QDir folder(CommonFile::FolderOf(path));
-    const QString lockName =
-        QStringLiteral("QorloMAIL") + Clock::current().now().toString(QStringLiteral("HHmm"));
+    const QString lockName = kLockPrefix + Clock::current().now().toString(QStringLiteral("HHmm"));
     if (!LockFiles(folder, QString()).isEmpty())
         return;
     XMLCode::CreateLockFile(folder.filePath(lockName + QStringLiteral(".lck")));
+    const auto unlock = qScopeGuard([&] {
+        for (const QString &lock : LockFiles(folder, lockName))
+            QFile::remove(folder.filePath(lock));
+    });
     Clear();
     if (!path.isEmpty() && QFileInfo::exists(path)) {
         FilePath = path;
         ReadFile(path);
     }
-    for (const QString &lock : LockFiles(folder, lockName))
-        QFile::remove(folder.filePath(lock));
+}
+
+void clsSMTP::RemoveOwnLockFiles(const QString &folder)
+{
+    static const QRegularExpression ownName(QStringLiteral("^QorloMAIL[0-9]{4}\\.lck$"),
+                                            QRegularExpression::CaseInsensitiveOption);
+    const QDir dir(folder);
+    for (const QString &lock : LockFiles(dir, kLockPrefix)) {
+        if (ownName.match(lock).hasMatch())
+            QFile::remove(dir.filePath(lock));
+    }
 }
 
 QString clsSMTP::MsgHTML() const

@@ -1,11 +1,12 @@
 #include "CommandFolders.h"
 
-#include "mail/MailDocument.h"
+#include "FailureRecords.h"
 #include "QorloGlobals.h"
 #include "ScheduleView.h"
 
 #include "core/Clock.h"
 #include "core/CommonFile.h"
+#include "mail/MailDocument.h"
 #include "mail/SmtpLog.h"
 
 #include <QDir>
@@ -38,7 +39,6 @@ void LogCommandFile(QorloGlobals &globals, const QString &logTag, const QString 
 
 void ShowChanges(QorloGlobals &globals)
 {
-    globals.SaveSchedule();
     globals.ViewTable();
     globals.DisplayCaption();
 }
@@ -58,9 +58,15 @@ void ProcessRemoteFolder(QorloGlobals &globals, const QString &path, const QStri
         return;
     for (const QString &name : files) {
         const QString file = CommonFile::JoinPath(path, name);
-        globals.Schedule.Load(file);
+        // Saved before the file goes: a crash at any moment leaves the file or the saved result.
+        RecordFailure(
+            [&] {
+                globals.Schedule.Load(file);
+                globals.SaveSchedule();
+                LogCommandFile(globals, logTag, name);
+            },
+            [&](const QorloError &error) { SetAsideCommandFile(globals, file, logTag, error); });
         QFile::remove(file);
-        LogCommandFile(globals, logTag, name);
     }
     ShowChanges(globals);
 }
@@ -80,10 +86,14 @@ void ProcessMailFolder(QorloGlobals &globals, const QString &path, const QString
     SmtpLog::StartSmtpLog(QStringLiteral("QorloMAIL processing inside QorloMANAGER"));
     for (const QString &name : files) {
         const QString file = CommonFile::JoinPath(path, name);
-        if (!ProcessMailDocument(globals.AppPath, file))
+        bool valid = false;
+        RecordFailure([&] { valid = ProcessMailDocument(globals.AppPath, file); },
+                      [&](const QorloError &error) { SetAsideCommandFile(globals, file, logTag, error); });
+        if (!valid)
             globals.View().SetStatusText(QStringLiteral("Invalid XML Doc"));
         QFile::remove(file);
         LogCommandFile(globals, logTag, name);
     }
+    globals.SaveSchedule();
     ShowChanges(globals);
 }

@@ -1,6 +1,7 @@
 #include "Dispatcher.h"
 
 #include "CommandFolders.h"
+#include "FailureRecords.h"
 #include "ItemRouter.h"
 #include "Prompter.h"
 #include "QorloGlobals.h"
@@ -114,7 +115,8 @@ void Dispatcher::RunDueItem()
     if (!reportID.isEmpty()) {
         const int row = RowOf(reportID);
         view.SetSchedule(ScheduleView::RunningColour, row);
-        RunScheduleItem(m_globals, reportID);
+        RecordFailure([&] { RunScheduleItem(m_globals, reportID); },
+                      [&](const QorloError &error) { HoldItem(m_globals, reportID, error); });
         view.SetSchedule(ScheduleView::NormalColour, row);
         m_globals.RefreshRow(row);
     }
@@ -142,9 +144,13 @@ QString Dispatcher::GetDueItem()
     if (Now() < NextReportRun(schedule))
         return QString();
     schedule.SetPosition(schedule.NextItemIndex);
-    SaveNextTime(schedule, Now());
-    m_globals.SaveSchedule();
     const QString reportID = schedule.ReportID();
+    RecordFailure(
+        [&] {
+            SaveNextTime(schedule, Now());
+            m_globals.SaveSchedule();
+        },
+        [&](const QorloError &error) { HoldItem(m_globals, reportID, error); });
     schedule.SetPosition(position);
     return reportID;
 }

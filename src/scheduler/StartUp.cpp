@@ -11,6 +11,7 @@
 #include "core/CommonFile.h"
 #include "core/HelpPages.h"
 #include "core/TWReg.h"
+#include "mail/clsSMTP.h"
 
 namespace {
 
@@ -70,6 +71,7 @@ bool StartUp(QorloGlobals &globals, SingleInstance &instance, Dispatcher &dispat
                                      QStringLiteral("Warning - No printers configured"),
                                      Prompter::Icon::Warning);
     ApplyStartDefaults(globals);
+    clsSMTP::RemoveOwnLockFiles(globals.PathOf(QStringLiteral("Mail")));
     LoadMainWindow(globals);
     dispatcher.Start();
     AskForMailServer(globals);

@@ -154,6 +154,17 @@ void TestClsSMTP::locksAndBadDocuments()
     document.Load(box.path(u"plain.xml"_s));
     QCOMPARE(document.DocType, QString());
     QCOMPARE(QDir(box.dir.path()).entryList({u"*.LCK"_s}), QStringList{u"writer.LCK"_s});
+    QFile::remove(box.path(u"writer.LCK"_s));
+
+    // A read that fails removes its own lock all the same, so that later documents are not held up;
+    // a lock of that naming left by an ended process goes at the next start.
+    box.write(u"port.xml"_s, "<QorloMAILDoc>\r\n<SMTP-Port>99999</SMTP-Port>\r\n");
+    QCOMPARE(ErrorOf([&] { document.Load(box.path(u"port.xml"_s)); }), 6);
+    QVERIFY(box.locks().isEmpty());
+    box.write(u"QorloMAIL0931.lck"_s, "left over");
+    box.write(u"QorloMAILbusy.lck"_s, "another program's");
+    clsSMTP::RemoveOwnLockFiles(box.dir.path());
+    QCOMPARE(box.locks(), QStringList{u"QorloMAILbusy.lck"_s});
 }
 
 void TestClsSMTP::documentSent()

@@ -31,6 +31,7 @@ private Q_SLOTS:
     void firstStartAndSecondInstance();
     void savedStateAndElection();
     void singleInstanceLock();
+    void leftOverMailLocks();
 };
 
 namespace {
@@ -156,6 +157,19 @@ void TestStartUp::singleInstanceLock()
     ::close(fd);
     Start third(app.path());
     QVERIFY(third.run());
+}
+
+// Lock files of the program's own naming left in Mail by a process that ended while reading go at the
+// next start; other programs' locks stay.
+void TestStartUp::leftOverMailLocks()
+{
+    QTemporaryDir app;
+    AppFolder::MakeWorkingFolders(app.path());
+    WriteFile(app.filePath(u"Mail/QorloMAIL2359.lck"_s), "Lock File Created : 01-Jan-2026");
+    WriteFile(app.filePath(u"Mail/writer.lck"_s), "");
+    Start start(app.path());
+    QVERIFY(start.run());
+    QCOMPARE(FileNames(app.filePath(u"Mail"_s)), QStringList{u"writer.lck"_s});
 }
 
 QORLO_TEST_MAIN(TestStartUp)
