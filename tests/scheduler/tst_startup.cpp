@@ -31,6 +31,7 @@ private Q_SLOTS:
     void firstStartAndSecondInstance();
     void savedStateAndElection();
     void singleInstanceLock();
+    void unreadableSchedule();
     void leftOverMailLocks();
 };
 
@@ -157,6 +158,40 @@ void TestStartUp::singleInstanceLock()
     ::close(fd);
     Start third(app.path());
     QVERIFY(third.run());
+}
+
+// A schedule saved by an editor as UTF-16 reads as its items. A schedule that yields no item and no
+// setting is kept beside under a dated name before the first save writes the empty schedule over it.
+void TestStartUp::unreadableSchedule()
+{
+    QTemporaryDir app;
+    const QString file = app.filePath(u"Qorlo.XML"_s);
+    QString text = u"\ufeff<Schedule>\r\n<Schedule_State>Stopped</Schedule_State>\r\n"_s;
+    for (int id = 1; id <= 3; ++id)
+        text += u"<ReportID>%1</ReportID>\r\n<ReportName>Caf\u00e9 %1</ReportName>\r\n"_s.arg(id);
+    WriteFile(file, QByteArray(reinterpret_cast<const char *>(text.utf16()), text.size() * 2));
+    {
+        Start start(app.path());
+        QVERIFY(start.run());
+        QCOMPARE(start.globals.Schedule.Count(), 3);
+        QCOMPARE(start.globals.Schedule.Cell(2, clsSchedule::colName), u"Caf\u00e9 3"_s);
+    }
+
+    // Bytes without a ">", so that no line has a tag.
+    const QByteArray unreadable = "x" + RandomBytes(2048).replace('>', 'x');
+    WriteFile(file, unreadable);
+    Start start(app.path());
+    QVERIFY(start.run());
+    QCOMPARE(start.globals.Schedule.Count(), 0);
+    const QStringList kept = FileNames(app.path(), {u"Qorlo-unread-*.XML"_s});
+    QCOMPARE(kept.size(), 1);
+    QCOMPARE(ReadFile(app.filePath(kept.first())), unreadable);
+    QCOMPARE(SavedLogEntries(app.path()),
+             QStringList{u"QorloMANAGER|No item and no setting could be read from "_s + file +
+                         u"; it is kept as "_s + app.filePath(kept.first())});
+    start.dispatcher.Tick();
+    QVERIFY(ReadFile(file).contains("<Report_Schedule>"));
+    QCOMPARE(ReadFile(app.filePath(kept.first())), unreadable);
 }
 
 // Lock files of the program's own naming left in Mail by a process that ended while reading go at the
