@@ -1,5 +1,6 @@
 #include "CommandFolders.h"
 
+#include "CommandFolderAccess.h"
 #include "FailureRecords.h"
 #include "QorloGlobals.h"
 #include "ScheduleView.h"
@@ -15,12 +16,17 @@
 
 namespace {
 
+const QString kRemoteTag = QStringLiteral("REMOTE");
+const QString kMailTag = QStringLiteral("MAIL");
+
 // The command files of the folder in directory order; none while a lock file lies there. One listing
-// serves both tests, so an idle folder costs one directory read.
+// serves both tests, so an idle folder costs one directory read. Symbolic links, FIFOs, devices and
+// sockets are passed over.
 QStringList CommandFiles(const QString &path)
 {
-    const QFileInfoList entries = QDir(path).entryInfoList({QStringLiteral("*.xml"), QStringLiteral("*.lck")},
-                                                           QDir::Files | QDir::Hidden, QDir::Unsorted);
+    const QFileInfoList entries =
+        QDir(path).entryInfoList({QStringLiteral("*.xml"), QStringLiteral("*.lck")},
+                                 QDir::Files | QDir::Hidden | QDir::NoSymLinks, QDir::Unsorted);
     QStringList files;
     for (const QFileInfo &entry : entries) {
         if (entry.suffix().compare(QLatin1String("lck"), Qt::CaseInsensitive) == 0)
@@ -43,12 +49,38 @@ void ShowChanges(QorloGlobals &globals)
     globals.DisplayCaption();
 }
 
+// Whether the folder may be read; a change of the answer is said once.
+bool FolderAdmitted(QorloGlobals &globals, const QString &path, const QString &logTag)
+{
+    const QString reason = SecureCommandFolder(path);
+    if (reason == globals.RefusedCommandFolders.value(path))
+        return reason.isEmpty();
+    if (reason.isEmpty()) {
+        globals.RefusedCommandFolders.remove(path);
+        return true;
+    }
+    globals.RefusedCommandFolders.insert(path, reason);
+    NotifyOperator(globals, logTag, RefusalNote(path, reason));
+    globals.SaveWeb();
+    return false;
+}
+
 } // namespace
+
+void CheckCommandFolders(QorloGlobals &globals)
+{
+    FolderAdmitted(globals, globals.PathOf(QStringLiteral("Remote")), kRemoteTag);
+    FolderAdmitted(globals, globals.PathOf(QStringLiteral("Mail")), kMailTag);
+}
 
 void PollCommandFolders(QorloGlobals &globals)
 {
-    ProcessRemoteFolder(globals, globals.PathOf(QStringLiteral("Remote")), QStringLiteral("REMOTE"));
-    ProcessMailFolder(globals, globals.PathOf(QStringLiteral("Mail")), QStringLiteral("MAIL"));
+    const QString remote = globals.PathOf(QStringLiteral("Remote"));
+    if (FolderAdmitted(globals, remote, kRemoteTag))
+        ProcessRemoteFolder(globals, remote, kRemoteTag);
+    const QString mail = globals.PathOf(QStringLiteral("Mail"));
+    if (FolderAdmitted(globals, mail, kMailTag))
+        ProcessMailFolder(globals, mail, kMailTag);
 }
 
 void ProcessRemoteFolder(QorloGlobals &globals, const QString &path, const QString &logTag)

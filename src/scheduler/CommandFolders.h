@@ -5,6 +5,10 @@
 
 class QorloGlobals;
 
+// Makes both command folders owner-only, as at every start; a folder that cannot be made so, or that
+// another user owns, is not read, which is said once on standard error, in the run log and on the
+// status page (QorloGlobals::RefusedCommandFolders).
+void CheckCommandFolders(QorloGlobals &globals);
 // Remote with the log tag "REMOTE", then Mail with "MAIL", both below the application folder.
 void PollCommandFolders(QorloGlobals &globals);
 // Applies every *.xml of the folder to the running schedule, one file at a time (apply, save the

@@ -1,5 +1,6 @@
 #include "StartUp.h"
 
+#include "CommandFolders.h"
 #include "Dispatcher.h"
 #include "FailureRecords.h"
 #include "Prompter.h"
@@ -99,6 +100,7 @@ bool StartUp(QorloGlobals &globals, SingleInstance &instance, Dispatcher &dispat
     if (unreadSchedule)
         KeepUnreadSchedule(globals);
     clsSMTP::RemoveOwnLockFiles(globals.PathOf(QStringLiteral("Mail")));
+    CheckCommandFolders(globals);
     LoadMainWindow(globals);
     dispatcher.Start();
     AskForMailServer(globals);

@@ -32,6 +32,7 @@ private Q_SLOTS:
     void savedStateAndElection();
     void singleInstanceLock();
     void unreadableSchedule();
+    void commandFolderAccess();
     void leftOverMailLocks();
 };
 
@@ -192,6 +193,63 @@ void TestStartUp::unreadableSchedule()
     start.dispatcher.Tick();
     QVERIFY(ReadFile(file).contains("<Report_Schedule>"));
     QCOMPARE(ReadFile(app.filePath(kept.first())), unreadable);
+}
+
+// The command folders are made owner-only at every start, not only when they are made. A folder that
+// another user owns is not read: said in the run log and on the status page. Symbolic links and
+// FIFOs among the command files are passed over.
+void TestStartUp::commandFolderAccess()
+{
+    QTemporaryDir app;
+    AppFolder::MakeWorkingFolders(app.path());
+    QVERIFY(QFile::setPermissions(app.filePath(u"Remote"_s), QFileDevice::Permissions(0x7777)));
+    QVERIFY(QFile::setPermissions(app.filePath(u"Mail"_s), QFileDevice::Permissions(0x7755)));
+    const QByteArray command = "<ReportID>4</ReportID>\r\n<ReportName>From a link</ReportName>\r\n";
+    WriteFile(app.filePath(u"elsewhere.xml"_s), command);
+    QVERIFY(QFile::link(app.filePath(u"elsewhere.xml"_s), app.filePath(u"Remote/link.xml"_s)));
+    QVERIFY(QFile::link(app.filePath(u"elsewhere.xml"_s), app.filePath(u"Remote/hold.lck"_s)));
+    QCOMPARE(::mkfifo(QFile::encodeName(app.filePath(u"Remote/pipe.xml"_s)).constData(), 0600), 0);
+    WriteFile(app.filePath(u"Remote/real.xml"_s),
+              "<ReportID>5</ReportID>\r\n<ReportName>Real</ReportName>\r\n");
+    {
+        Start start(app.path());
+        QVERIFY(start.run());
+        for (const char *folder : {"Remote", "Mail"}) {
+            struct stat status;
+            QCOMPARE(::stat(QFile::encodeName(app.filePath(QLatin1String(folder))).constData(), &status), 0);
+            QCOMPARE(status.st_mode & 07777, mode_t(0700));
+        }
+        start.dispatcher.Tick();
+        QCOMPARE(start.globals.Schedule.Count(), 1);
+        QCOMPARE(start.globals.Schedule.Cell(0, clsSchedule::colName), u"Real"_s);
+        QCOMPARE(FileNames(app.filePath(u"Remote"_s)), (QStringList{u"hold.lck"_s, u"link.xml"_s}));
+        QCOMPARE(ReadFile(app.filePath(u"elsewhere.xml"_s)), command);
+    }
+
+    // A Remote folder of another user: as root, handed to nobody; otherwise, a link to the root's folder.
+    const QString remote = app.filePath(u"Remote"_s);
+    QVERIFY(QDir(remote).removeRecursively());
+    if (::geteuid() == 0) {
+        QVERIFY(QDir().mkdir(remote));
+        QCOMPARE(::chown(QFile::encodeName(remote).constData(), 65534, 65534), 0);
+        QVERIFY(QFile::setPermissions(remote, QFileDevice::Permissions(0x7777)));
+        WriteFile(app.filePath(u"Remote/start.xml"_s),
+                  "<ReportID>6</ReportID>\r\n<ReportFile>/bin/sh</ReportFile>\r\n");
+    } else {
+        QVERIFY(QFile::link(u"/"_s, remote));
+    }
+    Start start(app.path());
+    QVERIFY(start.run());
+    start.dispatcher.Tick();
+    QCOMPARE(start.globals.Schedule.Count(), 1);
+    const QString note = u"Command folder "_s + remote + u" is not read: it belongs to another user"_s;
+    QCOMPARE(SavedLogEntries(app.path()),
+             (QStringList{u"REMOTE|Process Remote command file: real.xml"_s, u"REMOTE|"_s + note}));
+    QVERIFY(ReadFile(app.filePath(u"Web/livestat.htm"_s)).contains(QByteArray(note.toUtf8() + "</br>")));
+    if (::geteuid() == 0) {
+        QVERIFY(QFile::exists(app.filePath(u"Remote/start.xml"_s)));
+        QCOMPARE(QFile::permissions(remote) & 0x0077, QFileDevice::Permissions(0x0077));
+    }
 }
 
 // Lock files of the program's own naming left in Mail by a process that ended while reading go at the
