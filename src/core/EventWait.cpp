@@ -5,6 +5,8 @@
 #include <QCoreApplication>
 #include <QTimer>
 
+#include <exception>
+
 void WaitForNextEvent(int maxMs)
 {
     // The timer's time-out is the event that ends a wait in which nothing else happens.
@@ -12,5 +14,7 @@ void WaitForNextEvent(int maxMs)
     interval.setSingleShot(true);
     interval.start(maxMs);
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    StopRequest::Check();
+    // Not while an exception unwinds through a wait in a destructor: a second one would end the process.
+    if (std::uncaught_exceptions() == 0)
+        StopRequest::Check();
 }

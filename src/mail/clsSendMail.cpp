@@ -81,8 +81,12 @@ clsSendMail::clsSendMail(QObject *parent) : QObject(parent), m_socket(new QSslSo
 
 clsSendMail::~clsSendMail()
 {
-    if (SocketState() > 0)
-        CloseConnection();
+    // A destructor must not throw: a failure or a stop while saying QUIT only ends the goodbye.
+    try {
+        if (SocketState() > 0)
+            CloseConnection();
+    } catch (...) {
+    }
 }
 
 void clsSendMail::LoadSettings()
