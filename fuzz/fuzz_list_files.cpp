@@ -28,7 +28,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
         DynDates::NextCustomCalendarDate(schedule, calendar, Now());
         const QStringList values = DynDates::ReadListValues(schedule.Holiday_List);
         for (qsizetype i = 0; i < values.size() && i < 16; ++i)
-            EvaluateDate(schedule, values.at(i));
+            DynDates::EvaluateDate(schedule, values.at(i));
         const AddressList::Sources sources{Fuzz::AppPath(), QStringList(10), {}};
         AddressList::ExpandAddressList(QStringLiteral("<list.lst>;a@example.com"), sources);
     } catch (const QorloError &) {
