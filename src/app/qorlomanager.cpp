@@ -1,8 +1,12 @@
 // The desktop scheduler: the core's start-up with message boxes, then the main window.
 #include "core/AppFolder.h"
 #include "core/QorloError.h"
+#include "core/StopRequest.h"
+#include "run/ErrorTrap.h"
+#include "scheduler/CatchingApplication.h"
 #include "scheduler/Dispatcher.h"
 #include "scheduler/QorloGlobals.h"
+#include "scheduler/ShutdownSignals.h"
 #include "scheduler/SingleInstance.h"
 #include "scheduler/StartUp.h"
 #include "ui/GuiPrompter.h"
@@ -13,11 +17,11 @@
 
 int main(int argc, char **argv)
 {
-    QApplication app(argc, argv);
+    GuiPrompter prompter;
+    CatchingApplication<QApplication> app(argc, argv, prompter);
     // The icon and desktop entry that the package installs.
     QGuiApplication::setDesktopFileName(QStringLiteral("qorlomanager"));
     QApplication::setWindowIcon(QIcon::fromTheme(QStringLiteral("qorlomanager")));
-    GuiPrompter prompter;
     try {
         const QString executable = QCoreApplication::applicationFilePath();
         QorloGlobals globals(AppFolder::Enter(executable), prompter);
@@ -27,10 +31,15 @@ int main(int argc, char **argv)
         QObject::connect(&window, &frmMain::ExitRequested, &app, [] { QCoreApplication::exit(0); });
         if (!StartUp(globals, instance, dispatcher, executable))
             return 1;
+        CloseOnSignals([] { QCoreApplication::exit(0); });
         // The process lives as long as its main window, shown by the start-up.
-        return app.exec();
-    } catch (const QorloError &error) {
-        prompter.FatalError(error);
+        const int status = app.exec();
+        // A signal ends the event loop without closing the window, which would say so on the page.
+        if (StopRequest::Requested())
+            CloseMainWindow(globals, false);
+        return status;
+    } catch (...) {
+        prompter.FatalError(CaughtError());
     }
     return 1;
 }

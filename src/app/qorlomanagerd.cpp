@@ -2,20 +2,19 @@
 // questions take fixed answers.
 #include "core/AppFolder.h"
 #include "core/QorloError.h"
+#include "run/ErrorTrap.h"
+#include "scheduler/CatchingApplication.h"
 #include "scheduler/Dispatcher.h"
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
+#include "scheduler/ShutdownSignals.h"
 #include "scheduler/SingleInstance.h"
 #include "scheduler/StartUp.h"
 
 #include <QGuiApplication>
-#include <QSocketNotifier>
 #include <QTextStream>
 
-#include <csignal>
 #include <cstdlib>
-#include <sys/socket.h>
-#include <unistd.h>
 
 namespace {
 
@@ -48,36 +47,14 @@ private:
     }
 };
 
-int g_signalPipe[2] = {-1, -1};
-
-void OnSignal(int)
-{
-    const char byte = 1;
-    [[maybe_unused]] const auto written = ::write(g_signalPipe[1], &byte, 1);
-}
-
-// SIGTERM and SIGINT close the scheduler as closing its window would, once the event loop sees them.
-void CloseOnSignals(QorloGlobals &globals)
-{
-    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, g_signalPipe) != 0)
-        return;
-    auto *notifier = new QSocketNotifier(g_signalPipe[0], QSocketNotifier::Read, qApp);
-    QObject::connect(notifier, &QSocketNotifier::activated, qApp, [&globals] {
-        CloseMainWindow(globals, false);
-        QCoreApplication::exit(0);
-    });
-    std::signal(SIGTERM, OnSignal);
-    std::signal(SIGINT, OnSignal);
-}
-
 } // namespace
 
 int main(int argc, char **argv)
 {
     // The report engine draws pages with QPainter, which needs a GUI application even without a screen.
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    QGuiApplication app(argc, argv);
     StderrPrompter prompter;
+    CatchingApplication<QGuiApplication> app(argc, argv, prompter);
     try {
         const QString executable = QCoreApplication::applicationFilePath();
         QorloGlobals globals(AppFolder::Enter(executable), prompter);
@@ -85,10 +62,14 @@ int main(int argc, char **argv)
         Dispatcher dispatcher(globals);
         if (!StartUp(globals, instance, dispatcher, executable))
             return 1;
-        CloseOnSignals(globals);
-        return app.exec();
-    } catch (const QorloError &error) {
-        prompter.FatalError(error);
+        // SIGTERM and SIGINT close the scheduler as closing its window would, once a running report
+        // has stopped and the event loop has ended.
+        CloseOnSignals([] { QCoreApplication::exit(0); });
+        const int status = app.exec();
+        CloseMainWindow(globals, false);
+        return status;
+    } catch (...) {
+        prompter.FatalError(CaughtError());
     }
     return 1;
 }

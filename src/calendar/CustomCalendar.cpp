@@ -6,9 +6,9 @@
 #include "core/Clock.h"
 #include "core/DayDate.h"
 #include "core/QorloError.h"
+#include "core/WholeFile.h"
 #include "store/clsSchedule.h"
 
-#include <QFileInfo>
 #include <vector>
 
 namespace DynDates {
@@ -51,7 +51,7 @@ double NextCustomCalendarDate(const clsSchedule &schedule, QString &path, double
     if (path.isEmpty())
         return 0;
     path = CommonFile::CompletePath(schedule.AppPath, path);
-    if (!QFileInfo(path).isFile())
+    if (!WholeFile::IsWholeFile(path))
         return Unusable();
     const std::vector<double> dates = ReadCalendar(path, reference);
     if (dates.empty())

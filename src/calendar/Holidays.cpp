@@ -5,9 +5,9 @@
 #include "core/CommonFile.h"
 #include "core/DayDate.h"
 #include "core/QorloError.h"
+#include "core/WholeFile.h"
 #include "store/clsSchedule.h"
 
-#include <QFileInfo>
 #include <array>
 
 namespace DynDates {
@@ -42,7 +42,7 @@ void LoadHolidays(clsSchedule &schedule)
     if (schedule.Holiday_List.isEmpty())
         return;
     schedule.Holiday_List = CommonFile::CompletePath(schedule.AppPath, schedule.Holiday_List);
-    if (!QFileInfo(schedule.Holiday_List).isFile())
+    if (!WholeFile::IsWholeFile(schedule.Holiday_List))
         return;
     for (const QString &value : ReadListValues(schedule.Holiday_List)) {
         if (const std::optional<double> date = DayDate::Parse(value))

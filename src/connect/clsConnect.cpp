@@ -21,7 +21,10 @@ clsConnect::clsConnect(const QString &appPath)
 void clsConnect::AddNew()
 {
     m_cursor = m_count;
-    ++m_count;
+    // A row past the table is not counted, so that no walk of the table reads beyond its end; its
+    // cells raise the subscript error when they are touched.
+    if (m_count <= UpperBound)
+        ++m_count;
 }
 
 void clsConnect::Delete(qint16 row)

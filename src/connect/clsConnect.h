@@ -12,7 +12,8 @@ public:
 
     explicit clsConnect(const QString &appPath);
 
-    // Cursor on a new row at the end; its cells keep what they held, the caller sets every field.
+    // Cursor on a new row at the end; its cells keep what they held, the caller sets them. A 152nd row
+    // is not counted, and touching its cells raises the subscript error.
     void AddNew();
     void Clear() { m_count = 0; }
     // Removes a row of 0 to Count - 1 by moving the rows below up; the cursor stays.

@@ -28,7 +28,10 @@ clsMap::clsMap(const QString &appPath) : m_appPath(appPath) {}
 void clsMap::AddNew()
 {
     m_cursor = m_count;
-    ++m_count;
+    // A row past the table is not counted, so that no walk of the table reads beyond its end; its
+    // cells raise the subscript error when they are touched.
+    if (m_count <= UpperBound)
+        ++m_count;
 }
 
 void clsMap::Clear()

@@ -13,7 +13,8 @@ public:
 
     explicit clsMap(const QString &appPath);
 
-    // Cursor on a new row at the end; its cells keep what they held, the caller sets all three.
+    // Cursor on a new row at the end; its cells keep what they held, the caller sets them. A 102nd row
+    // is not counted, and touching its cells raises the subscript error.
     void AddNew();
     void Clear();
     qint16 Count() const { return m_count; }

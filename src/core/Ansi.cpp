@@ -1,5 +1,7 @@
 #include "Ansi.h"
 
+#include <QStringDecoder>
+
 #include <array>
 
 namespace {
@@ -60,6 +62,16 @@ QString Decode(const QByteArray &bytes)
     for (const char b : bytes)
         *out++ = table[static_cast<unsigned char>(b)];
     return text;
+}
+
+QString DecodeFile(const QByteArray &bytes)
+{
+    const std::optional<QStringConverter::Encoding> marked = QStringConverter::encodingForData(bytes);
+    if (!marked)
+        return Decode(bytes);
+    // The decoder drops the mark itself.
+    QStringDecoder decoder(*marked);
+    return decoder.decode(bytes);
 }
 
 } // namespace Ansi

@@ -13,5 +13,8 @@ QChar Char(int code);
 // Characters the code page cannot hold become `replacement`.
 QByteArray Encode(const QString &text, char replacement = '?');
 QString Decode(const QByteArray &bytes);
+// A file's text: decoded by its byte-order mark (UTF-8, UTF-16 LE or BE) when it begins with one, as an
+// editor may save it so, else Windows-1252.
+QString DecodeFile(const QByteArray &bytes);
 
 } // namespace Ansi

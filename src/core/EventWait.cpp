@@ -1,7 +1,11 @@
 #include "EventWait.h"
 
+#include "StopRequest.h"
+
 #include <QCoreApplication>
 #include <QTimer>
+
+#include <exception>
 
 void WaitForNextEvent(int maxMs)
 {
@@ -10,4 +14,7 @@ void WaitForNextEvent(int maxMs)
     interval.setSingleShot(true);
     interval.start(maxMs);
     QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    // Not while an exception unwinds through a wait in a destructor: a second one would end the process.
+    if (std::uncaught_exceptions() == 0)
+        StopRequest::Check();
 }

@@ -1,16 +1,15 @@
 #include "LineReader.h"
 
 #include "Ansi.h"
-
-#include <QFile>
+#include "WholeFile.h"
 
 LineReader::LineReader(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
+    const std::optional<QByteArray> bytes = WholeFile::Read(path);
+    if (!bytes)
         return;
     m_open = true;
-    m_text = Ansi::Decode(file.readAll());
+    m_text = Ansi::DecodeFile(*bytes);
     split();
 }
 

@@ -1,5 +1,6 @@
 #pragma once
-// Reads a state file line by line as Windows-1252 text; CR LF, CR and LF all end a line.
+// Reads a state file line by line as Windows-1252 text (or by its byte-order mark); CR LF, CR and LF
+// all end a line.
 
 #include <QList>
 #include <QString>
@@ -8,7 +9,8 @@
 class LineReader
 {
 public:
-    // Reads the whole file; a missing or unreadable file gives no lines.
+    // Reads the whole file; a missing or unreadable file, or one that is no whole file (WholeFile.h),
+    // gives no lines.
     explicit LineReader(const QString &path);
     static LineReader FromText(const QString &text);
 

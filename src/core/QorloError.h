@@ -10,11 +10,13 @@ public:
     enum Number {
         InvalidCall = 5,
         Overflow = 6,
+        OutOfMemory = 7,
         OutOfRange = 9,
         TypeMismatch = 13,
         FileNotFound = 53,
         PermissionDenied = 70,
         PathFileAccess = 75,
+        InternalError = 51,
         PathNotFound = 76,
         MXError = 20000,
     };
@@ -29,6 +31,9 @@ public:
     const char *what() const noexcept override { return m_what.constData(); }
 
     static QString standardDescription(int number);
+    // The exception being handled, called inside a catch block: the project's own error as it is, an
+    // allocation failure as error 7, any other exception as error 51.
+    static QorloError fromCurrentException();
 
 private:
     int m_number;

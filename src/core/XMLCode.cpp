@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <array>
 #include <memory>
+#include <utility>
 
 namespace XMLCode {
 
@@ -172,23 +173,38 @@ qint64 ReferenceCode(QStringView text)
     return number >= 0 && number <= 0x10FFFF ? qint64(Numbers::RoundEven(number)) : -1;
 }
 
-// Replaces each "&#code;" by its character. A "&#" without a ";" after it ends the decoding of
-// references for the line, so a damaged line cannot stall the reader.
+// Replaces each "&#code;" by its character, in one pass over the line. A "&#" without a ";" after
+// it ends the decoding of references for the line, so a damaged line cannot stall the reader.
+// The result is that of replacing the first "&#" of the line again and again: a decoded "#" after
+// an "&", or a decoded "&" before a "#", opens a further reference, whose code runs to the next ";".
 void DecodeNumericReferences(QString &line)
 {
-    qsizetype from = 0;
-    while (true) {
-        const qsizetype start = line.indexOf(QLatin1String("&#"), from);
-        if (start < 0)
-            return;
-        const qsizetype end = line.indexOf(QLatin1Char(';'), start + 2);
-        if (end < 0)
-            return;
-        const qint64 code = ReferenceCode(QStringView(line).mid(start + 2, end - start - 2));
-        line.replace(start, end - start + 1, CharOf(code));
-        // A decoded "&" or "#" can form a new "&#" with its neighbour; nothing before it can.
-        from = start > 0 ? start - 1 : 0;
+    if (!line.contains(QLatin1String("&#")))
+        return;
+    QString out;
+    out.reserve(line.size());
+    const qsizetype size = line.size();
+    qsizetype in = 0;
+    while (in < size) {
+        QChar c = line.at(in++);
+        while (c == QLatin1Char('#') && out.endsWith(QLatin1Char('&'))) {
+            const qsizetype end = line.indexOf(QLatin1Char(';'), in);
+            if (end < 0) {
+                out += c;
+                out += QStringView(line).mid(in);
+                line = std::move(out);
+                return;
+            }
+            out.chop(1);
+            const QString decoded = CharOf(ReferenceCode(QStringView(line).mid(in, end - in)));
+            in = end + 1;
+            // Of a surrogate pair only the second half is looked at, and it opens nothing.
+            out += QStringView(decoded).chopped(1);
+            c = decoded.back();
+        }
+        out += c;
     }
+    line = std::move(out);
 }
 
 } // namespace
@@ -366,15 +382,31 @@ bool HoldsEscapes(QStringView line)
     return line.contains(QLatin1Char('[')) || line.contains(QLatin1Char('&'));
 }
 
+// Replaces every `mark` by CR LF in one pass; QString::replace moves the rest of the line once for
+// each block of marks, which grows with the square of a long line.
+void ReplaceByLineBreaks(QString &line, QLatin1String mark)
+{
+    qsizetype at = line.indexOf(mark);
+    if (at < 0)
+        return;
+    QString out;
+    out.reserve(line.size());
+    qsizetype done = 0;
+    for (; at >= 0; at = line.indexOf(mark, done)) {
+        out += QStringView(line).mid(done, at - done);
+        out += kCrLf;
+        done = at + mark.size();
+    }
+    out += QStringView(line).mid(done);
+    line = std::move(out);
+}
+
 void DecodeEscapes(QString &line)
 {
     if (line.contains(QLatin1Char('[')))
-        line.replace(QLatin1String("[[--CRLF--]]"), kCrLf);
+        ReplaceByLineBreaks(line, QLatin1String("[[--CRLF--]]"));
     if (line.contains(QLatin1Char('&'))) {
-        // A replace builds a matcher; the plain search first spares most lines that cost.
-        const QLatin1String lineBreak("&#0013;&#0010;");
-        if (line.contains(lineBreak))
-            line.replace(lineBreak, kCrLf);
+        ReplaceByLineBreaks(line, QLatin1String("&#0013;&#0010;"));
         DecodeNumericReferences(line);
         DecodeNamedEntities(line);
     }

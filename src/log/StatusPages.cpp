@@ -29,6 +29,18 @@ QByteArray PageBytes(const QString &text)
     return Ansi::Encode(held);
 }
 
+// Text from items, reports, the log or errors as the page shows it: its own markup is escaped, so a
+// name cannot add markup or script to the page.
+QString Html(const QString &text)
+{
+    QString escaped = text;
+    escaped.replace(QLatin1Char('&'), QLatin1String("&amp;"));
+    escaped.replace(QLatin1Char('<'), QLatin1String("&lt;"));
+    escaped.replace(QLatin1Char('>'), QLatin1String("&gt;"));
+    escaped.replace(QLatin1Char('"'), QLatin1String("&quot;"));
+    return escaped;
+}
+
 // Replaces AppPath/Web/name whole with the lines, each ended by CR LF.
 void WritePage(const QString &appPath, const QString &name, const QStringList &lines)
 {
@@ -41,7 +53,7 @@ void WritePage(const QString &appPath, const QString &name, const QStringList &l
 
 QString PageTitle(const char *subject)
 {
-    return CommonFile::ComputerName() + QLatin1String(subject);
+    return Html(CommonFile::ComputerName()) + QLatin1String(subject);
 }
 
 // The first finish date that logstat.htm shows, by WebLogSetting; the comparison is exact.
@@ -74,10 +86,10 @@ void AppendLogRows(const clsLog &log, QStringList &lines)
         const std::optional<double> finish = DayDate::Parse(log.CellAt(row, clsLog::ColFinish));
         if (!finish || *finish < first)
             continue;
-        lines << QStringLiteral("<tr>") << LogCell(log.CellAt(row, clsLog::ColLogDate))
-              << LogCell(log.CellAt(row, clsLog::ColFinish))
-              << WideLogCell(log.CellAt(row, clsLog::ColReportID))
-              << WideLogCell(log.CellAt(row, clsLog::ColText)) << QStringLiteral("</tr>");
+        lines << QStringLiteral("<tr>") << LogCell(Html(log.CellAt(row, clsLog::ColLogDate)))
+              << LogCell(Html(log.CellAt(row, clsLog::ColFinish)))
+              << WideLogCell(Html(log.CellAt(row, clsLog::ColReportID)))
+              << WideLogCell(Html(log.CellAt(row, clsLog::ColText))) << QStringLiteral("</tr>");
     }
 }
 
@@ -91,10 +103,10 @@ void AppendScheduleState(const clsSchedule &schedule, bool shutdown, QStringList
                               : QStringLiteral("The schedule is currently stopped</br>"));
     if (!schedule.StartTime.isEmpty())
         lines << QStringLiteral("The Schedule has a timer set to start processing schedule items at ") +
-                     schedule.StartTime + kBreak;
+                     Html(schedule.StartTime) + kBreak;
     if (!schedule.StopTime.isEmpty())
         lines << QStringLiteral("The Schedule has a timer set to stop processing schedule items at ") +
-                     schedule.StopTime + kBreak;
+                     Html(schedule.StopTime) + kBreak;
     lines << QStringLiteral("</br>QorloMANAGER has ") + QString::number(schedule.Count()) +
                  QStringLiteral(" reports in the schedule</p>");
 }
@@ -102,25 +114,25 @@ void AppendScheduleState(const clsSchedule &schedule, bool shutdown, QStringList
 void AppendReports(const clsSchedule &schedule, double nextRun, QStringList &lines)
 {
     if (!schedule.LastReport.isEmpty())
-        lines << QStringLiteral("Most recent report was ") + schedule.LastReport +
-                     QStringLiteral("(Report ID=") + schedule.LastReportID + QStringLiteral(")</br>")
+        lines << QStringLiteral("Most recent report was ") + Html(schedule.LastReport) +
+                     QStringLiteral("(Report ID=") + Html(schedule.LastReportID) + QStringLiteral(")</br>")
               << QStringLiteral("processed at ") + FormatDateTime(schedule.LastReportDate) + kBreak
-              << QStringLiteral("<i>") + schedule.LastReportMsg + QStringLiteral("</i></p>");
+              << QStringLiteral("<i>") + Html(schedule.LastReportMsg) + QStringLiteral("</i></p>");
     if (!schedule.ProcessingName.isEmpty())
-        lines << QStringLiteral("Currently Processing (") + schedule.ProcessingID + QStringLiteral("): ") +
-                     schedule.ProcessingName + kParagraphEnd;
+        lines << QStringLiteral("Currently Processing (") + Html(schedule.ProcessingID) +
+                     QStringLiteral("): ") + Html(schedule.ProcessingName) + kParagraphEnd;
     lines << QStringLiteral("The next report will run at ") + FormatDateTime(nextRun) + kParagraphEnd;
 }
 
 void AppendBackup(const clsSchedule &schedule, QStringList &lines)
 {
-    lines << QStringLiteral("Schedule Backup set to ") + schedule.BackupFrequency + kBreak;
+    lines << QStringLiteral("Schedule Backup set to ") + Html(schedule.BackupFrequency) + kBreak;
     if (schedule.BackupFrequency == QLatin1String("Never"))
         return;
     if (!schedule.BackupPrevious.isEmpty())
-        lines << QStringLiteral("Previous Backup performed on ") + schedule.BackupPrevious + kBreak;
+        lines << QStringLiteral("Previous Backup performed on ") + Html(schedule.BackupPrevious) + kBreak;
     if (!schedule.BackupPreviousFile.isEmpty())
-        lines << QStringLiteral("Schedule saved to file ") + schedule.BackupPreviousFile + kBreak;
+        lines << QStringLiteral("Schedule saved to file ") + Html(schedule.BackupPreviousFile) + kBreak;
     lines << QStringLiteral("Next Backup planned for ") + FormatDateTime(schedule.BackupDate) + kParagraphEnd;
 }
 
@@ -151,7 +163,8 @@ QString WebPageHeader(const QString &title)
            QStringLiteral("</tr></font></b></table>");
 }
 
-QStringList LiveStatusLines(const clsSchedule &schedule, bool shutdown, double nextRun)
+QStringList LiveStatusLines(const clsSchedule &schedule, bool shutdown, double nextRun,
+                            const QStringList &notes)
 {
     QStringList lines{QStringLiteral("<html>"), WebPageHeader(PageTitle(": Current QorloMANAGER Status")),
                       QStringLiteral("<p><font face=\"Arial\" size=\"2\">"),
@@ -159,6 +172,8 @@ QStringList LiveStatusLines(const clsSchedule &schedule, bool shutdown, double n
     AppendScheduleState(schedule, shutdown, lines);
     AppendReports(schedule, nextRun, lines);
     AppendBackup(schedule, lines);
+    for (const QString &note : notes)
+        lines << Html(note) + kBreak;
     lines << QStringLiteral("</font></p>")
           << QStringLiteral("<hr><font size=\"1\" face=\"Arial\">QorloMANAGER ") +
                  QString::number(DayDate::Year(Now())) + QStringLiteral("</font></p>")
@@ -174,7 +189,7 @@ QStringList LogStatusLines(const clsLog &log)
         WebPageHeader(PageTitle(": QorloMANAGER Log")),
         QStringLiteral("<p><font face=\"Arial\" size=\"2\">"),
         QStringLiteral("<b>QorloMANAGER log as at ") + FormatDateTime(Now()) + QStringLiteral(" (Display=") +
-            log.WebLogSetting + QStringLiteral(")</b></br>"),
+            Html(log.WebLogSetting) + QStringLiteral(")</b></br>"),
         QStringLiteral("<p>"),
         QStringLiteral("<table width=\"100%\" bgcolor=\"#000000\"><tr>") +
             WebTableCell(QStringLiteral("Start"), bar) + WebTableCell(QStringLiteral("Finish"), bar) +
@@ -186,9 +201,10 @@ QStringList LogStatusLines(const clsLog &log)
     return lines;
 }
 
-void SaveWeb(const clsSchedule &schedule, bool shutdown, double nextRun)
+void SaveWeb(const clsSchedule &schedule, bool shutdown, double nextRun, const QStringList &notes)
 {
-    WritePage(schedule.AppPath, QStringLiteral("livestat.htm"), LiveStatusLines(schedule, shutdown, nextRun));
+    WritePage(schedule.AppPath, QStringLiteral("livestat.htm"),
+              LiveStatusLines(schedule, shutdown, nextRun, notes));
 }
 
 void SaveLogWeb(const clsLog &log)

@@ -5,6 +5,7 @@
 #include "core/DayDate.h"
 #include "core/LineReader.h"
 #include "core/Numbers.h"
+#include "core/OneLine.h"
 #include "core/QorloError.h"
 #include "core/XMLCode.h"
 
@@ -332,11 +333,12 @@ void WriteLogEntry(clsLog &log, const QString &id, double start, double finish, 
     log.Clear();
     log.Load(log.FileName());
     log.AddNew();
-    log.SetReportID(id);
+    // Each cell is one element on one line of the file.
+    log.SetReportID(OneLine(id));
     log.SetLogDate(start);
     log.SetFinishDate(finish);
-    log.SetNextDate(next);
-    log.SetLogText(text);
+    log.SetNextDate(OneLine(next));
+    log.SetLogText(OneLine(text));
     log.SetPages(pages);
     log.Save();
 }

@@ -2,8 +2,7 @@
 
 #include "core/CommonFile.h"
 #include "core/LineReader.h"
-
-#include <QFileInfo>
+#include "core/WholeFile.h"
 
 namespace AddressList {
 
@@ -53,7 +52,7 @@ QString ExpandListFiles(const QString &text, const Sources &sources)
             return result;
         const QString path =
             CommonFile::CompletePath(sources.appPath, result.mid(open + 1, close - open - 1));
-        if (!QFileInfo(path).isFile()) {
+        if (!WholeFile::IsWholeFile(path)) {
             // Logged once per expansion; going past the reference is what keeps this from looping.
             if (!missing.contains(path)) {
                 missing.append(path);

@@ -6,6 +6,7 @@
 #include "MimeEncoders.h"
 
 #include "core/EventWait.h"
+#include "core/StopRequest.h"
 #include "core/Ansi.h"
 #include "core/Numbers.h"
 #include "core/QorloError.h"
@@ -222,7 +223,8 @@ bool clsSendMail::WaitForFlag(const bool &flag, qint32 seconds, bool raiseOnTime
                 RaiseTimeout();
             return false;
         }
-        if (m_failed)
+        // A stop ends the wait, also the one of a connection closed on the way out.
+        if (m_failed || StopRequest::Requested())
             return false;
         WaitForNextEvent(kMailTurnMs);
     }

@@ -4,22 +4,26 @@
 #include "core/CommonFile.h"
 #include "core/LineReader.h"
 #include "core/Numbers.h"
+#include "core/WholeFile.h"
 #include "core/XMLCode.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
+#include <QScopeGuard>
 
 namespace {
 
 const QString kCrLf = QStringLiteral("\r\n");
+const QString kLockPrefix = QStringLiteral("QorloMAIL");
 
 QStringList LockFiles(const QDir &folder, const QString &prefix)
 {
     return folder.entryList({prefix + QStringLiteral("*.lck")}, QDir::Files | QDir::Hidden);
 }
 
-QString WholeFile(const QString &path)
+QString FileText(const QString &path)
 {
     QStringList lines;
     LineReader reader(path);
@@ -38,18 +42,30 @@ void clsSMTP::Clear()
 void clsSMTP::Load(const QString &path)
 {
     const QDir folder(CommonFile::FolderOf(path));
-    const QString lockName =
-        QStringLiteral("QorloMAIL") + Clock::current().now().toString(QStringLiteral("HHmm"));
+    const QString lockName = kLockPrefix + Clock::current().now().toString(QStringLiteral("HHmm"));
     if (!LockFiles(folder, QString()).isEmpty())
         return;
     XMLCode::CreateLockFile(folder.filePath(lockName + QStringLiteral(".lck")));
+    const auto unlock = qScopeGuard([&] {
+        for (const QString &lock : LockFiles(folder, lockName))
+            QFile::remove(folder.filePath(lock));
+    });
     Clear();
     if (!path.isEmpty() && QFileInfo::exists(path)) {
         FilePath = path;
         ReadFile(path);
     }
-    for (const QString &lock : LockFiles(folder, lockName))
-        QFile::remove(folder.filePath(lock));
+}
+
+void clsSMTP::RemoveOwnLockFiles(const QString &folder)
+{
+    static const QRegularExpression ownName(QStringLiteral("^QorloMAIL[0-9]{4}\\.lck$"),
+                                            QRegularExpression::CaseInsensitiveOption);
+    const QDir dir(folder);
+    for (const QString &lock : LockFiles(dir, kLockPrefix)) {
+        if (ownName.match(lock).hasMatch())
+            QFile::remove(dir.filePath(lock));
+    }
 }
 
 QString clsSMTP::MsgHTML() const
@@ -88,7 +104,7 @@ void clsSMTP::ReadTags(LineReader &file, QString &line)
         m_msgHTML =
             XMLCode::ReadLongElement(file, line, QStringLiteral("</HTMLBody>"), XMLCode::EndLine::Joined);
     else if (tag == QLatin1String("<HTML-File>"))
-        HTMLFileText = QFileInfo::exists(value) ? WholeFile(value) : QString();
+        HTMLFileText = WholeFile::IsWholeFile(value) ? FileText(value) : QString();
     else if (tag == QLatin1String("<Find>"))
         FindText = value;
     else if (tag == QLatin1String("<Replace>")) {

@@ -10,6 +10,7 @@
 #include "core/Numbers.h"
 #include "core/QorloError.h"
 #include "core/TWReg.h"
+#include "core/WholeFile.h"
 
 #include <QFileInfo>
 #include <QHostInfo>
@@ -80,8 +81,12 @@ clsSendMail::clsSendMail(QObject *parent) : QObject(parent), m_socket(new QSslSo
 
 clsSendMail::~clsSendMail()
 {
-    if (SocketState() > 0)
-        CloseConnection();
+    // A destructor must not throw: a failure or a stop while saying QUIT only ends the goodbye.
+    try {
+        if (SocketState() > 0)
+            CloseConnection();
+    } catch (...) {
+    }
 }
 
 void clsSendMail::LoadSettings()
@@ -131,7 +136,7 @@ void clsSendMail::SetAttachment(const QString &value)
     m_attachmentEmbedded = QList<bool>(m_attachmentCount, false);
     for (qsizetype i = 0; i < m_attachmentPaths.size(); ++i) {
         const QFileInfo file(m_attachmentPaths.at(i));
-        if (!file.isFile()) {
+        if (!WholeFile::IsWholeFile(file.filePath())) {
             AddError(missing);
             break;
         }

@@ -4,6 +4,7 @@
 
 #include "core/CommonFile.h"
 #include "core/LineReader.h"
+#include "core/WholeFile.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -84,7 +85,7 @@ void frmSMTPSendMail::AppendTextFile(const QString &path)
 void frmSMTPSendMail::AppendHTMLFolder(const QString &path, const QString &mainFile)
 {
     if (!PathFound(path, QStringLiteral("Request to load HTML Folder - but no file specified"),
-                   QStringLiteral("Cannot Find HTML Folder: ")))
+                   QStringLiteral("Cannot Find HTML Folder: "), Use::Open))
         return;
     const QString folder = CommonFile::FolderOf(path);
     QStringList attachments;
@@ -129,14 +130,14 @@ void frmSMTPSendMail::poSendMail_Status(const QString &text)
     AddSmtpLog(text);
 }
 
-bool frmSMTPSendMail::PathFound(const QString &path, const QString &noPathText,
-                                const QString &missingText) const
+bool frmSMTPSendMail::PathFound(const QString &path, const QString &noPathText, const QString &missingText,
+                                Use use) const
 {
     if (path.isEmpty()) {
         AddSmtpLog(noPathText);
         return false;
     }
-    if (!QFileInfo::exists(path)) {
+    if (use == Use::ReadWhole ? !WholeFile::IsWholeFile(path) : !QFileInfo::exists(path)) {
         AddSmtpLog(missingText + path);
         return false;
     }

@@ -51,7 +51,11 @@ private:
     void poSendMail_SendSuccesful();
     void poSendMail_Status(const QString &text);
     // The tests every Append makes: false, with a line in the SMTP log, for an empty or missing path.
-    bool PathFound(const QString &path, const QString &noPathText, const QString &missingText) const;
+    // Logs the text for an empty path or a missing file. A file to be read whole must be a whole file
+    // (WholeFile.h), else it counts as missing.
+    enum class Use { Open, ReadWhole };
+    bool PathFound(const QString &path, const QString &noPathText, const QString &missingText,
+                   Use use = Use::ReadWhole) const;
     QString Expanded(const QString &text) const;
 
     const SmtpSettings m_settings;

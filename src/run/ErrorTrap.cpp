@@ -1,6 +1,7 @@
 #include "ErrorTrap.h"
 
-#include "core/QorloError.h"
+#include "core/OneLine.h"
+#include "core/StopRequest.h"
 #include "engine/EngineError.h"
 
 void ErrorTrap::Arm()
@@ -24,15 +25,29 @@ void ErrorTrap::Clear()
 void ErrorTrap::Guard(const std::function<void()> &operation)
 {
     try {
-        try {
-            operation();
-        } catch (const Engine::EngineError &error) {
-            throw QorloError(error.number(), error.description());
-        }
-    } catch (const QorloError &error) {
+        operation();
+    } catch (const StopRequested &) {
+        throw;
+    } catch (...) {
+        // The engine stops a long report by an error of its own once a stop is requested.
+        if (StopRequest::Requested())
+            throw StopRequested();
+        const QorloError error = CaughtError();
         if (!m_armed)
-            throw;
+            throw error;
         m_code = error.number();
-        m_description = error.description();
+        // Engine and database texts can hold line ends; the run log takes one line.
+        m_description = OneLine(error.description());
+    }
+}
+
+QorloError CaughtError()
+{
+    try {
+        throw;
+    } catch (const Engine::EngineError &error) {
+        return QorloError(error.number(), error.description());
+    } catch (...) {
+        return QorloError::fromCurrentException();
     }
 }

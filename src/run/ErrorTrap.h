@@ -3,6 +3,8 @@
 // handed to Guard records its number and description and the run goes on with its next step; while it
 // is off, the failure unwinds as a QorloError. Arming and disarming both clear the state.
 
+#include "core/QorloError.h"
+
 #include <QString>
 #include <functional>
 
@@ -18,7 +20,8 @@ public:
     qint32 Code() const { return m_code; }
     QString Description() const { return m_description; }
 
-    // Runs the operation. Engine errors are translated to the scheduler's error with their number.
+    // Runs the operation. Engine errors are translated to the scheduler's error with their number,
+    // any other exception as CaughtError() says; a requested stop is never caught.
     void Guard(const std::function<void()> &operation);
 
 private:
@@ -26,3 +29,7 @@ private:
     qint32 m_code = 0;
     QString m_description;
 };
+
+// The exception being handled, called inside a catch block, as the scheduler's error: the engine's
+// error with its own number and text, anything else as QorloError::fromCurrentException() gives it.
+QorloError CaughtError();

@@ -3,10 +3,9 @@
 #include "OutputNames.h"
 #include "core/CommonFile.h"
 #include "core/LineReader.h"
+#include "core/WholeFile.h"
 #include "engine/Report.h"
 #include "engine/ValueFormat.h"
-
-#include <QFileInfo>
 
 namespace OutputNames {
 
@@ -57,7 +56,7 @@ QString ReadTextIfFile(const QString &text, const QString &appPath)
     if (text.toLower() != QLatin1String("{$subject.txt}"))
         return text;
     const QString path = CommonFile::JoinPath(appPath, QStringLiteral("Subject.txt"));
-    if (!QFileInfo::exists(path))
+    if (!WholeFile::IsWholeFile(path))
         return text;
     LineReader reader(path);
     return reader.atEnd() ? text : reader.readLine();

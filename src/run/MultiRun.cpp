@@ -16,6 +16,8 @@
 #include "core/LineReader.h"
 #include "core/Numbers.h"
 #include "core/QorloError.h"
+#include "core/StopRequest.h"
+#include "core/WholeFile.h"
 #include "log/clsLog.h"
 #include "mail/AddressList.h"
 #include "mail/SmtpLog.h"
@@ -188,7 +190,7 @@ void RunMultiRun(RunContext &run, const QString &fileName)
 {
     clsSchedule &schedule = run.schedule;
     RunState &state = run.state;
-    if (!QFileInfo::exists(fileName)) {
+    if (!WholeFile::IsWholeFile(fileName)) {
         ReportMissingFile(run, fileName);
         return;
     }
@@ -203,6 +205,7 @@ void RunMultiRun(RunContext &run, const QString &fileName)
     MultiRun::Totals totals;
     LineReader reader(fileName);
     while (!reader.atEnd()) {
+        StopRequest::Check();
         if (!RunLine(run, reader.readLineView(), totals))
             return;
     }

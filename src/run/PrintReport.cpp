@@ -8,6 +8,8 @@
 #include "engine/page/CupsPrinter.h"
 #include "store/clsSchedule.h"
 
+#include "core/StopRequest.h"
+
 #include <QDeadlineTimer>
 #include <QThread>
 
@@ -67,8 +69,10 @@ void WaitForPrinting(Engine::Report &report)
     // The engine follows the job itself, so Progress normally has ended already; the limit keeps a job
     // the engine left in progress from holding the scheduler for ever.
     const QDeadlineTimer limit(Engine::CupsPrinter::DefaultWaitLimitMs);
-    while (!JobEnded(report.PrintingStatus().Progress()) && !limit.hasExpired())
+    while (!JobEnded(report.PrintingStatus().Progress()) && !limit.hasExpired()) {
+        StopRequest::Check();
         QThread::msleep(Engine::CupsPrinter::PollIntervalMs);
+    }
     for (int sleep = 0; sleep < PrintSettleSleeps; ++sleep)
         QThread::msleep(PrintSettleSleepMs);
 }

@@ -10,6 +10,7 @@
 #include "core/Clock.h"
 #include "core/CommonFile.h"
 #include "core/DayDate.h"
+#include "core/StopRequest.h"
 #include "store/clsSchedule.h"
 
 namespace {
@@ -61,6 +62,7 @@ void RunCollection(RunContext &run)
         schedule.SetCollectionPosition(row);
         if (schedule.CollectionID() != id)
             continue;
+        StopRequest::Check();
         ++count;
         schedule.ProcessingID = id;
         schedule.ProcessingName = name + QStringLiteral(" (") + QString::number(count) + QLatin1Char(')');

@@ -11,6 +11,7 @@
 #include "core/CommonFile.h"
 #include "core/DayDate.h"
 #include "core/QorloError.h"
+#include "core/StopRequest.h"
 #include "store/clsSchedule.h"
 
 #include <QFile>
@@ -131,6 +132,7 @@ void RunReport(RunContext &run)
     if (!OpenReport(run, delivery.start) || !PrepareReport(run, delivery.start) ||
         !ReadRecords(run, delivery.start))
         return;
+    StopRequest::Check();
     Deliver(run, delivery);
     EndRun(run, delivery);
 }

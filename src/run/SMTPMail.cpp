@@ -5,6 +5,7 @@
 
 #include "core/Clock.h"
 #include "core/Numbers.h"
+#include "core/WholeFile.h"
 #include "log/clsLog.h"
 #include "mail/AddressList.h"
 #include "mail/SmtpLog.h"
@@ -13,7 +14,6 @@
 #include "store/clsSchedule.h"
 
 #include <QCoreApplication>
-#include <QFileInfo>
 #include <QThread>
 
 using AddressList::ExpandAddressList;
@@ -85,7 +85,7 @@ void AppendExtraFiles(frmSMTPSendMail &sender, const QString &extraFiles)
     if (extraFiles.isEmpty())
         return;
     for (const QString &file : extraFiles.split(QLatin1Char(';'))) {
-        if (QFileInfo(file).isFile())
+        if (WholeFile::IsWholeFile(file))
             sender.AppendFile(file);
     }
 }

@@ -1,11 +1,13 @@
 #include "CommandFolders.h"
 
-#include "mail/MailDocument.h"
+#include "CommandFolderAccess.h"
+#include "FailureRecords.h"
 #include "QorloGlobals.h"
 #include "ScheduleView.h"
 
 #include "core/Clock.h"
 #include "core/CommonFile.h"
+#include "mail/MailDocument.h"
 #include "mail/SmtpLog.h"
 
 #include <QDir>
@@ -14,12 +16,17 @@
 
 namespace {
 
+const QString kRemoteTag = QStringLiteral("REMOTE");
+const QString kMailTag = QStringLiteral("MAIL");
+
 // The command files of the folder in directory order; none while a lock file lies there. One listing
-// serves both tests, so an idle folder costs one directory read.
+// serves both tests, so an idle folder costs one directory read. Symbolic links, FIFOs, devices and
+// sockets are passed over.
 QStringList CommandFiles(const QString &path)
 {
-    const QFileInfoList entries = QDir(path).entryInfoList({QStringLiteral("*.xml"), QStringLiteral("*.lck")},
-                                                           QDir::Files | QDir::Hidden, QDir::Unsorted);
+    const QFileInfoList entries =
+        QDir(path).entryInfoList({QStringLiteral("*.xml"), QStringLiteral("*.lck")},
+                                 QDir::Files | QDir::Hidden | QDir::NoSymLinks, QDir::Unsorted);
     QStringList files;
     for (const QFileInfo &entry : entries) {
         if (entry.suffix().compare(QLatin1String("lck"), Qt::CaseInsensitive) == 0)
@@ -38,17 +45,42 @@ void LogCommandFile(QorloGlobals &globals, const QString &logTag, const QString 
 
 void ShowChanges(QorloGlobals &globals)
 {
-    globals.SaveSchedule();
     globals.ViewTable();
     globals.DisplayCaption();
 }
 
+// Whether the folder may be read; a change of the answer is said once.
+bool FolderAdmitted(QorloGlobals &globals, const QString &path, const QString &logTag)
+{
+    const QString reason = SecureCommandFolder(path);
+    if (reason == globals.RefusedCommandFolders.value(path))
+        return reason.isEmpty();
+    if (reason.isEmpty()) {
+        globals.RefusedCommandFolders.remove(path);
+        return true;
+    }
+    globals.RefusedCommandFolders.insert(path, reason);
+    NotifyOperator(globals, logTag, RefusalNote(path, reason));
+    globals.SaveWeb();
+    return false;
+}
+
 } // namespace
+
+void CheckCommandFolders(QorloGlobals &globals)
+{
+    FolderAdmitted(globals, globals.PathOf(QStringLiteral("Remote")), kRemoteTag);
+    FolderAdmitted(globals, globals.PathOf(QStringLiteral("Mail")), kMailTag);
+}
 
 void PollCommandFolders(QorloGlobals &globals)
 {
-    ProcessRemoteFolder(globals, globals.PathOf(QStringLiteral("Remote")), QStringLiteral("REMOTE"));
-    ProcessMailFolder(globals, globals.PathOf(QStringLiteral("Mail")), QStringLiteral("MAIL"));
+    const QString remote = globals.PathOf(QStringLiteral("Remote"));
+    if (FolderAdmitted(globals, remote, kRemoteTag))
+        ProcessRemoteFolder(globals, remote, kRemoteTag);
+    const QString mail = globals.PathOf(QStringLiteral("Mail"));
+    if (FolderAdmitted(globals, mail, kMailTag))
+        ProcessMailFolder(globals, mail, kMailTag);
 }
 
 void ProcessRemoteFolder(QorloGlobals &globals, const QString &path, const QString &logTag)
@@ -58,9 +90,15 @@ void ProcessRemoteFolder(QorloGlobals &globals, const QString &path, const QStri
         return;
     for (const QString &name : files) {
         const QString file = CommonFile::JoinPath(path, name);
-        globals.Schedule.Load(file);
+        // Saved before the file goes: a crash at any moment leaves the file or the saved result.
+        RecordFailure(
+            [&] {
+                globals.Schedule.Load(file);
+                globals.SaveSchedule();
+                LogCommandFile(globals, logTag, name);
+            },
+            [&](const QorloError &error) { SetAsideCommandFile(globals, file, logTag, error); });
         QFile::remove(file);
-        LogCommandFile(globals, logTag, name);
     }
     ShowChanges(globals);
 }
@@ -80,10 +118,14 @@ void ProcessMailFolder(QorloGlobals &globals, const QString &path, const QString
     SmtpLog::StartSmtpLog(QStringLiteral("QorloMAIL processing inside QorloMANAGER"));
     for (const QString &name : files) {
         const QString file = CommonFile::JoinPath(path, name);
-        if (!ProcessMailDocument(globals.AppPath, file))
+        bool valid = false;
+        RecordFailure([&] { valid = ProcessMailDocument(globals.AppPath, file); },
+                      [&](const QorloError &error) { SetAsideCommandFile(globals, file, logTag, error); });
+        if (!valid)
             globals.View().SetStatusText(QStringLiteral("Invalid XML Doc"));
         QFile::remove(file);
         LogCommandFile(globals, logTag, name);
     }
+    globals.SaveSchedule();
     ShowChanges(globals);
 }

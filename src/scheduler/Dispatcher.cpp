@@ -1,6 +1,7 @@
 #include "Dispatcher.h"
 
 #include "CommandFolders.h"
+#include "FailureRecords.h"
 #include "ItemRouter.h"
 #include "Prompter.h"
 #include "QorloGlobals.h"
@@ -9,6 +10,8 @@
 #include "calendar/NextRun.h"
 #include "core/Clock.h"
 #include "core/QorloError.h"
+#include "core/StopRequest.h"
+#include "run/ErrorTrap.h"
 #include "store/ScheduleBackup.h"
 
 namespace {
@@ -41,13 +44,18 @@ void Dispatcher::TickOrFail()
 {
     try {
         Tick();
-    } catch (const QorloError &error) {
-        m_globals.prompter.FatalError(error);
+    } catch (const StopRequested &) {
+        // The program closes once the event loop sees the signal.
+    } catch (...) {
+        m_globals.prompter.FatalError(CaughtError());
     }
 }
 
 void Dispatcher::Tick()
 {
+    // Once the program is told to stop, nothing new starts.
+    if (StopRequest::Requested())
+        return;
     ++m_depth;
     struct DepthGuard
     {
@@ -107,7 +115,8 @@ void Dispatcher::RunDueItem()
     if (!reportID.isEmpty()) {
         const int row = RowOf(reportID);
         view.SetSchedule(ScheduleView::RunningColour, row);
-        RunScheduleItem(m_globals, reportID);
+        RecordFailure([&] { RunScheduleItem(m_globals, reportID); },
+                      [&](const QorloError &error) { HoldItem(m_globals, reportID, error); });
         view.SetSchedule(ScheduleView::NormalColour, row);
         m_globals.RefreshRow(row);
     }
@@ -135,9 +144,13 @@ QString Dispatcher::GetDueItem()
     if (Now() < NextReportRun(schedule))
         return QString();
     schedule.SetPosition(schedule.NextItemIndex);
-    SaveNextTime(schedule, Now());
-    m_globals.SaveSchedule();
     const QString reportID = schedule.ReportID();
+    RecordFailure(
+        [&] {
+            SaveNextTime(schedule, Now());
+            m_globals.SaveSchedule();
+        },
+        [&](const QorloError &error) { HoldItem(m_globals, reportID, error); });
     schedule.SetPosition(position);
     return reportID;
 }

@@ -20,7 +20,8 @@ public:
 
     // Starts the timer; it is never stopped while the dispatcher lives.
     void Start();
-    // One tick, all of its steps in order. A failure that escapes it ends the process.
+    // One tick, all of its steps in order; none once a stop is requested. A failure that escapes it
+    // ends the process, after the item or command file it arose on is recorded and set aside.
     void Tick();
     // The ReportID to run now, its NextRun already moved on and saved; empty when nothing is due.
     QString GetDueItem();

@@ -5,6 +5,7 @@
 #include "core/Clock.h"
 #include "core/CommonFile.h"
 #include "core/DayDate.h"
+#include "core/StopRequest.h"
 #include "run/LogResult.h"
 #include "run/MultiRun.h"
 #include "run/ProgramStarts.h"
@@ -58,6 +59,21 @@ void RunByExtension(QorloGlobals &globals, RunContext &run)
     }
 }
 
+// The run the item's file and destination call for.
+void Route(QorloGlobals &globals, RunContext &run)
+{
+    clsSchedule &schedule = globals.Schedule;
+    const QString file = schedule.File();
+    if (file == QLatin1String("COLLECTION"))
+        RunCollection(run);
+    else if (!QFileInfo::exists(file))
+        ReportMissingFile(run);
+    else if (schedule.Dest() == QLatin1String("M"))
+        RunMultiRun(run, schedule.Prompt());
+    else
+        RunByExtension(globals, run);
+}
+
 } // namespace
 
 void RunScheduleItem(QorloGlobals &globals, const QString &reportID)
@@ -69,14 +85,16 @@ void RunScheduleItem(QorloGlobals &globals, const QString &reportID)
     globals.SaveWeb();
 
     RunContext run = globals.Context();
-    const QString file = schedule.File();
-    if (file == QLatin1String("COLLECTION"))
-        RunCollection(run);
-    else if (!QFileInfo::exists(file))
-        ReportMissingFile(run);
-    else if (schedule.Dest() == QLatin1String("M"))
-        RunMultiRun(run, schedule.Prompt());
-    else
-        RunByExtension(globals, run);
+    const QString id = schedule.ProcessingID;
+    const QString name = schedule.ProcessingName;
+    const double start = Now();
+    try {
+        Route(globals, run);
+    } catch (const StopRequested &) {
+        // The entry names the item even when the run has logged a result already.
+        schedule.ProcessingID = id;
+        schedule.ProcessingName = name;
+        LogResult(run, start, QStringLiteral("Run stopped at shutdown"), 0);
+    }
     EndRun(schedule);
 }

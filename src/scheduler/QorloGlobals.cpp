@@ -1,5 +1,6 @@
 #include "QorloGlobals.h"
 
+#include "CommandFolderAccess.h"
 #include "ListScheduleView.h"
 #include "PrinterNames.h"
 #include "Prompter.h"
@@ -49,7 +50,10 @@ void QorloGlobals::SaveSchedule()
 
 void QorloGlobals::SaveWeb(bool shutdown)
 {
-    ::SaveWeb(Schedule, shutdown, NextReportRun(Schedule));
+    QStringList notes;
+    for (auto folder = RefusedCommandFolders.cbegin(); folder != RefusedCommandFolders.cend(); ++folder)
+        notes.append(RefusalNote(folder.key(), folder.value()));
+    ::SaveWeb(Schedule, shutdown, NextReportRun(Schedule), notes);
 }
 
 void QorloGlobals::ViewTable()

@@ -8,6 +8,7 @@
 #include "store/clsSchedule.h"
 #include "store/clsViewer.h"
 
+#include <QMap>
 #include <QString>
 
 #include <memory>
@@ -44,6 +45,8 @@ public:
     bool ReactivateOnFocus = false;
     // The rows to refresh when the main window comes back: 0 the first, -1 all, else that row.
     qint16 RefreshRowIndex = 0;
+    // The command folders that are not read, with the reason; the status page shows them.
+    QMap<QString, QString> RefusedCommandFolders;
 
     // The grid of the front; a ListScheduleView until the front sets its own.
     ScheduleView &View() { return *m_view; }

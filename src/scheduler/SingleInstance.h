@@ -1,18 +1,24 @@
 #pragma once
-// One scheduler per application folder and user: a local server in the abstract namespace, so
-// nothing is left on disk and the name is free again when the process ends.
+// One scheduler per application folder, whoever runs it: an exclusive lock on a file in the canonical
+// application folder, held for the life of the process. The kernel drops the lock when the process
+// ends, however it ends, so no stale lock is left to take over.
 
-#include <QLocalServer>
 #include <QString>
 
 class SingleInstance
 {
 public:
-    // The server's name for this user and the canonical form of `appPath`.
-    static QString ServerName(const QString &appPath);
-    // Claims the folder; false when another running instance holds it.
+    // The lock file of the folder.
+    static QString LockFileName(const QString &appPath);
+
+    SingleInstance() = default;
+    ~SingleInstance();
+    SingleInstance(const SingleInstance &) = delete;
+    SingleInstance &operator=(const SingleInstance &) = delete;
+
+    // Claims the folder; false when another running instance, of any user, holds it.
     bool Claim(const QString &appPath);
 
 private:
-    QLocalServer m_server;
+    int m_fd = -1;
 };

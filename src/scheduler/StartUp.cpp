@@ -1,6 +1,8 @@
 #include "StartUp.h"
 
+#include "CommandFolders.h"
 #include "Dispatcher.h"
+#include "FailureRecords.h"
 #include "Prompter.h"
 #include "PrinterNames.h"
 #include "QorloGlobals.h"
@@ -8,23 +10,47 @@
 #include "SingleInstance.h"
 
 #include "core/AppFolder.h"
+#include "core/Clock.h"
 #include "core/CommonFile.h"
 #include "core/HelpPages.h"
 #include "core/TWReg.h"
+#include "mail/clsSMTP.h"
+
+#include <QFile>
+#include <QFileInfo>
 
 namespace {
 
 const QString kProgram = QStringLiteral("QorloMANAGER");
 
-void LoadStateFiles(QorloGlobals &globals)
+// The state files in their order. True when Qorlo.XML holds something but yields no item and no
+// setting: the first save would write an empty schedule over it.
+bool LoadStateFiles(QorloGlobals &globals)
 {
-    globals.Schedule.Load(globals.PathOf(QStringLiteral("Qorlo.XML")));
+    const QString scheduleFile = globals.PathOf(QStringLiteral("Qorlo.XML"));
+    const bool unread = globals.Schedule.Load(scheduleFile) == 0 && QFileInfo(scheduleFile).size() > 0;
     globals.Connections.Load(globals.PathOf(QStringLiteral("Connect.XML")));
     globals.TableMap.Load(globals.PathOf(QStringLiteral("TableMap.XML")));
     globals.Log.Load(globals.PathOf(QStringLiteral("QorloLog.XML")));
     globals.Viewer.Load(globals.PathOf(QStringLiteral("Form.XML")));
-    globals.Schedule.FileName = globals.PathOf(QStringLiteral("Qorlo.XML"));
+    globals.Schedule.FileName = scheduleFile;
     globals.Schedule.AppPath = globals.AppPath;
+    return unread;
+}
+
+// Keeps a schedule file that could not be read beside it under a dated name, before anything is saved
+// over it.
+void KeepUnreadSchedule(QorloGlobals &globals)
+{
+    const QString file = globals.Schedule.FileName;
+    const QString kept = globals.PathOf(QStringLiteral("Qorlo-unread-") +
+                                        Clock::current().now().toString(QStringLiteral("yyyyMMdd-HHmmss")) +
+                                        QStringLiteral(".XML"));
+    const QString unread = QStringLiteral("No item and no setting could be read from ") + file;
+    NotifyOperator(globals, kProgram,
+                   QFile::copy(file, kept)
+                       ? unread + QStringLiteral("; it is kept as ") + kept
+                       : unread + QStringLiteral(", and it could not be kept as ") + kept);
 }
 
 // The values that stand at every start whatever the files said; Form.XML is read again so that its
@@ -53,7 +79,7 @@ bool StartUp(QorloGlobals &globals, SingleInstance &instance, Dispatcher &dispat
              const QString &executablePath)
 {
     globals.Schedule.AutoRun = false;
-    LoadStateFiles(globals);
+    const bool unreadSchedule = LoadStateFiles(globals);
     RegisterApplication(globals.AppPath, executablePath);
     if (!instance.Claim(globals.AppPath)) {
         globals.prompter.ShowMessage(
@@ -70,6 +96,11 @@ bool StartUp(QorloGlobals &globals, SingleInstance &instance, Dispatcher &dispat
                                      QStringLiteral("Warning - No printers configured"),
                                      Prompter::Icon::Warning);
     ApplyStartDefaults(globals);
+    // The run log is written from here on, with its retention values in place.
+    if (unreadSchedule)
+        KeepUnreadSchedule(globals);
+    clsSMTP::RemoveOwnLockFiles(globals.PathOf(QStringLiteral("Mail")));
+    CheckCommandFolders(globals);
     LoadMainWindow(globals);
     dispatcher.Start();
     AskForMailServer(globals);

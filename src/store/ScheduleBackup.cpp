@@ -4,6 +4,7 @@
 #include "core/Clock.h"
 #include "core/CommonFile.h"
 #include "core/DayDate.h"
+#include "core/LineReader.h"
 #include "core/Numbers.h"
 #include "core/QorloError.h"
 
@@ -37,6 +38,17 @@ std::optional<int> NamePart(const QString &name, int start, int length)
     if (!Numbers::IsNumeric(part))
         return std::nullopt;
     return int(Numbers::RoundEven(Numbers::NumericPrefix(part)));
+}
+
+// Whether the schedule file holds an item.
+bool HoldsItems(const QString &path)
+{
+    LineReader reader(path);
+    while (!reader.atEnd()) {
+        if (reader.readLineView().trimmed().startsWith(QLatin1String("<ReportID>")))
+            return true;
+    }
+    return false;
 }
 
 // A stored timer as a date, or nothing when it is empty or no date.
@@ -111,8 +123,10 @@ bool BackupIfDue(clsSchedule &schedule, const std::function<void()> &saveWeb)
     if (schedule.BackupDate > now)
         return false;
     const QString path = BackupFileName(schedule, now);
-    // Written before the fields below change, so the copy holds their previous values.
-    SaveBackup(schedule, path);
+    // Written before the fields below change, so the copy holds their previous values. An empty
+    // schedule never replaces a backup of the day that holds items: it may be all that is left.
+    if (schedule.Count() > 0 || !HoldsItems(path))
+        SaveBackup(schedule, path);
     schedule.BackupPrevious = FormatDateTime(now);
     schedule.BackupPreviousFile = path;
     SetNextBackup(schedule);

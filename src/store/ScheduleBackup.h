@@ -23,8 +23,9 @@ double FileNameDate(const QString &name);
 // A file that cannot be deleted raises QorloError 70 and ends the pass.
 void PurgeOldFiles(const QString &pattern);
 
-// The backup step of the tick: when BackupDate has come, copy the schedule, move BackupDate on, call
-// `saveWeb` (the status page), save the schedule and purge old backups. Returns whether it ran.
+// The backup step of the tick: when BackupDate has come, copy the schedule (unless an empty schedule
+// would replace a backup of the day that holds items), move BackupDate on, call `saveWeb` (the status
+// page), save the schedule and purge old backups. Returns whether it ran.
 bool BackupIfDue(clsSchedule &schedule, const std::function<void()> &saveWeb);
 
 // StartTime as a date, or the present moment minus one day when it is empty or not a date.

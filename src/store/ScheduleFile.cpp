@@ -215,10 +215,11 @@ QString clsSchedule::ApplicationVersion()
            QStringLiteral(" (") + QString::number(QORLO_REVISION) + QLatin1Char(')');
 }
 
-void clsSchedule::Load(const QString &path)
+int clsSchedule::Load(const QString &path)
 {
     if (path.isEmpty() || !QFileInfo::exists(path))
-        return;
+        return 0;
+    const int known = m_knownLines;
     LineReader reader(path);
     LineReader *outer = m_reader;
     m_reader = &reader;
@@ -232,6 +233,7 @@ void clsSchedule::Load(const QString &path)
         throw;
     }
     m_reader = outer;
+    return m_knownLines - known;
 }
 
 void clsSchedule::ReadTags(QString &line)
@@ -241,6 +243,7 @@ void clsSchedule::ReadTags(QString &line)
         line == QLatin1String("<Report_Schedule>"))
         return;
     if (line == QLatin1String("<Parameter>")) {
+        ++m_knownLines;
         ParmAddNew();
         return;
     }
@@ -248,7 +251,10 @@ void clsSchedule::ReadTags(QString &line)
     if (close < 0)
         return;
     // The tag is the line up to the first ">", compared before TagValue decodes the line in place.
-    readTag(TagTable().find(QStringView(line).left(close + 1)), line);
+    const int code = TagTable().find(QStringView(line).left(close + 1));
+    if (code >= 0)
+        ++m_knownLines;
+    readTag(code, line);
 }
 
 void clsSchedule::readTag(int code, QString &line)

@@ -344,8 +344,9 @@ public:
     void SaveDomain(int number, const QString &text);
 
     // ---------------------------------------------------------------- the schedule file
-    // Merges the file into the present state; an empty path or a missing file does nothing.
-    void Load(const QString &path);
+    // Merges the file into the present state; an empty path or a missing file does nothing. Returns
+    // the number of lines whose tag the schedule knows: 0 for a file that yields no item and no setting.
+    int Load(const QString &path);
     // One line of a schedule document; `line` is decoded in place. Long elements read further lines
     // from the file of the running Load (none outside a Load).
     void ReadTags(QString &line);
@@ -397,6 +398,7 @@ private:
     int m_collCount = 0;
     int m_collPosition = 0;
     LineReader *m_reader = nullptr; // the file of the running Load
+    int m_knownLines = 0;           // lines with a known tag, counted for Load
 
     // Caches that keep Find and NextReportID cheap on large schedules; they follow every change of
     // column 0 and of Count.

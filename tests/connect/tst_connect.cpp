@@ -22,6 +22,7 @@ private Q_SLOTS:
     void damagedConnectionFile();
     void tableMapFile();
     void applyTableMap();
+    void tablesEndAtTheirBounds();
 };
 
 using namespace TestSupport;
@@ -267,3 +268,50 @@ void TestConnect::applyTableMap()
 
 QORLO_TEST_MAIN(TestConnect)
 #include "tst_connect.moc"
+
+// A file of more groups than the table has rows stops with the subscript error at the first cell of a
+// row too many; rows too many without cells are not counted, so no walk of the table reads past it.
+void TestConnect::tablesEndAtTheirBounds()
+{
+    QTemporaryDir app;
+    // `count` groups, each naming its row in its first cell, or bare groups without cells.
+    const auto groups = [&app](const QByteArray &group, const QByteArray &cell, int count) {
+        QByteArray text;
+        for (int row = 0; row < count; ++row) {
+            text += '<' + group + ">\r\n";
+            if (!cell.isEmpty())
+                text += '<' + cell + '>' + QByteArray::number(row) + "</" + cell + ">\r\n";
+        }
+        return WriteFile(app.filePath(QString::fromLatin1(group + cell) + u".XML"_s), text);
+    };
+
+    clsMap map(app.path());
+    map.Load(groups("TableMap", "ReportMapID", clsMap::UpperBound + 1));
+    QCOMPARE(map.Count(), qint16(101));
+    map.Locate(100);
+    QCOMPARE(map.ReportID(), u"100"_s);
+    map.AddNew();
+    QCOMPARE(ErrorOf([&] { map.SetReportID(u"one too many"_s); }), 9);
+    QCOMPARE(map.Count(), qint16(101));
+    map.Clear();
+    map.Load(groups("TableMap", {}, 20000));
+    QCOMPARE(map.Count(), qint16(101));
+    map.Clear();
+    QCOMPARE(ErrorOf([&] { map.Load(groups("TableMap", "ReportMapID", 20000)); }), 9);
+    QCOMPARE(map.Count(), qint16(101));
+    QString location = u"100"_s, server, database;
+    QVERIFY(!map.ApplyTableMap(location, u"1"_s, server, database));
+    map.Save();
+    QCOMPARE(ReadFile(app.filePath(u"TableMap.XML"_s)).count("<TableMap>"), 101);
+
+    clsConnect list(app.path());
+    list.Load(groups("Connect", "ConnectUser", clsConnect::UpperBound + 1));
+    QCOMPARE(list.Count(), qint16(151));
+    QCOMPARE(ErrorOf([&] { list.Load(groups("Connect", "ConnectUser", 20000)); }), 9);
+    QCOMPARE(list.Count(), qint16(151));
+    list.Load(groups("Connect", {}, 20000));
+    QCOMPARE(list.Count(), qint16(151));
+    QVERIFY(!list.Find(u"odbc"_s, u"none"_s, u"none"_s));
+    list.Save();
+    QCOMPARE(ReadFile(list.Connection_File).count("<Connect>"), 151);
+}

@@ -1,3 +1,4 @@
+#include "core/Ansi.h"
 #include "core/LineReader.h"
 #include "core/XMLCode.h"
 #include "Files.h"
@@ -20,6 +21,7 @@ private Q_SLOTS:
     void openFailureAndAtomicReplace();
     void escapeRoundTrip();
     void tagValueQuirks();
+    void referencesInOnePass();
     void longElements();
     void scrambling();
     void lockFile();
@@ -49,6 +51,34 @@ QString Tag(const char *line)
 {
     QString text = QString::fromLatin1(line);
     return TagValue(text);
+}
+
+// The character of the code text between "&#" and ";": its leading digits, none giving 0.
+QString ReferenceChar(QStringView code)
+{
+    qint64 number = 0;
+    for (qsizetype i = 0; i < code.size() && code.at(i).isDigit() && number <= 0x10FFFF; ++i)
+        number = number * 10 + code.at(i).digitValue();
+    if (number > 0x10FFFF)
+        return QString(QChar(QChar::ReplacementCharacter));
+    if (number <= 255)
+        return QString(Ansi::Char(int(number)));
+    const char32_t point = char32_t(number);
+    return QString::fromUcs4(&point, 1);
+}
+
+// The numeric references of a line decoded as the file format tells it: the first "&#" and the next
+// ";" after it are replaced, again and again, until no "&#" is left or none has a ";" after it.
+QString DecodedByTheRule(QString line)
+{
+    for (;;) {
+        const qsizetype start = line.indexOf(u"&#"_s);
+        const qsizetype end = start < 0 ? -1 : line.indexOf(u';', start + 2);
+        if (end < 0)
+            return line;
+        line.replace(start, end - start + 1,
+                     ReferenceChar(QStringView(line).mid(start + 2, end - start - 2)));
+    }
 }
 
 } // namespace
@@ -189,6 +219,32 @@ void TestXMLCode::tagValueQuirks()
         QCOMPARE(ReadTagValue(original), TagValue(decoded));
         QCOMPARE(LineTag(QStringView(original)).toString(), LineTag(original));
     }
+}
+
+// The one-pass decoding gives what replacing the first reference again and again gives, chains of
+// decoded "&" and "#" included; and it is linear, so a line of millions of references reads at once.
+void TestXMLCode::referencesInOnePass()
+{
+    // Characters from which references, decoded "&", "#" and ";" and unterminated ones arise, but no
+    // named entity and no line-break mark.
+    const QString alphabet = u"&&##;;35689x"_s;
+    const QByteArray random = TestSupport::RandomBytes(200 * 40);
+    for (int sample = 0; sample < 200; ++sample) {
+        QString value;
+        for (int i = 0; i < 40; ++i)
+            value += alphabet.at(quint8(random.at(sample * 40 + i)) % alphabet.size());
+        QString line = u"<A>"_s + value + u"</A>"_s;
+        const QString expected = DecodedByTheRule(line);
+        QCOMPARE(TagValue(line), expected.mid(3, expected.size() - 7));
+    }
+    QCOMPARE(Tag("<A>&#38;#38;#65;</A>"), u"A"_s);
+    QCOMPARE(Tag("<A>&&#35;65;&#38;&#35;66;</A>"), u"AB"_s);
+
+    // 16 million characters of references, and of line breaks in their escaped form.
+    QString references = u"<A>"_s + u"&#0065;&#38;#66;"_s.repeated(1'000'000) + u"</A>"_s;
+    QCOMPARE(TagValue(references), u"AB"_s.repeated(1'000'000));
+    QString breaks = u"<A>"_s + u"&#0013;&#0010;"_s.repeated(1'200'000) + u"</A>"_s;
+    QCOMPARE(TagValue(breaks), u"\r\n"_s.repeated(1'200'000));
 }
 
 void TestXMLCode::longElements()

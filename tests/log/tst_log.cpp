@@ -187,6 +187,18 @@ void TestLog::writeLogEntry()
     log.Locate(1);
     QCOMPARE(log.NextDate(), u"tomorrow"_s);
     QCOMPARE(log.Pages(), 4);
+
+    // An engine's error text with line ends: each becomes a blank, so that the entry stays one row
+    // and the next read of the file has all of it.
+    WriteLogEntry(log, u"11\n"_s, kNov21 + 0.9, kNov21 + 0.9, u"next\rday"_s,
+                  u"ERROR: query failed\nline 2\r\nline 3\rend"_s, 0);
+    clsLog reread(app.path());
+    reread.Load(reread.FileName());
+    QCOMPARE(reread.Count(), qint16(4));
+    reread.Locate(3);
+    QCOMPARE(reread.ReportID(), u"11 "_s);
+    QCOMPARE(reread.NextDate(), u"next day"_s);
+    QCOMPARE(reread.LogText(), u"ERROR: query failed line 2 line 3 end"_s);
 }
 
 void TestLog::damagedFiles()

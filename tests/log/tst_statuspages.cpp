@@ -83,6 +83,7 @@ private Q_SLOTS:
     void liveStopped();
     void logPage();
     void pageText();
+    void hostileTexts();
 
 private:
     QString Page(const char *name) const { return m_app.path() + u"/Web/"_s + QLatin1String(name); }
@@ -189,6 +190,40 @@ void TestStatusPages::pageText()
     const QByteArray bytes = TestSupport::ReadFile(Page("livestat.htm"));
     QVERIFY(bytes.contains("Most recent report was Caf\xe9 \x80(Report ID=)</br>\r\n"));
     QVERIFY(bytes.contains("<i>&#937; &#128512;</i></p>\r\n"));
+}
+
+// Texts from items, reports, the log and errors cannot add markup to the pages: a script in an item
+// name, quotes and ampersands in a message, a tag in a log entry all show as text.
+void TestStatusPages::hostileTexts()
+{
+    clsSchedule schedule(m_app.path());
+    schedule.LastReport = u"<script>alert('report')</script>"_s;
+    schedule.LastReportID = u"7\"><b>"_s;
+    schedule.LastReportMsg = u"ERROR: a < b & \"c\""_s;
+    schedule.ProcessingID = u"9"_s;
+    schedule.ProcessingName = u"<script src=x></script>"_s;
+    schedule.StopTime = u"<i>soon</i>"_s;
+    schedule.BackupPreviousFile = u"/srv/<x>.xml"_s;
+    const QStringList live =
+        LiveStatusLines(schedule, false, D(2026, 3, 19), {u"Command folder /a<b> is not read"_s});
+    const QString page = live.join(u'\n');
+    QVERIFY2(!page.contains(u"<script"_s) && !page.contains(u"<b>\""_s) && !page.contains(u"<x>"_s) &&
+                 !page.contains(u"<i>soon"_s),
+             qPrintable(page));
+    QVERIFY(live.contains(u"Most recent report was &lt;script&gt;alert('report')&lt;/script&gt;"
+                          u"(Report ID=7&quot;&gt;&lt;b&gt;)</br>"_s));
+    QVERIFY(live.contains(u"<i>ERROR: a &lt; b &amp; &quot;c&quot;</i></p>"_s));
+    QVERIFY(live.contains(u"Currently Processing (9): &lt;script src=x&gt;&lt;/script&gt;</p>"_s));
+    QVERIFY(live.contains(u"Command folder /a&lt;b&gt; is not read</br>"_s));
+
+    clsLog log(m_app.path());
+    AddRow(log, "<b>1</b>", D(2026, 3, 18, 10, 0), D(2026, 3, 18, 10, 1), "<img src=x onerror=alert(1)>");
+    log.WebLogSetting = u"<script>"_s;
+    const QString logPage = LogStatusLines(log).join(u'\n');
+    QVERIFY2(!logPage.contains(u"<img"_s) && !logPage.contains(u"<script"_s) && !logPage.contains(u"<b>1"_s),
+             qPrintable(logPage));
+    QVERIFY(logPage.contains(u"&lt;img src=x onerror=alert(1)&gt;"_s));
+    QVERIFY(logPage.contains(u"(Display=&lt;script&gt;)"_s));
 }
 
 QORLO_TEST_MAIN(TestStatusPages)

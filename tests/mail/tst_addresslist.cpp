@@ -5,6 +5,8 @@
 #include <QFile>
 #include <QTemporaryDir>
 
+#include <sys/stat.h>
+
 using namespace AddressList;
 
 class TestAddressList : public QObject
@@ -102,6 +104,14 @@ void TestAddressList::missingListFile()
     QVERIFY(QDir(app.dir.path()).mkdir(QStringLiteral("folder.lst")));
     QCOMPARE(ExpandListFiles(QStringLiteral("<folder.lst>"), app.sources()), QStringLiteral("<folder.lst>"));
     QCOMPARE(app.logged.size(), 2);
+
+    // Nor is a FIFO, which would block the reader for good, or a device, which never ends.
+    QCOMPARE(::mkfifo(QFile::encodeName(app.path(QStringLiteral("fifo.lst"))).constData(), 0600), 0);
+    QCOMPARE(ExpandListFiles(QStringLiteral("<fifo.lst>;</dev/zero>"), app.sources()),
+             QStringLiteral("<fifo.lst>;</dev/zero>"));
+    QCOMPARE(app.logged.mid(2),
+             (QStringList{QStringLiteral("Cannot find list file: ") + app.path(QStringLiteral("fifo.lst")),
+                          QStringLiteral("Cannot find list file: /dev/zero")}));
 }
 
 QORLO_TEST_MAIN(TestAddressList)

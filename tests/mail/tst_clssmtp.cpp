@@ -3,11 +3,14 @@
 #include "TestMain.h"
 
 #include "core/Ansi.h"
+#include "core/WholeFile.h"
 #include "core/XMLCode.h"
 #include "mail/MailDocument.h"
 #include "mail/clsSMTP.h"
 
 #include <QDir>
+
+#include <sys/stat.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -92,6 +95,20 @@ void TestClsSMTP::htmlBodyAndFile()
     QCOMPARE(document.MsgHTML(), u"Only this"_s);
     document.SetMsgHTML(u"Set"_s);
     QCOMPARE(document.MsgHTML(), u"Set"_s);
+
+    // A FIFO, a device or a file over 64 MB is no HTML file: it counts as missing instead of blocking
+    // the reader for good or filling the memory.
+    const QString fifo = box.path(u"page.fifo"_s);
+    QCOMPARE(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    QFile large(box.path(u"large.htm"_s));
+    QVERIFY(large.open(QIODevice::WriteOnly) && large.resize(WholeFile::MaxSize + 1));
+    large.close();
+    for (const QString &page : {fifo, u"/dev/zero"_s, large.fileName()}) {
+        box.write(u"odd.xml"_s, "<QorloMAILDoc>\r\n<HTMLBody>Only this</HTMLBody>\r\n<HTML-File>" +
+                                    QFile::encodeName(page) + "</HTML-File>\r\n");
+        document.Load(box.path(u"odd.xml"_s));
+        QCOMPARE(document.MsgHTML(), u"Only this"_s);
+    }
 }
 
 void TestClsSMTP::bodyLinesJoined()
@@ -137,6 +154,17 @@ void TestClsSMTP::locksAndBadDocuments()
     document.Load(box.path(u"plain.xml"_s));
     QCOMPARE(document.DocType, QString());
     QCOMPARE(QDir(box.dir.path()).entryList({u"*.LCK"_s}), QStringList{u"writer.LCK"_s});
+    QFile::remove(box.path(u"writer.LCK"_s));
+
+    // A read that fails removes its own lock all the same, so that later documents are not held up;
+    // a lock of that naming left by an ended process goes at the next start.
+    box.write(u"port.xml"_s, "<QorloMAILDoc>\r\n<SMTP-Port>99999</SMTP-Port>\r\n");
+    QCOMPARE(ErrorOf([&] { document.Load(box.path(u"port.xml"_s)); }), 6);
+    QVERIFY(box.locks().isEmpty());
+    box.write(u"QorloMAIL0931.lck"_s, "left over");
+    box.write(u"QorloMAILbusy.lck"_s, "another program's");
+    clsSMTP::RemoveOwnLockFiles(box.dir.path());
+    QCOMPARE(box.locks(), QStringList{u"QorloMAILbusy.lck"_s});
 }
 
 void TestClsSMTP::documentSent()

@@ -332,7 +332,9 @@ void TestDispatcher::commandFolders()
     dispatcher.Start();
     QVERIFY(WaitUntil([&] { return !prompter.fatal.isEmpty(); }, 5000));
     QCOMPARE(prompter.fatal.first(), u"Run-time error '13': Type mismatch"_s);
-    QVERIFY(QFile::exists(app.filePath(u"Remote/bad.xml"_s)));
+    // Set aside, so that the next start does not meet it again.
+    QVERIFY(!QFile::exists(app.filePath(u"Remote/bad.xml"_s)));
+    QVERIFY(QFile::exists(app.filePath(u"Remote/Failed/bad.xml"_s)));
 }
 
 QORLO_TEST_MAIN(TestDispatcher)

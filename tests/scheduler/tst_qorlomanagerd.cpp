@@ -1,4 +1,5 @@
 #include "AppObjects.h"
+#include "DaemonInstallation.h"
 #include "SmtpPeer.h"
 #include "TestMain.h"
 
@@ -8,8 +9,6 @@
 
 #include <QDir>
 #include <QProcess>
-#include <QSettings>
-#include <QTemporaryDir>
 
 #include <csignal>
 
@@ -23,58 +22,11 @@ private Q_SLOTS:
     void runsAsAService();
 };
 
-namespace {
-
-// The program copied into a fresh application folder, with its own settings folder.
-struct Installation
-{
-    Installation(quint16 smtpPort)
-    {
-        QFile::copy(QStringLiteral(QORLO_DAEMON), program());
-        QFile::setPermissions(program(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        QSettings mail(config.filePath(u"Tessaly Works/QorloSendMail.ini"_s), QSettings::IniFormat);
-        mail.beginGroup(u"Settings"_s);
-        mail.setValue(u"PersistentSettings"_s, u"1"_s);
-        mail.setValue(u"RemotePort"_s, QString::number(smtpPort));
-        mail.setValue(u"ConnectTimeout"_s, u"5"_s);
-        mail.setValue(u"MessageTimeout"_s, u"10"_s);
-        mail.setValue(u"ConnectRetry"_s, u"1"_s);
-    }
-    QString program() const { return app.filePath(u"qorlomanagerd"_s); }
-    QString path(const QString &name) const { return app.filePath(name); }
-    void start(QProcess &process) const
-    {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"XDG_CONFIG_HOME"_s, config.path());
-        // No print server: the start-up warns and goes on at once.
-        environment.insert(u"CUPS_SERVER"_s, u"127.0.0.1:"_s + QString::number(FreePort()));
-        process.setProcessEnvironment(environment);
-        process.setWorkingDirectory(app.path());
-        process.start(program(), {});
-    }
-    // A script that appends its name to order.txt.
-    QString script(const QString &name) const
-    {
-        WriteScript(path(name + u".sh"_s),
-                    "echo " + name.toUtf8() + " >> '" + path(u"order.txt"_s).toUtf8() + "'");
-        return path(name + u".sh"_s);
-    }
-    QStringList order() const
-    {
-        return QString::fromUtf8(ReadFile(path(u"order.txt"_s))).split(u'\n', Qt::SkipEmptyParts);
-    }
-
-    QTemporaryDir app;
-    QTemporaryDir config;
-};
-
-} // namespace
-
 void TestQorloManagerd::runsAsAService()
 {
     SmtpPeer smtp;
     QORLO_START_PEER(smtp.start(), smtp);
-    Installation installed(smtp.port());
+    DaemonInstallation installed(QStringLiteral(QORLO_DAEMON), smtp.port());
     const double now = Now();
     clsSchedule schedule(installed.app.path());
     AddItem(schedule,

@@ -85,6 +85,22 @@ void TestScheduleBackup::backupStep()
     QCOMPARE(FileNames(app.filePath(u"Backup"_s)), QStringList{u"Qorlo20260314.xml"_s});
     QVERIFY(ReadFile(backup).contains("Revenue"));
 
+    // A schedule that lost its items (a file that could not be read) never replaces the day's backup
+    // that holds them; an empty backup may be replaced.
+    const QByteArray withItems = ReadFile(backup);
+    clsSchedule empty(app.path());
+    empty.BackupDate = Now();
+    QVERIFY(BackupIfDue(empty, {}));
+    QCOMPARE(ReadFile(backup), withItems);
+    QVERIFY(ReadFile(empty.FileName).contains("<Report_Schedule>\r\n</Report_Schedule>"));
+    empty.Save(backup);
+    const QByteArray emptyBackup = ReadFile(backup);
+    m_clock.set(kNow.addSecs(7200));
+    empty.BackupDate = Now();
+    QVERIFY(BackupIfDue(empty, {}));
+    QVERIFY(ReadFile(backup) != emptyBackup);
+    m_clock.set(kNow.addSecs(3600));
+
     // Without a Backup folder the copy fails silently and BackupDate moves on all the same.
     QVERIFY(QDir(app.filePath(u"Backup"_s)).removeRecursively());
     schedule.BackupDate = Now();
