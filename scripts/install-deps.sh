@@ -7,7 +7,7 @@ APT_OPTS=(-y --no-install-recommends --no-upgrade -o DPkg::Lock::Timeout=300)
 
 build=(g++ cmake ninja-build ccache clang-format pkg-config
        qt6-base-dev libqt6sql6-sqlite libqt6sql6-psql libqt6sql6-odbc
-       unixodbc unixodbc-dev libcups2-dev fonts-dejavu-core fonts-liberation2)
+       unixodbc unixodbc-dev libcups2-dev fonts-dejavu-core fonts-liberation2 fonts-noto-cjk)
 peers=(python3 python3-aiosmtpd dovecot-pop3d dnsmasq-base bind9-dnsutils openssl
        cups cups-client cups-filters cups-daemon
        libsqliteodbc odbc-postgresql postgresql sqlite3

@@ -39,8 +39,8 @@ public:
     void write(const Report &report, const QString &fileName)
     {
         if (m_dataOnly) {
-            for (int row : report.selectedRows())
-                detail(report.records().row(row));
+            for (int row : report.groups().order())
+                writeRecord(report.records().row(row));
         } else {
             WalkGroups(report, *this);
         }
@@ -49,16 +49,31 @@ public:
                               QStringLiteral("Cannot write %1: %2").arg(fileName, m_book.errorString()));
     }
 
-    void groupHeader(int level, const QVariant &value, bool) override
+    void groupHeader(const GroupNode &group, bool) override
     {
         const XlsRowPlace place = m_series.appendRow();
-        place.sheet->writeText(
-            place.row, 0,
-            QString(m_layout.groups[level].caption).replace(QLatin1String("{value}"), PlainText(value)),
-            m_book.headingStyle());
+        place.sheet->writeText(place.row, 0,
+                               QString(m_layout.groups[group.level].caption)
+                                   .replace(QLatin1String("{value}"), PlainText(group.value)),
+                               m_book.headingStyle());
     }
 
-    void detail(const RecordStore::Row &row) override
+    void detail(const RecordStore::Row &row, const GroupNode &, int) override { writeRecord(row); }
+
+    void groupFooter(const GroupNode &group) override
+    {
+        if (group.totals.size() > 0)
+            writeTotals(QStringLiteral("Total ") + PlainText(group.value), group.totals);
+    }
+
+    void grandTotal(const GroupNode &root) override
+    {
+        if (root.totals.size() > 0)
+            writeTotals(QStringLiteral("Grand total"), root.totals);
+    }
+
+private:
+    void writeRecord(const RecordStore::Row &row)
     {
         const XlsRowPlace place = m_series.appendRow();
         for (int c = 0; c < m_columns.size(); ++c) {
@@ -67,14 +82,6 @@ public:
         }
     }
 
-    void groupFooter(int, const QVariant &value, const Totals &totals) override
-    {
-        writeTotals(QStringLiteral("Total ") + PlainText(value), totals);
-    }
-
-    void grandTotal(const Totals &totals) override { writeTotals(QStringLiteral("Grand total"), totals); }
-
-private:
     void writeCell(const XlsRowPlace &place, int column, const QVariant &value, XlsStyle style)
     {
         double number = 0;
@@ -97,13 +104,20 @@ private:
         }
     }
 
+    // The label in the first column; when a total belongs there, the label takes a row of its own.
     void writeTotals(const QString &label, const Totals &totals)
     {
-        const XlsRowPlace place = m_series.appendRow();
+        XlsRowPlace place = m_series.appendRow();
         place.sheet->writeText(place.row, 0, label, m_book.headingStyle());
+        bool firstColumnTaken = false;
+        for (int t = 0; t < totals.size(); ++t)
+            firstColumnTaken =
+                firstColumnTaken || (!m_columns.isEmpty() && m_columns[0].field == totals.fieldIndex(t));
+        if (firstColumnTaken)
+            place = m_series.appendRow();
         for (int t = 0; t < totals.size(); ++t) {
             for (int c = 0; c < m_columns.size(); ++c) {
-                if (m_columns[c].field == totals.fieldIndex(t) && c > 0)
+                if (m_columns[c].field == totals.fieldIndex(t))
                     writeCell(place, c, totals.value(t), m_bold[c]);
             }
         }

@@ -69,6 +69,7 @@ void Report::DiscardSavedData()
     m_recordsRead = false;
     m_records.clear();
     m_selected.clear();
+    m_groups.reset();
     m_status.setRecordsSelected(0);
 }
 
@@ -200,6 +201,7 @@ void Report::applySelection()
     }
     for (ReportAlert &alert : m_alerts)
         alert.evaluate(m_records, m_selected, parameters);
+    m_groups = std::make_unique<GroupTree>(m_records, m_definition.layout, m_selected);
     m_status.setRecordsSelected(int(m_selected.size()));
     m_pageCount = -1;
 }

@@ -5,6 +5,7 @@
 #include "engine/DatabaseTable.h"
 #include "engine/ExportOptions.h"
 #include "engine/Formula.h"
+#include "engine/GroupTree.h"
 #include "engine/ParameterFieldDefinition.h"
 #include "engine/PrintingStatus.h"
 #include "engine/RecordStore.h"
@@ -61,6 +62,8 @@ public:
     const RecordStore &records() const { return m_records; }
     // Record numbers that passed group selection, in order.
     const QList<int> &selectedRows() const { return m_selected; }
+    // The selected records in print order, in their groups.
+    const GroupTree &groups() const { return *m_groups; }
     CupsPrinter &printer() { return m_printer; }
     // The parameter's bound values, by plain name (any case); empty when there is no such parameter.
     QVariantList parameterValues(const QString &name) const;
@@ -87,6 +90,7 @@ private:
     RecordStore m_records;
     bool m_recordsRead = false;
     QList<int> m_selected;
+    std::unique_ptr<GroupTree> m_groups;
     Engine::PrintingStatus m_status;
     Engine::ExportOptions m_exportOptions;
     int m_paperOrientation = DefaultPaperOrientation;

@@ -42,7 +42,8 @@ struct ColumnDefinition
     QString caption;
     double width = 72; // points
     Qt::Alignment alignment = Qt::AlignLeft;
-    QString format; // number pattern or date pattern, by the field's type
+    QString format;    // number pattern or date pattern, by the field's type
+    bool wrap = false; // long text wraps into more lines instead of ending in "…"
 };
 
 struct SummaryDefinition
@@ -56,6 +57,7 @@ struct GroupDefinition
     QString field;
     QString caption; // "{value}" stands for the group's value
     bool newPage = false;
+    bool keepTogether = false; // the whole group on one page when it fits on one
     QList<SummaryDefinition> subtotals;
 };
 

@@ -225,6 +225,7 @@ ColumnDefinition ReportFile::readColumn()
     else if (!align.isEmpty() && align != QLatin1String("left"))
         fail(QStringLiteral("align \"%1\" is not left, right or center").arg(align));
     column.format = attribute("format");
+    column.wrap = flagAttribute("wrap");
     m_xml.skipCurrentElement();
     return column;
 }
@@ -237,6 +238,7 @@ GroupDefinition ReportFile::readGroup()
     if (group.caption.isEmpty())
         group.caption = QStringLiteral("{value}");
     group.newPage = flagAttribute("newPage");
+    group.keepTogether = flagAttribute("keepTogether");
     while (m_xml.readNextStartElement()) {
         if (m_xml.name() != QLatin1String("subtotal"))
             unknownElement();

@@ -71,7 +71,8 @@ void TestPageHtml::onePageFile()
     QVERIFY(!html.contains(QStringLiteral("<Sons>")));
     QVERIFY(html.contains(QStringLiteral(">Łódź {Ltd} \\ 5€</div>")));
     QVERIFY(html.contains(QStringLiteral("left:340pt;top:100pt;width:100pt;height:14pt;"
-                                         "font:9pt &quot;Liberation Sans&quot;,sans-serif;"
+                                         "font:9pt &quot;Liberation Sans&quot;,&quot;DejaVu "
+                                         "Sans&quot;,&quot;Noto Sans CJK SC&quot;,sans-serif;"
                                          "justify-content:flex-end;align-items:center\">12.50</div>")));
     QVERIFY(html.contains(QStringLiteral("font:bold 14pt &quot;Liberation Sans&quot;")));
     // The heading line and the shaded box.

@@ -1,5 +1,7 @@
 #include "engine/page/HtmlPageMarkup.h"
 
+#include "engine/page/PageFonts.h"
+
 #include <cmath>
 
 namespace Engine::HtmlPageMarkup {
@@ -24,11 +26,15 @@ QString Escaped(const QString &text)
 
 QString FontStyle(const PageFont &font)
 {
-    QString family = font.family;
-    family.remove(QLatin1Char('"')).remove(QLatin1Char('<')).remove(QLatin1Char('>'));
-    return QStringLiteral("font:%1%2%3pt &quot;%4&quot;,sans-serif")
+    QStringList families;
+    for (QString family : FontFamilies(font))
+        families.append(
+            QStringLiteral("&quot;%1&quot;")
+                .arg(family.remove(QLatin1Char('"')).remove(QLatin1Char('<')).remove(QLatin1Char('>'))));
+    return QStringLiteral("font:%1%2%3pt %4,sans-serif")
         .arg(font.italic ? QStringLiteral("italic ") : QString(),
-             font.bold ? QStringLiteral("bold ") : QString(), Pt(font.pointSize), family);
+             font.bold ? QStringLiteral("bold ") : QString(), Pt(font.pointSize),
+             families.join(QLatin1Char(',')));
 }
 
 // The box is a flex container, so the alignment flags map straight to its two axes.

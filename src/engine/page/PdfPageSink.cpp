@@ -1,5 +1,7 @@
 #include "engine/page/PdfPageSink.h"
 
+#include "engine/page/PageFonts.h"
+
 #include <QPageLayout>
 #include <QPageSize>
 #include <QPainter>
@@ -12,18 +14,6 @@ namespace {
 
 // One device unit is one point, so the model's coordinates go to the painter unchanged.
 constexpr int PointsPerInch = 72;
-
-QFont ToQFont(const PageFont &font)
-{
-    QFont result(font.family);
-    // NaN fails the comparison and becomes the smallest size too.
-    result.setPointSizeF(font.pointSize >= 1 ? qMin(font.pointSize, 1000.0) : 1);
-    result.setBold(font.bold);
-    result.setItalic(font.italic);
-    // Positions come from the font's outlines, not from a screen grid.
-    result.setHintingPreference(QFont::PreferNoHinting);
-    return result;
-}
 
 QPageLayout LayoutOf(const PageSetup &setup)
 {
