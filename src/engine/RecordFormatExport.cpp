@@ -21,7 +21,7 @@ void WriteRecordFormat(const Report &report, const QString &fileName)
 {
     const QList<ExportColumn> columns = ExportColumns(report);
     const RecordStore &records = report.records();
-    ExportFile file(fileName);
+    ExportFile file(fileName, report.definition().textEncoding);
     QString text;
     for (int row : report.selectedRows()) {
         const RecordStore::Row &values = records.row(row);
@@ -36,7 +36,7 @@ void WriteRecordFormat(const Report &report, const QString &fileName)
         text += line + QLatin1String("\r\n");
         file.writeWhenLarge(text);
     }
-    file.write(text.toUtf8());
+    file.writeText(text);
     file.commit();
 }
 

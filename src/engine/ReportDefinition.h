@@ -2,6 +2,7 @@
 // What a report file declares: tables, parameters, query, layout, sub-reports, alerts and saved data.
 
 #include "engine/RecordStore.h"
+#include "engine/TextEncoding.h"
 #include "engine/page/PageModel.h"
 
 #include <QList>
@@ -107,6 +108,8 @@ struct ReportDefinition
     QList<SubreportDefinition> subreports;
     QList<AlertDefinition> alerts;
     QString groupSelection;
+    // Of the character-separated, record and text exports.
+    TextEncoding textEncoding = TextEncoding::Windows1252;
     std::optional<RecordStore> savedData;
 };
 

@@ -99,6 +99,8 @@ void ReportFile::readChild(ReportDefinition &report)
         report.groupSelection = text();
     else if (name == QLatin1String("savedData"))
         report.savedData = readSavedData();
+    else if (name == QLatin1String("export"))
+        report.textEncoding = readExport();
     else
         unknownElement();
 }
@@ -261,6 +263,17 @@ SummaryDefinition ReportFile::readSummary()
     if (!function.isEmpty())
         summary.function = function;
     return summary;
+}
+
+TextEncoding ReportFile::readExport()
+{
+    const QString encoding = attribute("encoding").toLower();
+    m_xml.skipCurrentElement();
+    if (encoding == QLatin1String("utf-8"))
+        return TextEncoding::Utf8;
+    if (encoding.isEmpty() || encoding == QLatin1String("windows-1252"))
+        return TextEncoding::Windows1252;
+    fail(QStringLiteral("encoding \"%1\" is not utf-8 or windows-1252").arg(encoding));
 }
 
 SubreportDefinition ReportFile::readSubreport()

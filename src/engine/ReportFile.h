@@ -28,6 +28,7 @@ private:
     GroupDefinition readGroup();
     SummaryDefinition readSummary();
     SubreportDefinition readSubreport();
+    TextEncoding readExport();
     RecordStore readSavedData();
 
     QString attribute(const char *name, bool required = false);

@@ -66,7 +66,7 @@ QString Cell(const QVariant &value, const QString &pattern, const Style &style)
 void WriteSeparatedValues(const Report &report, const ExportOptions &options, const QString &fileName)
 {
     const Style style = StyleOf(options);
-    const QList<ExportColumn> columns = ExportColumns(report);
+    const QList<ExportColumn> columns = ExportColumns(report, true);
     QStringList patterns;
     QStringList captions;
     for (const ExportColumn &column : columns) {
@@ -74,9 +74,9 @@ void WriteSeparatedValues(const Report &report, const ExportOptions &options, co
         captions.append(Quoted(column.caption, style));
     }
     const RecordStore &records = report.records();
-    ExportFile file(fileName);
+    ExportFile file(fileName, report.definition().textEncoding);
     QString text = captions.join(style.fieldDelimiter) + QLatin1String("\r\n");
-    for (int row : report.selectedRows()) {
+    for (int row : report.groups().order()) {
         const RecordStore::Row &values = records.row(row);
         for (int c = 0; c < columns.size(); ++c) {
             if (c > 0)
@@ -87,7 +87,7 @@ void WriteSeparatedValues(const Report &report, const ExportOptions &options, co
         text += QLatin1String("\r\n");
         file.writeWhenLarge(text);
     }
-    file.write(text.toUtf8());
+    file.writeText(text);
     file.commit();
 }
 

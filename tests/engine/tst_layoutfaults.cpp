@@ -2,59 +2,20 @@
 // headers on continued pages, footers kept with their records, groups kept together, totals in the
 // first column, long texts, and characters the report font lacks.
 
+#include "EngineData.h"
 #include "EngineOracles.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/Report.h"
 
 #include <QRegularExpression>
-#include <QSqlDatabase>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QTemporaryDir>
 
 using namespace Engine;
+using namespace EngineData;
 using namespace EngineOracles;
 
 namespace {
-
-const QString ChineseName = QStringLiteral("陳志明");
-
-// 37 northern orders fill the first A5 page exactly, 90 southern ones run over three pages, 5 western
-// ones have long notes and a customer with a Chinese name.
-void MakeOrders(const QString &path)
-{
-    const QString name = QStringLiteral("layout-") + path;
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), name);
-        db.setDatabaseName(path);
-        QVERIFY(db.open());
-        QSqlQuery q(db);
-        QVERIFY(
-            q.exec(QStringLiteral("CREATE TABLE orders (id INTEGER, region TEXT, city TEXT, customer TEXT, "
-                                  "note TEXT, amount DOUBLE)")));
-        const QStringList cities{QStringLiteral("Gdańsk"), QStringLiteral("Kraków"), QStringLiteral("Łódź")};
-        const QStringList customers{QStringLiteral("Acme Ltd"), ChineseName,
-                                    QStringLiteral("Łukasz Wiśniewski"), QStringLiteral("O'Brien & Sons"),
-                                    QStringLiteral("Zeta Trading")};
-        QVERIFY(q.prepare(QStringLiteral("INSERT INTO orders VALUES (?, ?, ?, ?, ?, ?)")));
-        for (int i = 1; i <= 132; ++i) {
-            q.addBindValue(i);
-            q.addBindValue(i <= 37    ? QStringLiteral("North")
-                           : i <= 127 ? QStringLiteral("South")
-                                      : QStringLiteral("West"));
-            q.addBindValue(cities[i % 3]);
-            q.addBindValue(customers[i % 5]);
-            q.addBindValue(i % 2 == 0
-                               ? QStringLiteral("Deliver to the back entrance, ring twice and wait for "
-                                                "the porter to open the gate")
-                               : QStringLiteral("Front door"));
-            q.addBindValue(i * 12.5);
-            QVERIFY2(q.exec(), qPrintable(q.lastError().text()));
-        }
-    }
-    QSqlDatabase::removeDatabase(name);
-}
 
 // The body lines of a page of text: the page header, captions and footer left out.
 QStringList BodyLines(const QString &page)
@@ -107,7 +68,7 @@ void TestLayoutFaults::initTestCase()
     const QDir source(TestSupport::DataFile(QStringLiteral("engine/layout")));
     for (const QString &name : source.entryList({QStringLiteral("*.rpt")}))
         QVERIFY(QFile::copy(source.filePath(name), m_dir.filePath(name)));
-    MakeOrders(m_dir.filePath(QStringLiteral("layout.db")));
+    QVERIFY(MakeOrders(m_dir.filePath(QStringLiteral("layout.db"))));
 }
 
 QString TestLayoutFaults::exportReport(const QString &name, int format, const QString &extension)
@@ -123,7 +84,11 @@ QString TestLayoutFaults::exportReport(const QString &name, int format, const QS
 
 QStringList TestLayoutFaults::textPages(const QString &name)
 {
-    const QString text = ReadUtf8(exportReport(name, PaginatedTextFormat, QStringLiteral("txt")));
+    QFile file(exportReport(name, PaginatedTextFormat, QStringLiteral("txt")));
+    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    if (!bytes.startsWith("\xEF\xBB\xBF")) // these reports ask for UTF-8, which starts with its mark
+        return {QStringLiteral("no byte-order mark")};
+    const QString text = QString::fromUtf8(bytes);
     const QString golden = Golden(QStringLiteral("engine/golden/layout/%1.10.txt").arg(name), text);
     if (text != golden)
         return {QStringLiteral("differs from the expected file")};
@@ -184,14 +149,15 @@ void TestLayoutFaults::totalInTheFirstColumn()
     QCOMPARE(rtf, Golden(QStringLiteral("engine/golden/layout/first-column-total.4.rtf"), rtf));
 
     QORLO_REQUIRE_PEER(QFileInfo::exists(TestSupport::DebianPython()), QStringLiteral("python3-xlrd"));
-    const QString cells =
-        XlsCells(exportReport(QStringLiteral("first-column-total"), Excel80Format, QStringLiteral("xls")));
-    QCOMPARE(cells, Golden(QStringLiteral("engine/golden/layout/first-column-total.29.xls.txt"), cells));
-    // The count is in the first column, on the row below its label.
-    const auto labelCell = QRegularExpression(QStringLiteral("A(\\d+) text \"Total Kraków\"")).match(cells);
-    QVERIFY(labelCell.hasMatch());
-    QVERIFY2(cells.contains(QStringLiteral("A%1 number 1.0").arg(labelCell.captured(1).toInt() + 1)),
-             qPrintable(cells));
+    // In a workbook the city leads every row; without groups the order numbers do, and their count
+    // goes below the label.
+    const QString cells = XlsCells(
+        exportReport(QStringLiteral("first-column-grand-total"), Excel80Format, QStringLiteral("xls")));
+    QCOMPARE(cells,
+             Golden(QStringLiteral("engine/golden/layout/first-column-grand-total.29.xls.txt"), cells));
+    QVERIFY2(
+        cells.contains(QStringLiteral("A7 text \"Grand total\" bold\nA8 number 5.0 bold\nC8 number 8125.0")),
+        qPrintable(cells));
 }
 
 void TestLayoutFaults::longTextsEndInEllipsisOrWrap()

@@ -134,7 +134,7 @@ void TestReportMail::reportByFormat_data()
     const QStringList none;
     QTest::newRow("csv in body") << QStringLiteral("In Body") << int(Engine::CharSeparatedFormat)
                                  << QStringLiteral("csv") << QStringLiteral("text/plain") << none
-                                 << QStringLiteral("'Alder Ltd'|120.5\n'Birch plc'|80\n");
+                                 << QStringLiteral("'North'|'Alder Ltd'|120.5\n'North'|'Birch plc'|80\n");
     QTest::newRow("text in body") << QStringLiteral("In Body") << int(Engine::TextFormat)
                                   << QStringLiteral("txt") << QStringLiteral("text/plain") << none
                                   << QStringLiteral("Cedar & Sons");

@@ -38,11 +38,16 @@ public:
     void writeDate(int row, int column, double days);
     // An invalid moment (a null date) gives a blank cell in the date style.
     void writeDate(int row, int column, const QDateTime &moment);
+    // The same in a style of the caller's, such as the workbook's date and time style.
+    void writeDate(int row, int column, const QDateTime &moment, XlsStyle style);
     void writeBool(int row, int column, bool value, XlsStyle style = {});
     void writeBlank(int row, int column, XlsStyle style);
     // FUNCTION(range) on this sheet, with the result a reader shows until it recalculates.
     void writeAggregate(int row, int column, XlsAggregate function, const XlsRange &range, double result,
                         XlsStyle style = {});
+    // FUNCTION(range, ...) of at most MaxAggregateArguments ranges (EngineError beyond).
+    void writeAggregate(int row, int column, XlsAggregate function, const QList<XlsRange> &ranges,
+                        double result, XlsStyle style = {});
     // The width of a column in characters of the default font (0 to 255).
     void setColumnWidth(int column, double characters);
 

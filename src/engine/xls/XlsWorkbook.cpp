@@ -59,6 +59,7 @@ void PutWindow1(QByteArray &out)
 
 XlsWorkbook::XlsWorkbook()
     : m_dateStyle(m_styles.add(QStringLiteral("dd-mmm-yyyy"))),
+      m_dateTimeStyle(m_styles.add(QStringLiteral("dd-mmm-yyyy hh:mm:ss"))),
       m_headingStyle(m_styles.add(QStringLiteral("General"), true))
 {
 }

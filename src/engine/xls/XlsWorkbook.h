@@ -31,6 +31,8 @@ public:
     XlsStyle addStyle(const QString &numberFormat, bool bold = false);
     // "dd-mmm-yyyy", what XlsSheet::writeDate uses.
     XlsStyle dateStyle() const { return m_dateStyle; }
+    // "dd-mmm-yyyy hh:mm:ss", for moments that carry a time of day.
+    XlsStyle dateTimeStyle() const { return m_dateTimeStyle; }
     // Bold "General", for column headings.
     XlsStyle headingStyle() const { return m_headingStyle; }
 
@@ -48,6 +50,7 @@ private:
     XlsSharedStrings m_strings;
     XlsStyles m_styles;
     XlsStyle m_dateStyle;
+    XlsStyle m_dateTimeStyle;
     XlsStyle m_headingStyle;
     std::vector<std::unique_ptr<XlsSheet>> m_sheets;
     QString m_error;
