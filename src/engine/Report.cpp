@@ -63,6 +63,13 @@ void Report::buildSections()
         .append(std::make_unique<ReportObject>(TextObject, QStringLiteral("PageNumber")));
 }
 
+const GroupTree &Report::groups() const
+{
+    if (!m_groups)
+        m_groups = std::make_unique<GroupTree>(m_records, m_definition.layout, m_selected);
+    return *m_groups;
+}
+
 void Report::DiscardSavedData()
 {
     m_savedData.reset();
@@ -195,13 +202,15 @@ void Report::applySelection()
     const Formula::ParameterLookup parameters = [this](const QString &name) { return parameterValues(name); };
     m_groupSelection.bind(m_records.fieldNames(), parameters);
     m_selected.clear();
+    m_selected.reserve(m_records.count());
+    // Without a formula no record needs reading here.
     for (int i = 0; i < m_records.count(); ++i) {
         if (m_groupSelection.isEmpty() || m_groupSelection.test(m_records.row(i)))
             m_selected.append(i);
     }
     for (ReportAlert &alert : m_alerts)
         alert.evaluate(m_records, m_selected, parameters);
-    m_groups = std::make_unique<GroupTree>(m_records, m_definition.layout, m_selected);
+    m_groups.reset();
     m_status.setRecordsSelected(int(m_selected.size()));
     m_pageCount = -1;
 }

@@ -62,8 +62,10 @@ public:
     const RecordStore &records() const { return m_records; }
     // Record numbers that passed group selection, in order.
     const QList<int> &selectedRows() const { return m_selected; }
-    // The selected records in print order, in their groups.
-    const GroupTree &groups() const { return *m_groups; }
+    // The selected records in print order, in their groups; made on first use.
+    const GroupTree &groups() const;
+    // The selected records in print order.
+    const QList<int> &printOrder() const { return m_selected; }
     CupsPrinter &printer() { return m_printer; }
     // The parameter's bound values, by plain name (any case); empty when there is no such parameter.
     QVariantList parameterValues(const QString &name) const;
@@ -90,7 +92,7 @@ private:
     RecordStore m_records;
     bool m_recordsRead = false;
     QList<int> m_selected;
-    std::unique_ptr<GroupTree> m_groups;
+    mutable std::unique_ptr<GroupTree> m_groups;
     Engine::PrintingStatus m_status;
     Engine::ExportOptions m_exportOptions;
     int m_paperOrientation = DefaultPaperOrientation;

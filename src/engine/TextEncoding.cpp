@@ -26,18 +26,28 @@ char Windows1252(char16_t c)
 
 QByteArray Encoded(QStringView text, TextEncoding encoding)
 {
-    if (encoding == TextEncoding::Utf8)
-        return text.toUtf8();
     QByteArray bytes;
-    bytes.reserve(text.size());
+    AppendEncoded(bytes, text, encoding);
+    return bytes;
+}
+
+void AppendEncoded(QByteArray &out, QStringView text, TextEncoding encoding)
+{
+    if (encoding == TextEncoding::Utf8) {
+        out += text.toUtf8();
+        return;
+    }
+    const qsizetype start = out.size();
+    out.resize(start + text.size());
+    char *at = out.data() + start;
     for (qsizetype i = 0; i < text.size(); ++i) {
         const char16_t c = text[i].unicode();
-        bytes.append(Windows1252(c));
+        *at++ = Windows1252(c);
         // A character beyond the 16-bit range is one "?", not two.
         if (QChar::isHighSurrogate(c) && i + 1 < text.size() && text[i + 1].isLowSurrogate())
             ++i;
     }
-    return bytes;
+    out.truncate(at - out.constData());
 }
 
 QByteArray FileStart(TextEncoding encoding)

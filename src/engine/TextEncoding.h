@@ -10,6 +10,8 @@ namespace Engine {
 enum class TextEncoding { Windows1252, Utf8 };
 
 QByteArray Encoded(QStringView text, TextEncoding encoding);
+// The same, added to the end of `out`.
+void AppendEncoded(QByteArray &out, QStringView text, TextEncoding encoding);
 // What a file in the encoding starts with: the UTF-8 byte-order mark, or nothing.
 QByteArray FileStart(TextEncoding encoding);
 

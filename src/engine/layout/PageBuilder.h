@@ -17,6 +17,8 @@ public:
     PageBuilder(const PageSetup &setup, const LayoutDefinition &layout, PageSink *sink, int totalPages);
 
     QRectF content() const { return m_content; }
+    // The pass that only counts pages: bands need their heights, not their texts.
+    bool measuring() const { return !m_sink; }
     double lineHeight() const { return m_lineHeight; }
     // The height a page offers to bands below the page header and captions.
     double bodyHeight() const;

@@ -19,7 +19,9 @@ QString GroupCaption(const GroupDefinition &group, const QVariant &value)
 
 ReportLayout::ReportLayout(const Report &report, PageBuilder &builder)
     : m_report(report), m_layout(report.definition().layout), m_builder(builder),
-      m_columns(m_layout, report.records(), builder.content().left(), builder.content().width())
+      m_columns(m_layout, report.records(), builder.content().left(), builder.content().width()),
+      m_wraps(std::any_of(m_columns.columns.begin(), m_columns.columns.end(),
+                          [](const ColumnDefinition &column) { return column.wrap; }))
 {
 }
 
@@ -127,6 +129,10 @@ Band ReportLayout::detailBand(const RecordStore::Row &row) const
 {
     Band band;
     const double lineHeight = m_builder.lineHeight();
+    if (m_builder.measuring() && !m_wraps) {
+        band.height = lineHeight;
+        return band;
+    }
     const PageFont font = m_builder.font();
     int lines = 1;
     for (int i = 0; i < m_columns.size(); ++i) {

@@ -33,6 +33,7 @@ private:
     const LayoutDefinition &m_layout;
     PageBuilder &m_builder;
     ColumnSet m_columns;
+    bool m_wraps;                 // a column wraps, so a record's height depends on its texts
     double *m_measured = nullptr; // while measuring a group: its height so far, and nothing is placed
 };
 

@@ -60,6 +60,52 @@ QFont ToQFont(const PageFont &font)
     return result;
 }
 
+bool LatinGlyphs::lookUp(QStringView text, QList<quint32> *glyphs, double &width) const
+{
+    width = 0;
+    for (const QChar c : text) {
+        const char16_t code = c.unicode();
+        if (code > 0xFF || glyph[code] == 0)
+            return false;
+        width += advance[code];
+        if (glyphs)
+            glyphs->append(glyph[code]);
+    }
+    return true;
+}
+
+const LatinGlyphs &LatinGlyphsOf(const PageFont &font)
+{
+    static QHash<PageFont, std::shared_ptr<LatinGlyphs>> cache;
+    // Texts come in runs of the same font: the last one is asked for most.
+    static std::pair<PageFont, const LatinGlyphs *> last;
+    if (last.second && last.first == font)
+        return *last.second;
+    auto found = cache.constFind(font);
+    if (found != cache.constEnd()) {
+        last = {font, found->get()};
+        return **found;
+    }
+    auto glyphs = std::make_shared<LatinGlyphs>();
+    glyphs->font = QRawFont::fromFont(ToQFont(font));
+    glyphs->font.setPixelSize(ToQFont(font).pointSizeF()); // a pixel is a point on the page
+    QString characters;
+    for (char16_t code = 0x20; code <= 0xFF; ++code)
+        characters += QChar(code);
+    const QList<quint32> indexes = glyphs->font.glyphIndexesForString(characters);
+    const QList<QPointF> advances = glyphs->font.advancesForGlyphIndexes(indexes);
+    for (qsizetype i = 0; i < characters.size() && i < indexes.size(); ++i) {
+        const char16_t code = characters[i].unicode();
+        // Control characters and the soft hyphen need more than a glyph.
+        if (code >= 0x7F && code < 0xA0)
+            continue;
+        glyphs->glyph[code] = indexes[i];
+        glyphs->advance[code] = advances.value(i).x();
+    }
+    last = {font, glyphs.get()};
+    return **cache.insert(font, glyphs);
+}
+
 const QFontMetricsF &MetricsOf(const PageFont &font)
 {
     static QHash<PageFont, std::shared_ptr<QFontMetricsF>> cache;

@@ -1,5 +1,6 @@
 #include "engine/page/PdfPageSink.h"
 
+#include "engine/page/GlyphRuns.h"
 #include "engine/page/PageFonts.h"
 
 #include <QPageLayout>
@@ -108,13 +109,15 @@ void PdfPageSink::drawLines(const Page &page)
 void PdfPageSink::drawTexts(const Page &page)
 {
     m_painter->setPen(Qt::black);
+    GlyphRuns runs;
     for (const PageText &text : page.texts) {
-        if (text.text.isEmpty())
+        if (text.text.isEmpty() || runs.add(text))
             continue;
         useFont(text.font);
         // Qt clips only the text that overflows its box, as a printed field is cut at its width.
         m_painter->drawText(text.box, int(text.alignment), text.text);
     }
+    runs.draw(*m_painter);
 }
 
 void PdfPageSink::useFont(const PageFont &font)

@@ -6,6 +6,7 @@
 #include "engine/xls/XlsSharedStrings.h"
 
 #include <QDateTime>
+#include <QIODevice>
 #include <cmath>
 
 namespace Engine {
@@ -162,6 +163,26 @@ void XlsSheet::setColumnWidth(int column, double characters)
 {
     CheckAddress(0, column);
     m_columnWidths[column] = quint16(std::clamp(characters, 0.0, 255.0) * 256);
+}
+
+StreamPart XlsSheet::cells(QIODevice *spool) const
+{
+    if (m_parkedOffset < 0)
+        return StreamPart{m_cells};
+    return StreamPart{{}, spool, m_parkedOffset, m_parkedSize};
+}
+
+bool XlsSheet::park(QIODevice &spool)
+{
+    if (m_parkedOffset >= 0)
+        return true;
+    const qint64 offset = spool.size();
+    if (!spool.seek(offset) || spool.write(m_cells) != m_cells.size())
+        return false;
+    m_parkedOffset = offset;
+    m_parkedSize = m_cells.size();
+    m_cells = QByteArray();
+    return true;
 }
 
 QByteArray XlsSheet::dimensions() const
