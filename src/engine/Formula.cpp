@@ -2,6 +2,7 @@
 
 #include "engine/EngineError.h"
 #include "engine/FormulaNode.h"
+#include "engine/NearestNames.h"
 #include "engine/ValueFormat.h"
 
 #include <QDateTime>
@@ -242,7 +243,9 @@ void BindNode(const QString &formula, Node &node, const QStringList &fields,
                 node.fieldIndex = i;
         }
         if (node.fieldIndex < 0)
-            BindFailure(formula, node, QStringLiteral("unknown field \"%1\"").arg(node.name));
+            BindFailure(formula, node,
+                        QStringLiteral("unknown field \"%1\"").arg(node.name) +
+                            NearestNamesNote(node.name, fields));
     } else if (node.kind == Node::Parameter) {
         const QVariantList values = parameters ? parameters(node.name) : QVariantList();
         node.value = values.size() == 1 ? values.first() : (values.isEmpty() ? QVariant() : QVariant(values));

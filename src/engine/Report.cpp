@@ -3,6 +3,7 @@
 #include "engine/Application.h"
 #include "engine/DatabaseConnection.h"
 #include "engine/Export.h"
+#include "engine/NearestNames.h"
 #include "engine/Paginator.h"
 #include "engine/Printing.h"
 #include "engine/Query.h"
@@ -152,7 +153,8 @@ void Report::checkLayoutFields() const
             throw EngineError(
                 EngineError::BadReportFile,
                 QStringLiteral("The layout of %1 names the field \"%2\", which the query does not return")
-                    .arg(m_definition.fileName, field));
+                        .arg(m_definition.fileName, field) +
+                    NearestNamesNote(field, m_records.fieldNames()));
     }
 }
 
@@ -191,16 +193,28 @@ void Report::setGroupSelectionFormula(const QString &formula)
 {
     Formula parsed = Formula::Parse(QStringLiteral("group selection"), formula);
     if (m_recordsRead)
-        parsed.bind(m_records.fieldNames(), [this](const QString &name) { return parameterValues(name); });
+        bindFormula(parsed);
     m_groupSelection = std::move(parsed);
     if (m_recordsRead)
         applySelection();
 }
 
+// A formula that names what the records lack fails with the report's name, for the report's author.
+void Report::bindFormula(Formula &formula) const
+{
+    try {
+        formula.bind(m_records.fieldNames(), [this](const QString &name) { return parameterValues(name); });
+    } catch (const EngineError &error) {
+        throw EngineError(error.number(),
+                          QStringLiteral("Report %1: %2").arg(m_definition.fileName, error.description()));
+    }
+}
+
 void Report::applySelection()
 {
-    const Formula::ParameterLookup parameters = [this](const QString &name) { return parameterValues(name); };
-    m_groupSelection.bind(m_records.fieldNames(), parameters);
+    bindFormula(m_groupSelection);
+    for (ReportAlert &alert : m_alerts)
+        bindFormula(alert.formula());
     m_selected.clear();
     m_selected.reserve(m_records.count());
     // Without a formula no record needs reading here.
@@ -209,7 +223,7 @@ void Report::applySelection()
             m_selected.append(i);
     }
     for (ReportAlert &alert : m_alerts)
-        alert.evaluate(m_records, m_selected, parameters);
+        alert.evaluate(m_records, m_selected);
     m_groups.reset();
     m_status.setRecordsSelected(int(m_selected.size()));
     m_pageCount = -1;

@@ -77,6 +77,7 @@ private:
     void readFromDatabase();
     void checkLayoutFields() const;
     void readSubreports();
+    void bindFormula(Formula &formula) const;
     void applySelection();
     int countPages();
 

@@ -43,14 +43,13 @@ ReportDefinition ReportFile::readFile()
     m_xml.setDevice(&file);
     while (m_xml.readNext() != QXmlStreamReader::StartElement) {
         if (m_xml.atEnd())
-            fail(m_xml.hasError() ? m_xml.errorString()
-                                  : QStringLiteral("the file holds no <report> element"));
+            fail(m_xml.hasError() ? xmlFault() : QStringLiteral("the file holds no <report> element"));
     }
     ReportDefinition report = readReport();
     while (!m_xml.atEnd())
         m_xml.readNext();
     if (m_xml.hasError() && m_xml.error() != QXmlStreamReader::PrematureEndOfDocumentError)
-        fail(m_xml.errorString());
+        fail(xmlFault());
     return report;
 }
 
@@ -72,7 +71,7 @@ ReportDefinition ReportFile::readReport()
     while (m_xml.readNextStartElement())
         readChild(report);
     if (m_xml.hasError())
-        fail(m_xml.errorString());
+        fail(xmlFault());
     return report;
 }
 
@@ -381,8 +380,35 @@ QString ReportFile::text()
 {
     const QString value = m_xml.readElementText(QXmlStreamReader::ErrorOnUnexpectedElement);
     if (m_xml.hasError())
-        fail(m_xml.errorString());
+        fail(xmlFault());
     return value;
+}
+
+// The reader's fault; where the file ends or closes another element first, the element left open,
+// which is what its author has to look for.
+QString ReportFile::xmlFault() const
+{
+    const QString reason = m_xml.errorString();
+    const bool unclosed = m_xml.error() == QXmlStreamReader::PrematureEndOfDocumentError ||
+                          reason.contains(QLatin1String("mismatch"), Qt::CaseInsensitive);
+    QFile file(m_fileName);
+    if (!unclosed || !file.open(QIODevice::ReadOnly))
+        return reason;
+    QXmlStreamReader again(&file);
+    QList<std::pair<QString, qint64>> open;
+    while (!again.atEnd() && !again.hasError()) {
+        again.readNext();
+        if (again.isStartElement())
+            open.append({again.name().toString(), again.lineNumber()});
+        else if (again.isEndElement() && !open.isEmpty())
+            open.removeLast();
+    }
+    if (open.isEmpty())
+        return reason;
+    return QStringLiteral("the element <%1> opened on line %2 is not closed (%3)")
+        .arg(open.last().first)
+        .arg(open.last().second)
+        .arg(reason);
 }
 
 void ReportFile::fail(const QString &what)

@@ -35,6 +35,7 @@ private:
     double numberAttribute(const char *name, double fallback);
     bool flagAttribute(const char *name);
     QString text();
+    QString xmlFault() const;
     [[noreturn]] void fail(const QString &what);
     [[noreturn]] void unknownElement();
 
