@@ -1,6 +1,7 @@
 #pragma once
 // The exports that come straight from the records: saved report, record format, separated values, XML, Excel.
 
+#include "engine/Formula.h"
 #include "engine/TextEncoding.h"
 
 #include <QList>
@@ -17,11 +18,14 @@ struct ExportOptions;
 struct ExportColumn
 {
     QString caption;
-    int field = -1; // -1: the records lack it, the column stays empty
+    NameRef source; // a field of the records, a formula field, a running total or a special name
     QString format;
     int valueType = 12;
     double width = 72;
     bool alignRight = false;
+
+    // A field of the records, which an export can read without working anything out.
+    int recordField() const { return source.kind == NameRef::RecordField ? source.index : -1; }
 };
 // `withGroupFields`: the fields of the groups first, when no column shows them, so that every row
 // carries its groups.

@@ -4,6 +4,8 @@
 #include "engine/DataExports.h"
 #include "engine/EngineError.h"
 #include "engine/GroupWalk.h"
+#include "engine/RecordWalk.h"
+#include "engine/RunningTotals.h"
 #include "engine/Report.h"
 #include "engine/ValueFormat.h"
 #include "engine/xls/XlsSheetSeries.h"
@@ -16,31 +18,28 @@ namespace Engine {
 namespace {
 
 // The worksheet function of a summary over records, if it has one.
-std::optional<XlsAggregate> FunctionOverRecords(const QString &function, bool numericField)
+std::optional<XlsAggregate> FunctionOverRecords(SummaryFunction function, bool numericField)
 {
-    if (function == QLatin1String("sum"))
-        return XlsAggregate::Sum;
-    if (function == QLatin1String("count") && numericField)
-        return XlsAggregate::Count;
-    if (function == QLatin1String("avg"))
-        return XlsAggregate::Average;
-    if (function == QLatin1String("min"))
-        return XlsAggregate::Min;
-    if (function == QLatin1String("max"))
-        return XlsAggregate::Max;
-    return std::nullopt;
+    switch (function) {
+    case SummaryFunction::Sum: return XlsAggregate::Sum;
+    case SummaryFunction::Count: return numericField ? std::optional(XlsAggregate::Count) : std::nullopt;
+    case SummaryFunction::Average: return XlsAggregate::Average;
+    case SummaryFunction::Minimum: return XlsAggregate::Min;
+    case SummaryFunction::Maximum: return XlsAggregate::Max;
+    default: return std::nullopt;
+    }
 }
 
 // The worksheet function that makes a summary from the same summary of the subgroups, if there is one.
-std::optional<XlsAggregate> FunctionOverSubtotals(const QString &function)
+std::optional<XlsAggregate> FunctionOverSubtotals(SummaryFunction function)
 {
-    if (function == QLatin1String("sum") || function == QLatin1String("count"))
-        return XlsAggregate::Sum;
-    if (function == QLatin1String("min"))
-        return XlsAggregate::Min;
-    if (function == QLatin1String("max"))
-        return XlsAggregate::Max;
-    return std::nullopt;
+    switch (function) {
+    case SummaryFunction::Sum:
+    case SummaryFunction::Count: return XlsAggregate::Sum;
+    case SummaryFunction::Minimum: return XlsAggregate::Min;
+    case SummaryFunction::Maximum: return XlsAggregate::Max;
+    default: return std::nullopt;
+    }
 }
 
 // Where the rows of one open group went: its records, or the footers of its subgroups by column.
@@ -51,7 +50,7 @@ struct Span
     int firstDetail = -1;
     int lastDetail = -1;
     int subgroups = 0;
-    QMap<int, std::pair<QString, QList<int>>> subtotals; // column: the subgroups' function and rows
+    QMap<int, std::pair<SummaryFunction, QList<int>>> subtotals; // column: the subgroups' function and rows
 
     void note(XlsSheet *on)
     {
@@ -64,9 +63,10 @@ class ExcelWriter : public GroupVisitor
 {
 public:
     ExcelWriter(const Report &report, const ExportOptions &options)
-        : m_layout(report.definition().layout), m_columns(ExportColumns(report, true)),
+        : m_report(report), m_formulas(report.formulas()), m_columns(ExportColumns(report, true)),
+          m_context(m_formulas, report.ReportTitle()), m_running(m_formulas),
           m_dataOnly(options.FormatType == ExcelDataOnlyFormat),
-          m_formulas(options.ExcelUseWorksheetFunctions && !m_dataOnly),
+          m_worksheetFunctions(options.ExcelUseWorksheetFunctions && !m_dataOnly),
           m_series(m_book, QStringLiteral("Sheet"))
     {
         const bool tabular =
@@ -83,16 +83,15 @@ public:
         if (!tabular || options.ExcelTabHasColumnHeadings)
             m_series.setHeadings(headings);
         m_spans.emplace_back();
+        m_context.setRunningTotals(&m_running.values());
     }
 
-    void write(const Report &report, const QString &fileName)
+    void write(const QString &fileName)
     {
-        if (m_dataOnly) {
-            for (int row : report.groups().order())
-                writeRecord(report.records().row(row));
-        } else {
-            WalkGroups(report, *this);
-        }
+        if (m_dataOnly)
+            ForEachRecord(m_report, [this](const ReportContext &context) { writeRecord(context); });
+        else
+            WalkGroups(m_report, *this);
         if (!m_book.save(fileName))
             throw EngineError(EngineError::ExportFailed,
                               QStringLiteral("Cannot write %1: %2").arg(fileName, m_book.errorString()));
@@ -100,17 +99,20 @@ public:
 
     void groupHeader(const GroupNode &group, bool) override
     {
+        m_running.startGroup(group.level);
+        enterGroup(group);
         const XlsRowPlace place = m_series.appendRow();
         place.sheet->writeText(place.row, 0,
-                               QString(m_layout.groups[group.level].caption)
-                                   .replace(QLatin1String("{value}"), PlainText(group.value)),
+                               m_formulas.group(group.level).caption.evaluate(m_context, group.value),
                                m_book.headingStyle());
         m_spans.emplace_back();
     }
 
-    void detail(const RecordStore::Row &row, const GroupNode &, int) override
+    void detail(const RecordStore::Row &row, const GroupNode &group, int position) override
     {
-        const XlsRowPlace place = writeRecord(row);
+        m_context.setRecord(row, position, &group);
+        m_running.add(m_context);
+        const XlsRowPlace place = writeRecord(m_context);
         Span &span = m_spans.back();
         span.note(place.sheet);
         if (span.firstDetail < 0)
@@ -124,47 +126,57 @@ public:
         m_spans.pop_back();
         Span &parent = m_spans.back();
         ++parent.subgroups;
-        if (group.totals.size() == 0) {
+        if (m_formulas.subtotals(group.level).empty()) {
             parent.split = true;
             return;
         }
-        const XlsRowPlace place = writeTotals(QStringLiteral("Total ") + PlainText(group.value), group, span);
+        enterGroup(group);
+        const XlsRowPlace place =
+            writeTotals(m_formulas.group(group.level).footer.evaluate(m_context, group.value), group, span);
         parent.note(place.sheet);
-        for (int t = 0; t < group.totals.size(); ++t) {
-            const int column = columnOf(group.totals.fieldIndex(t));
+        for (const Subtotal &subtotal : m_formulas.subtotals(group.level)) {
+            const int column = columnOf(subtotal.operand);
             if (column < 0)
                 continue;
             auto &[function, rows] = parent.subtotals[column];
-            if (!rows.isEmpty() && function != group.totals.summary(t).function)
+            if (!rows.isEmpty() && function != subtotal.function)
                 parent.split = true;
-            function = group.totals.summary(t).function;
+            function = subtotal.function;
             rows.append(place.row);
         }
     }
 
     void grandTotal(const GroupNode &root) override
     {
-        if (root.totals.size() > 0)
-            writeTotals(QStringLiteral("Grand total"), root, m_spans.back());
+        if (m_formulas.subtotals(-1).empty())
+            return;
+        enterGroup(root);
+        writeTotals(QStringLiteral("Grand total"), root, m_spans.back());
     }
 
 private:
-    int columnOf(int field) const
+    int columnOf(const NameRef &source) const
     {
         for (int c = 0; c < m_columns.size(); ++c) {
-            if (m_columns[c].field == field)
+            if (m_columns[c].source.kind == source.kind && m_columns[c].source.index == source.index)
                 return c;
         }
         return -1;
     }
 
-    XlsRowPlace writeRecord(const RecordStore::Row &row)
+    // The group's header and footer read the fields of its first record.
+    void enterGroup(const GroupNode &group)
+    {
+        const QList<int> &order = m_report.groups().order();
+        m_context.setGroup(group, group.rowCount() > 0 ? m_report.records().row(order[group.first])
+                                                       : RecordStore::Row());
+    }
+
+    XlsRowPlace writeRecord(const ReportContext &context)
     {
         const XlsRowPlace place = m_series.appendRow();
-        for (int c = 0; c < m_columns.size(); ++c) {
-            if (m_columns[c].field >= 0)
-                writeCell(place, c, row[m_columns[c].field], m_plain[c]);
-        }
+        for (int c = 0; c < m_columns.size(); ++c)
+            writeCell(place, c, context.valueOf(m_columns[c].source), m_plain[c]);
         return place;
     }
 
@@ -200,30 +212,30 @@ private:
     // The label in the first column; when a total belongs there, the label takes a row of its own.
     XlsRowPlace writeTotals(const QString &label, const GroupNode &group, const Span &span)
     {
-        const Totals &totals = group.totals;
+        const std::vector<Subtotal> &subtotals = m_formulas.subtotals(group.level);
         XlsRowPlace place = m_series.appendRow();
         place.sheet->writeText(place.row, 0, label, m_book.headingStyle());
-        bool firstColumnTaken = false;
-        for (int t = 0; t < totals.size(); ++t)
-            firstColumnTaken = firstColumnTaken || columnOf(totals.fieldIndex(t)) == 0;
+        const bool firstColumnTaken =
+            std::any_of(subtotals.begin(), subtotals.end(),
+                        [this](const Subtotal &s) { return columnOf(s.operand) == 0; });
         if (firstColumnTaken)
             place = m_series.appendRow();
-        for (int t = 0; t < totals.size(); ++t) {
-            const int column = columnOf(totals.fieldIndex(t));
-            if (column >= 0 &&
-                !writeFormula(place, column, totals.summary(t).function, totals.value(t), group, span))
-                writeCell(place, column, totals.value(t), m_bold[column]);
+        for (const Subtotal &subtotal : subtotals) {
+            const int column = columnOf(subtotal.operand);
+            const QVariant value = m_context.summary(subtotal.ref);
+            if (column >= 0 && !writeFormula(place, column, subtotal.function, value, group, span))
+                writeCell(place, column, value, m_bold[column]);
         }
         return place;
     }
 
     // A total as the formula over the records or subtotals above it, when the options ask for formulas
     // and those cells are all on the total's sheet; false when it must be a plain value.
-    bool writeFormula(const XlsRowPlace &place, int column, const QString &function, const QVariant &value,
+    bool writeFormula(const XlsRowPlace &place, int column, SummaryFunction function, const QVariant &value,
                       const GroupNode &group, const Span &span)
     {
         double number = 0;
-        if (!m_formulas || span.split || span.sheet != place.sheet || !NumberOf(value, number))
+        if (!m_worksheetFunctions || span.split || span.sheet != place.sheet || !NumberOf(value, number))
             return false;
         std::optional<XlsAggregate> aggregate;
         QList<XlsRange> ranges;
@@ -247,10 +259,13 @@ private:
         return true;
     }
 
-    const LayoutDefinition &m_layout;
+    const Report &m_report;
+    const ReportFormulas &m_formulas;
     QList<ExportColumn> m_columns;
+    ReportContext m_context;
+    RunningTotals m_running;
     bool m_dataOnly;
-    bool m_formulas;
+    bool m_worksheetFunctions;
     XlsWorkbook m_book;
     XlsSheetSeries m_series;
     QList<XlsStyle> m_plain;
@@ -262,7 +277,7 @@ private:
 
 void WriteExcelWorkbook(const Report &report, const ExportOptions &options, const QString &fileName)
 {
-    ExcelWriter(report, options).write(report, fileName);
+    ExcelWriter(report, options).write(fileName);
 }
 
 } // namespace Engine

@@ -6,12 +6,11 @@ namespace Engine {
 
 namespace {
 
-// "Region: {value}" heads a column "Region".
+// "Region: {value}" heads a column "Region": the caption's text before its first value.
 QString GroupFieldCaption(const GroupDefinition &group)
 {
-    QString caption = group.caption;
-    caption.remove(QLatin1String("{value}"));
-    while (!caption.isEmpty() && (caption.back() == QLatin1Char(':') || caption.back().isSpace()))
+    QString caption = group.caption.section(QLatin1Char('{'), 0, 0).trimmed();
+    while (caption.endsWith(QLatin1Char(':')))
         caption.chop(1);
     return caption.trimmed().isEmpty() ? group.field : caption.trimmed();
 }
@@ -21,27 +20,35 @@ QString GroupFieldCaption(const GroupDefinition &group)
 QList<ExportColumn> ExportColumns(const Report &report, bool withGroupFields)
 {
     const RecordStore &records = report.records();
+    const ReportFormulas &formulas = report.formulas();
+    const LayoutDefinition &layout = report.definition().layout;
+    const auto typeOf = [&](const NameRef &source) {
+        return source.kind == NameRef::RecordField ? records.fieldTypes().value(source.index, StringField)
+                                                   : int(StringField);
+    };
     QList<ExportColumn> columns;
-    for (const GroupDefinition &group : report.definition().layout.groups) {
-        const int field = records.fieldIndex(group.field);
-        const auto shown = [&](const ColumnDefinition &column) {
-            return records.fieldIndex(column.field) == field;
-        };
-        const QList<ColumnDefinition> &layoutColumns = report.definition().layout.columns;
-        if (withGroupFields && field >= 0 && std::none_of(layoutColumns.begin(), layoutColumns.end(), shown))
-            columns.append(
-                {GroupFieldCaption(group), field, QString(), records.fieldTypes()[field], 72, false});
-    }
-    for (const ColumnDefinition &column : report.definition().layout.columns) {
-        const int field = records.fieldIndex(column.field);
-        columns.append({column.caption, field, column.format,
-                        field < 0 ? int(StringField) : records.fieldTypes()[field], column.width,
-                        column.alignment.testFlag(Qt::AlignRight)});
-    }
-    if (report.definition().layout.columns.isEmpty()) {
-        columns.clear();
+    if (layout.columns.isEmpty()) {
         for (int i = 0; i < records.fieldNames().size(); ++i)
-            columns.append({records.fieldNames()[i], i, QString(), records.fieldTypes()[i], 72, false});
+            columns.append({records.fieldNames()[i], NameRef{NameRef::RecordField, i}, QString(),
+                            records.fieldTypes()[i], 72, false});
+        return columns;
+    }
+    QList<NameRef> shown;
+    for (const ColumnDefinition &column : layout.columns)
+        shown.append(formulas.resolve(column.field).value_or(NameRef{NameRef::RecordField, -1}));
+    for (int level = 0; withGroupFields && level < formulas.levels(); ++level) {
+        const NameRef field = formulas.group(level).field;
+        const bool inColumns = std::any_of(shown.begin(), shown.end(), [&](const NameRef &ref) {
+            return ref.kind == field.kind && ref.index == field.index;
+        });
+        if (!inColumns)
+            columns.append(
+                {GroupFieldCaption(layout.groups[level]), field, QString(), typeOf(field), 72, false});
+    }
+    for (int c = 0; c < layout.columns.size(); ++c) {
+        const ColumnDefinition &column = layout.columns[c];
+        columns.append({column.caption, shown[c], column.format, typeOf(shown[c]), column.width,
+                        column.alignment.testFlag(Qt::AlignRight)});
     }
     return columns;
 }

@@ -1,27 +1,24 @@
 #pragma once
-// The chosen records of a report in print order, cut into nested groups, each group with its totals.
+// The chosen records of a report in print order, cut into nested groups, each group with its summaries;
+// groups left out, sorted and cut to the first N as the layout asks.
 
 #include "engine/RecordStore.h"
-#include "engine/ReportDefinition.h"
-#include "engine/Totals.h"
+#include "engine/Summary.h"
 
 #include <vector>
 
 namespace Engine {
 
+class ReportFormulas;
+
 struct GroupNode
 {
-    GroupNode(int depth, const QList<SummaryDefinition> &summaries, const RecordStore &records)
-        : level(depth), totals(summaries, records)
-    {
-    }
-
     int level = -1; // -1: the whole report, 0 the outermost group
     QVariant value;
     int first = 0; // positions in GroupTree::order(), [first, end)
     int end = 0;
-    int number = 0; // 1-based among the groups of its level, in print order
-    Totals totals;
+    int number = 0;                     // 1-based among the groups of its level, in print order
+    std::vector<Accumulator> summaries; // by the slots of ReportFormulas::summaries(level)
     const GroupNode *parent = nullptr;
     std::vector<GroupNode> children;
 
@@ -32,7 +29,7 @@ struct GroupNode
 class GroupTree
 {
 public:
-    GroupTree(const RecordStore &records, const LayoutDefinition &layout, QList<int> order);
+    GroupTree(const RecordStore &records, const ReportFormulas &formulas, QList<int> order);
     GroupTree(const GroupTree &) = delete;
     GroupTree &operator=(const GroupTree &) = delete;
 
@@ -41,9 +38,15 @@ public:
     const QList<int> &order() const { return m_order; }
 
 private:
-    void build(const RecordStore &records, const LayoutDefinition &layout);
-    static void link(GroupNode &node);
+    void sortRecords();
+    void build();
+    bool leaveOut();
+    void chooseChildren(const GroupNode &node, QList<std::pair<int, int>> &dropped);
+    void sortGroups(GroupNode &node);
+    void flatten();
 
+    const RecordStore &m_records;
+    const ReportFormulas &m_formulas;
     QList<int> m_order;
     GroupNode m_root;
 };

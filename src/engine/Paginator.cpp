@@ -43,7 +43,7 @@ void Paginator::render(PageSink &sink)
 
 int Paginator::run(PageSink *sink, int totalPages)
 {
-    PageBuilder builder(m_report.pageSetup(), m_report.definition().layout, sink, totalPages);
+    PageBuilder builder(m_report, sink, totalPages);
     ReportLayout(m_report, builder).walk(m_report.ReportTitle(), false);
     WalkSubreports(m_report, builder);
     return builder.finish();

@@ -67,7 +67,7 @@ void Report::buildSections()
 const GroupTree &Report::groups() const
 {
     if (!m_groups)
-        m_groups = std::make_unique<GroupTree>(m_records, m_definition.layout, m_selected);
+        m_groups = std::make_unique<GroupTree>(m_records, *m_formulas, m_selected);
     return *m_groups;
 }
 
@@ -78,6 +78,7 @@ void Report::DiscardSavedData()
     m_records.clear();
     m_selected.clear();
     m_groups.reset();
+    m_formulas.reset();
     m_status.setRecordsSelected(0);
 }
 
@@ -92,6 +93,7 @@ void Report::ReadRecords()
         else
             readFromDatabase();
         checkLayoutFields();
+        m_formulas = makeFormulas();
         m_recordsRead = true;
         applySelection();
         readSubreports();
@@ -135,6 +137,7 @@ void Report::readFromDatabase()
     ReadQuery(connection, bound, m_records);
 }
 
+// Every name the layout shows or groups by is a field of the query, a formula field or a running total.
 void Report::checkLayoutFields() const
 {
     const LayoutDefinition &layout = m_definition.layout;
@@ -148,13 +151,21 @@ void Report::checkLayoutFields() const
     }
     for (const SummaryDefinition &total : layout.grandTotals)
         fields.append(total.field);
+    for (const SortDefinition &sort : layout.sorts)
+        fields.append(sort.field);
+    QStringList known = m_records.fieldNames();
+    for (const FormulaFieldDefinition &formula : m_definition.formulas)
+        known.append(formula.name);
+    for (const RunningTotalDefinition &total : m_definition.runningTotals)
+        known.append(total.name);
     for (const QString &field : fields) {
-        if (m_records.fieldIndex(field) < 0)
+        if (m_records.fieldIndex(field) < 0 && !known.contains(field, Qt::CaseInsensitive) &&
+            !ReportFormulas::IsSpecialName(field))
             throw EngineError(
                 EngineError::BadReportFile,
                 QStringLiteral("The layout of %1 names the field \"%2\", which the query does not return")
                         .arg(m_definition.fileName, field) +
-                    NearestNamesNote(field, m_records.fieldNames()));
+                    NearestNamesNote(field, known));
     }
 }
 
@@ -197,6 +208,17 @@ void Report::setGroupSelectionFormula(const QString &formula)
     m_groupSelection = std::move(parsed);
     if (m_recordsRead)
         applySelection();
+}
+
+std::unique_ptr<ReportFormulas> Report::makeFormulas() const
+{
+    try {
+        return std::make_unique<ReportFormulas>(
+            m_definition, m_records, [this](const QString &name) { return parameterValues(name); });
+    } catch (const EngineError &error) {
+        throw EngineError(error.number(),
+                          QStringLiteral("Report %1: %2").arg(m_definition.fileName, error.description()));
+    }
 }
 
 // A formula that names what the records lack fails with the report's name, for the report's author.

@@ -6,6 +6,7 @@
 #include "engine/ExportOptions.h"
 #include "engine/Formula.h"
 #include "engine/GroupTree.h"
+#include "engine/ReportFormulas.h"
 #include "engine/ParameterFieldDefinition.h"
 #include "engine/PrintingStatus.h"
 #include "engine/RecordStore.h"
@@ -65,7 +66,9 @@ public:
     // The selected records in print order, in their groups; made on first use.
     const GroupTree &groups() const;
     // The selected records in print order.
-    const QList<int> &printOrder() const { return m_selected; }
+    const QList<int> &printOrder() const { return m_formulas->reorders() ? groups().order() : m_selected; }
+    // The report's formulas and summaries, bound to the records read.
+    const ReportFormulas &formulas() const { return *m_formulas; }
     CupsPrinter &printer() { return m_printer; }
     // The parameter's bound values, by plain name (any case); empty when there is no such parameter.
     QVariantList parameterValues(const QString &name) const;
@@ -78,6 +81,7 @@ private:
     void checkLayoutFields() const;
     void readSubreports();
     void bindFormula(Formula &formula) const;
+    std::unique_ptr<ReportFormulas> makeFormulas() const;
     void applySelection();
     int countPages();
 
@@ -93,6 +97,7 @@ private:
     RecordStore m_records;
     bool m_recordsRead = false;
     QList<int> m_selected;
+    std::unique_ptr<ReportFormulas> m_formulas;
     mutable std::unique_ptr<GroupTree> m_groups;
     Engine::PrintingStatus m_status;
     Engine::ExportOptions m_exportOptions;

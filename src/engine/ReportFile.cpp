@@ -2,6 +2,7 @@
 
 #include "engine/Codes.h"
 #include "engine/EngineError.h"
+#include "engine/Summary.h"
 
 #include <QDir>
 #include <QFile>
@@ -100,6 +101,12 @@ void ReportFile::readChild(ReportDefinition &report)
         report.savedData = readSavedData();
     else if (name == QLatin1String("export"))
         report.textEncoding = readExport();
+    else if (name == QLatin1String("formula")) {
+        FormulaFieldDefinition formula{attribute("name", true), QString()};
+        formula.text = text();
+        report.formulas.append(formula);
+    } else if (name == QLatin1String("runningTotal"))
+        report.runningTotals.append(readRunningTotal());
     else
         unknownElement();
 }
@@ -164,7 +171,10 @@ void ReportFile::readLayout(LayoutDefinition &layout)
             layout.columns.append(readColumn());
         else if (name == QLatin1String("group"))
             layout.groups.append(readGroup());
-        else if (name == QLatin1String("grandTotal")) {
+        else if (name == QLatin1String("sort")) {
+            layout.sorts.append(SortDefinition{attribute("field", true), descending()});
+            m_xml.skipCurrentElement();
+        } else if (name == QLatin1String("grandTotal")) {
             layout.grandTotals.append(readSummary());
             m_xml.skipCurrentElement();
         } else
@@ -240,6 +250,14 @@ GroupDefinition ReportFile::readGroup()
         group.caption = QStringLiteral("{value}");
     group.newPage = flagAttribute("newPage");
     group.keepTogether = flagAttribute("keepTogether");
+    if (m_xml.attributes().hasAttribute(QLatin1String("footer")))
+        group.footer = attribute("footer");
+    group.selection = attribute("select");
+    group.sortBy = attribute("sort");
+    group.descending = descending();
+    group.top = int(numberAttribute("top", 0));
+    if (group.top < 0)
+        fail(QStringLiteral("top %1 of group %2 is below 0").arg(group.top).arg(group.field));
     while (m_xml.readNextStartElement()) {
         if (m_xml.name() != QLatin1String("subtotal"))
             unknownElement();
@@ -253,15 +271,41 @@ SummaryDefinition ReportFile::readSummary()
 {
     SummaryDefinition summary;
     summary.field = attribute("field", true);
-    const QString function = attribute("function");
-    static const QStringList functions = {QStringLiteral("sum"), QStringLiteral("count"),
-                                          QStringLiteral("avg"), QStringLiteral("min"),
-                                          QStringLiteral("max")};
-    if (!function.isEmpty() && !functions.contains(function))
-        fail(QStringLiteral("function \"%1\" is not sum, count, avg, min or max").arg(function));
-    if (!function.isEmpty())
-        summary.function = function;
+    summary.function = summaryFunction(summary.function);
     return summary;
+}
+
+QString ReportFile::summaryFunction(const QString &fallback)
+{
+    const QString function = attribute("function");
+    if (function.isEmpty())
+        return fallback;
+    if (!SummaryFunctionNamed(function))
+        fail(QStringLiteral("function \"%1\" is not sum, count, distinctcount, average, minimum, maximum or "
+                            "percentofsum")
+                 .arg(function));
+    return function.toLower();
+}
+
+bool ReportFile::descending()
+{
+    const QString order = attribute("order");
+    if (!order.isEmpty() && order != QLatin1String("ascending") && order != QLatin1String("descending"))
+        fail(QStringLiteral("order \"%1\" is not ascending or descending").arg(order));
+    return order == QLatin1String("descending");
+}
+
+RunningTotalDefinition ReportFile::readRunningTotal()
+{
+    RunningTotalDefinition total;
+    total.name = attribute("name", true);
+    total.field = attribute("field", true);
+    total.function = summaryFunction(total.function);
+    total.reset = attribute("reset");
+    if (total.reset == QLatin1String("never"))
+        total.reset.clear();
+    m_xml.skipCurrentElement();
+    return total;
 }
 
 TextEncoding ReportFile::readExport()

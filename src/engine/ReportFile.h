@@ -29,6 +29,9 @@ private:
     SummaryDefinition readSummary();
     SubreportDefinition readSubreport();
     TextEncoding readExport();
+    RunningTotalDefinition readRunningTotal();
+    QString summaryFunction(const QString &fallback);
+    bool descending();
     RecordStore readSavedData();
 
     QString attribute(const char *name, bool required = false);

@@ -1,5 +1,6 @@
 // Character- and tab-separated exports (types 5, 6, 9).
 #include "engine/DataExports.h"
+#include "engine/RecordWalk.h"
 #include "engine/Report.h"
 #include "engine/ValueFormat.h"
 
@@ -125,19 +126,37 @@ void WriteSeparatedValues(const Report &report, const ExportOptions &options, co
     }
     lines.end();
     ExportFile file(fileName, encoding);
-    report.records().visit(report.printOrder(), [&](const RecordView &row) {
-        for (int c = 0; c < columns.size(); ++c) {
-            if (c > 0)
-                lines.delimiter();
-            if (columns[c].field >= 0)
-                lines.cell(row, columns[c].field, patterns[c]);
-        }
+    const auto endLine = [&] {
         lines.end();
         if (lines.bytes().size() > 1 << 16) {
             file.write(lines.bytes());
             lines.bytes().clear();
         }
+    };
+    // Fields of the records alone are read in place; formula fields and running totals are worked out.
+    const bool recordFields = std::all_of(columns.begin(), columns.end(), [](const ExportColumn &column) {
+        return column.source.kind == NameRef::RecordField;
     });
+    if (recordFields) {
+        report.records().visit(report.printOrder(), [&](const RecordView &row) {
+            for (int c = 0; c < columns.size(); ++c) {
+                if (c > 0)
+                    lines.delimiter();
+                if (columns[c].recordField() >= 0)
+                    lines.cell(row, columns[c].recordField(), patterns[c]);
+            }
+            endLine();
+        });
+    } else {
+        ForEachRecord(report, [&](const ReportContext &context) {
+            for (int c = 0; c < columns.size(); ++c) {
+                if (c > 0)
+                    lines.delimiter();
+                lines.cell(context.valueOf(columns[c].source), patterns[c]);
+            }
+            endLine();
+        });
+    }
     file.write(lines.bytes());
     file.commit();
 }

@@ -178,6 +178,23 @@ bool NumberOf(const QVariant &value, double &number)
     return ok;
 }
 
+int CompareValues(const QVariant &a, const QVariant &b)
+{
+    if (a.isNull() || b.isNull())
+        return int(b.isNull()) - int(a.isNull());
+    double x = 0;
+    double y = 0;
+    if (IsNumberType(a) && IsNumberType(b) && NumberOf(a, x) && NumberOf(b, y))
+        return x < y ? -1 : (y < x ? 1 : 0);
+    const QDateTime p = MomentOf(a);
+    const QDateTime q = MomentOf(b);
+    if (p.isValid() && q.isValid())
+        return p < q ? -1 : (q < p ? 1 : 0);
+    if (a.typeId() == QMetaType::Bool && b.typeId() == QMetaType::Bool)
+        return int(a.toBool()) - int(b.toBool());
+    return PlainText(a).compare(PlainText(b));
+}
+
 QString PlainText(const QVariant &value)
 {
     switch (value.typeId()) {

@@ -4,7 +4,8 @@
 
 namespace Engine {
 
-ColumnSet::ColumnSet(const LayoutDefinition &layout, const RecordStore &records, double x, double available)
+ColumnSet::ColumnSet(const LayoutDefinition &layout, const ReportFormulas &formulas,
+                     const RecordStore &records, double x, double available)
     : columns(layout.columns)
 {
     if (columns.isEmpty()) {
@@ -24,11 +25,20 @@ ColumnSet::ColumnSet(const LayoutDefinition &layout, const RecordStore &records,
         // A column's text keeps clear of its right neighbour, so a right-aligned value never
         // runs into the next column's first character.
         const double gap = std::min(6.0, full / 4);
-        fields.append(records.fieldIndex(column.field));
+        sources.append(formulas.resolve(column.field).value_or(NameRef{NameRef::RecordField, -1}));
         left.append(x);
         width.append(full - gap);
         x += full;
     }
+}
+
+int ColumnSet::columnOf(const NameRef &source) const
+{
+    for (int i = 0; i < size(); ++i) {
+        if (sources[i].kind == source.kind && sources[i].index == source.index)
+            return i;
+    }
+    return -1;
 }
 
 Band ColumnSet::captionBand(const PageFont &font, double lineHeight, const QRectF &content) const

@@ -1,18 +1,19 @@
 #include "engine/layout/PageBuilder.h"
 
-#include <QDate>
+#include "engine/Report.h"
 
 namespace Engine {
 
-PageBuilder::PageBuilder(const PageSetup &setup, const LayoutDefinition &layout, PageSink *sink,
-                         int totalPages)
-    : m_setup(setup), m_layout(layout), m_sink(sink), m_total(totalPages)
+PageBuilder::PageBuilder(const Report &report, PageSink *sink, int totalPages)
+    : m_report(report), m_layout(report.definition().layout),
+      m_context(report.formulas(), report.ReportTitle()), m_sink(sink), m_total(totalPages)
 {
+    const PageSetup setup = report.pageSetup();
     const QSizeF size = setup.orientedSize();
     m_content = QRectF(QPointF(setup.margins.left(), setup.margins.top()),
                        QPointF(size.width() - setup.margins.right(), size.height() - setup.margins.bottom()));
     // Four thirds of the font size: 12 points at 9, the pitch of six text lines an inch.
-    m_lineHeight = layout.fontSize * 4 / 3;
+    m_lineHeight = m_layout.fontSize * 4 / 3;
     m_bottom = m_content.bottom() - m_lineHeight * 1.5;
 }
 
@@ -92,13 +93,12 @@ int PageBuilder::finish()
     return m_number;
 }
 
-QString PageBuilder::substituted(QString text) const
+// Page headers and footers read the page and the report's totals.
+QString PageBuilder::pageText(const TextTemplate &text)
 {
-    text.replace(QLatin1String("{PageNumber}"), QString::number(m_number));
-    text.replace(QLatin1String("{TotalPages}"), QString::number(m_total));
-    text.replace(QLatin1String("{Title}"), m_setup.title);
-    text.replace(QLatin1String("{PrintDate}"), QDate::currentDate().toString(QStringLiteral("yyyy-MM-dd")));
-    return text;
+    m_context.setRecord(RecordStore::Row(), -1, &m_report.groups().root());
+    m_context.setPage(m_number, m_total);
+    return text.evaluate(m_context);
 }
 
 void PageBuilder::startPage()
@@ -113,7 +113,7 @@ void PageBuilder::startPage()
         Band header;
         header.height = m_lineHeight * 1.5;
         header.texts.append(PageText{QRectF(m_content.left(), 0, m_content.width(), m_lineHeight),
-                                     substituted(m_layout.pageHeader), font(),
+                                     pageText(m_report.formulas().pageHeader()), font(),
                                      Qt::AlignLeft | Qt::AlignVCenter});
         put(header);
     }
@@ -138,7 +138,7 @@ void PageBuilder::endPage()
     if (!m_layout.pageFooter.isEmpty())
         m_page.texts.append(PageText{
             QRectF(m_content.left(), m_content.bottom() - m_lineHeight, m_content.width(), m_lineHeight),
-            substituted(m_layout.pageFooter), font(), Qt::AlignHCenter | Qt::AlignVCenter});
+            pageText(m_report.formulas().pageFooter()), font(), Qt::AlignHCenter | Qt::AlignVCenter});
     if (m_sink)
         m_sink->addPage(m_page);
     m_open = false;

@@ -2,7 +2,7 @@
 // Places bands down the pages of a report: page header and footer, column captions on every page, the
 // headers of open groups again on the pages that continue them, and bands kept together.
 
-#include "engine/ReportDefinition.h"
+#include "engine/ReportContext.h"
 #include "engine/layout/Band.h"
 #include "engine/layout/ColumnSet.h"
 
@@ -10,15 +10,21 @@
 
 namespace Engine {
 
+class Report;
+
 class PageBuilder
 {
 public:
-    // `sink` null: the measuring pass, which only counts. `totalPages`: what the measuring pass counted.
-    PageBuilder(const PageSetup &setup, const LayoutDefinition &layout, PageSink *sink, int totalPages);
+    // The pages of `report` (its page setup, header and footer). `sink` null: the measuring pass, which
+    // only counts. `totalPages`: what the measuring pass counted.
+    PageBuilder(const Report &report, PageSink *sink, int totalPages);
 
     QRectF content() const { return m_content; }
     // The pass that only counts pages: bands need their heights, not their texts.
     bool measuring() const { return !m_sink; }
+    int pageNumber() const { return m_number; }
+    // 0 while measuring.
+    int totalPages() const { return m_total; }
     double lineHeight() const { return m_lineHeight; }
     // The height a page offers to bands below the page header and captions.
     double bodyHeight() const;
@@ -38,10 +44,11 @@ private:
     void endPage();
     void put(const Band &band);
     void putCaptions();
-    QString substituted(QString text) const;
+    QString pageText(const TextTemplate &text);
 
-    PageSetup m_setup;
+    const Report &m_report;
     const LayoutDefinition &m_layout;
+    ReportContext m_context; // of the page header and footer
     PageSink *m_sink;
     int m_total;
     QRectF m_content;

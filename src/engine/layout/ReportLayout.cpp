@@ -10,19 +10,29 @@ namespace {
 
 const QString Continued = QStringLiteral(" (continued)");
 
-QString GroupCaption(const GroupDefinition &group, const QVariant &value)
+// A count or a share is no amount of the column's kind: only the other summaries take its pattern.
+QString SubtotalText(SummaryFunction function, const QVariant &value, const QString &columnFormat)
 {
-    return QString(group.caption).replace(QLatin1String("{value}"), PlainText(value));
+    switch (function) {
+    case SummaryFunction::Count:
+    case SummaryFunction::DistinctCount: return PlainText(value);
+    case SummaryFunction::PercentOfSum:
+        return value.isNull() ? QString() : FormatValue(value, QStringLiteral("0.0")) + QLatin1Char('%');
+    default: return FormatValue(value, columnFormat);
+    }
 }
 
 } // namespace
 
 ReportLayout::ReportLayout(const Report &report, PageBuilder &builder)
-    : m_report(report), m_layout(report.definition().layout), m_builder(builder),
-      m_columns(m_layout, report.records(), builder.content().left(), builder.content().width()),
+    : m_report(report), m_layout(report.definition().layout), m_formulas(report.formulas()),
+      m_builder(builder),
+      m_columns(m_layout, m_formulas, report.records(), builder.content().left(), builder.content().width()),
       m_wraps(std::any_of(m_columns.columns.begin(), m_columns.columns.end(),
-                          [](const ColumnDefinition &column) { return column.wrap; }))
+                          [](const ColumnDefinition &column) { return column.wrap; })),
+      m_context(m_formulas, report.ReportTitle()), m_running(m_formulas)
 {
+    m_context.setRunningTotals(&m_running.values());
 }
 
 void ReportLayout::walk(const QString &heading, bool gap)
@@ -49,10 +59,21 @@ void ReportLayout::emit(const Band &band)
         m_builder.place(band);
 }
 
+// The group's header and footer read the fields of its first record.
+void ReportLayout::enterGroup(const GroupNode &group)
+{
+    const QList<int> &order = m_report.groups().order();
+    m_context.setGroup(group, group.rowCount() > 0 ? m_report.records().row(order[group.first])
+                                                   : RecordStore::Row());
+    m_context.setPage(m_builder.pageNumber(), m_builder.totalPages());
+}
+
 void ReportLayout::groupHeader(const GroupNode &group, bool first)
 {
     const GroupDefinition &definition = m_layout.groups[group.level];
-    const QString caption = GroupCaption(definition, group.value);
+    m_running.startGroup(group.level);
+    enterGroup(group);
+    const QString caption = m_formulas.group(group.level).caption.evaluate(m_context, group.value);
     Band header = textBand(caption, true, 1, true);
     auto continued = std::make_shared<Band>(textBand(caption + Continued, true, 1, true));
     header.newPage = definition.newPage && !first;
@@ -67,7 +88,10 @@ void ReportLayout::groupHeader(const GroupNode &group, bool first)
 
 void ReportLayout::detail(const RecordStore::Row &row, const GroupNode &group, int position)
 {
-    Band band = detailBand(row);
+    m_context.setRecord(row, position, &group);
+    m_context.setPage(m_builder.pageNumber(), m_builder.totalPages());
+    m_running.add(m_context);
+    Band band = detailBand();
     band.keepWithNext = position == group.end - 1 && footerFollows(&group);
     emit(band);
 }
@@ -75,8 +99,11 @@ void ReportLayout::detail(const RecordStore::Row &row, const GroupNode &group, i
 void ReportLayout::groupFooter(const GroupNode &group)
 {
     Band footer;
-    if (group.totals.size() > 0)
-        footer = totalsBand(QStringLiteral("Total ") + PlainText(group.value), group.totals);
+    if (!m_formulas.subtotals(group.level).empty()) {
+        enterGroup(group);
+        footer =
+            totalsBand(m_formulas.group(group.level).footer.evaluate(m_context, group.value), group.level);
+    }
     footer.closesGroup = group.level;
     footer.keepWithNext = group.isLastChild() && footerFollows(group.parent);
     emit(footer);
@@ -84,20 +111,24 @@ void ReportLayout::groupFooter(const GroupNode &group)
 
 void ReportLayout::grandTotal(const GroupNode &root)
 {
-    if (root.totals.size() > 0)
-        emit(totalsBand(QStringLiteral("Grand total"), root.totals));
+    if (m_formulas.subtotals(-1).empty())
+        return;
+    enterGroup(root);
+    emit(totalsBand(QStringLiteral("Grand total"), -1));
 }
 
-// The height of a whole group, when a page can hold it at all.
+// The height of a whole group, when a page can hold it at all; the running totals are as before.
 double ReportLayout::groupHeight(const GroupNode &group)
 {
     const double available = m_builder.bodyHeight();
     if (group.rowCount() * m_builder.lineHeight() > available)
         return 0;
+    const RunningTotals running = m_running;
     double height = 0;
     m_measured = &height;
     WalkGroup(m_report, group, *this);
     m_measured = nullptr;
+    m_running = running;
     return height <= available ? height : 0;
 }
 
@@ -106,7 +137,7 @@ double ReportLayout::groupHeight(const GroupNode &group)
 bool ReportLayout::footerFollows(const GroupNode *group) const
 {
     for (const GroupNode *node = group; node; node = node->isLastChild() ? node->parent : nullptr) {
-        if (node->totals.size() > 0)
+        if (!m_formulas.subtotals(node->level).empty())
             return true;
     }
     return false;
@@ -125,7 +156,7 @@ Band ReportLayout::textBand(const QString &text, bool bold, double grow, bool ne
     return band;
 }
 
-Band ReportLayout::detailBand(const RecordStore::Row &row) const
+Band ReportLayout::detailBand() const
 {
     Band band;
     const double lineHeight = m_builder.lineHeight();
@@ -137,8 +168,7 @@ Band ReportLayout::detailBand(const RecordStore::Row &row) const
     int lines = 1;
     for (int i = 0; i < m_columns.size(); ++i) {
         const ColumnDefinition &column = m_columns.columns[i];
-        const int field = m_columns.fields[i];
-        const QString text = field < 0 ? QString() : FormatValue(row[field], column.format);
+        const QString text = FormatValue(m_context.valueOf(m_columns.sources[i]), column.format);
         const double width = m_columns.width[i];
         const QStringList parts =
             column.wrap ? Wrapped(text, font, width) : QStringList{Elided(text, font, width)};
@@ -153,7 +183,7 @@ Band ReportLayout::detailBand(const RecordStore::Row &row) const
 
 // The label stands left of the first total; when that total is in the first column, the label takes
 // a line of its own above the totals, so that neither covers the other.
-Band ReportLayout::totalsBand(const QString &label, const Totals &totals) const
+Band ReportLayout::totalsBand(const QString &label, int level) const
 {
     Band band;
     const double lineHeight = m_builder.lineHeight() * 1.3;
@@ -161,17 +191,16 @@ Band ReportLayout::totalsBand(const QString &label, const Totals &totals) const
     const PageFont font = m_builder.font(true);
     double labelEnd = content.right();
     QList<PageText> values;
-    for (int t = 0; t < totals.size(); ++t) {
-        const int column = m_columns.columnOfField(totals.fieldIndex(t));
+    for (const Subtotal &subtotal : m_formulas.subtotals(level)) {
+        const int column = m_columns.columnOf(subtotal.operand);
         if (column < 0)
             continue;
         const ColumnDefinition &definition = m_columns.columns[column];
-        const QString pattern =
-            totals.summary(t).function == QLatin1String("count") ? QString() : definition.format;
+        const QString text =
+            SubtotalText(subtotal.function, m_context.summary(subtotal.ref), definition.format);
         const double width = m_columns.width[column];
         values.append(PageText{QRectF(m_columns.left[column], 0, width, lineHeight),
-                               Elided(FormatValue(totals.value(t), pattern), font, width), font,
-                               definition.alignment | Qt::AlignVCenter});
+                               Elided(text, font, width), font, definition.alignment | Qt::AlignVCenter});
         labelEnd = std::min(labelEnd, m_columns.left[column] - std::min(6.0, m_columns.width[column] / 4));
     }
     const bool ownLine = labelEnd - content.left() < m_builder.lineHeight();

@@ -2,6 +2,8 @@
 // Turns the groups and records of one report into bands for the page builder.
 
 #include "engine/GroupWalk.h"
+#include "engine/ReportContext.h"
+#include "engine/RunningTotals.h"
 #include "engine/layout/ColumnSet.h"
 #include "engine/layout/PageBuilder.h"
 
@@ -23,17 +25,21 @@ public:
 
 private:
     void emit(const Band &band);
+    void enterGroup(const GroupNode &group);
     double groupHeight(const GroupNode &group);
     bool footerFollows(const GroupNode *group) const;
     Band textBand(const QString &text, bool bold, double grow, bool needsCaptions) const;
-    Band detailBand(const RecordStore::Row &row) const;
-    Band totalsBand(const QString &label, const Totals &totals) const;
+    Band detailBand() const;
+    Band totalsBand(const QString &label, int level) const;
 
     const Report &m_report;
     const LayoutDefinition &m_layout;
+    const ReportFormulas &m_formulas;
     PageBuilder &m_builder;
     ColumnSet m_columns;
-    bool m_wraps;                 // a column wraps, so a record's height depends on its texts
+    bool m_wraps; // a column wraps, so a record's height depends on its texts
+    ReportContext m_context;
+    RunningTotals m_running;
     double *m_measured = nullptr; // while measuring a group: its height so far, and nothing is placed
 };
 
