@@ -7,7 +7,7 @@ APT_OPTS=(-y --no-install-recommends --no-upgrade -o DPkg::Lock::Timeout=300)
 
 build=(g++ cmake ninja-build ccache clang-format pkg-config
        qt6-base-dev libqt6sql6-sqlite libqt6sql6-psql libqt6sql6-odbc
-       unixodbc unixodbc-dev libcups2-dev fonts-dejavu-core fonts-liberation2
+       unixodbc unixodbc-dev libcups2-dev fonts-dejavu-core fonts-liberation2 fonts-noto-cjk
        scdoc librsvg2-bin python3-markdown)
 # The package test: cpack's dpkg-shlibdeps and file, lintian, and man to render the manual pages.
 package=(dpkg-dev file lintian man-db)

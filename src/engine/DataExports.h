@@ -1,9 +1,13 @@
 #pragma once
 // The exports that come straight from the records: saved report, record format, separated values, XML, Excel.
 
+#include "engine/Formula.h"
+#include "engine/TextEncoding.h"
+
 #include <QList>
 #include <QSaveFile>
 #include <QString>
+#include <optional>
 
 namespace Engine {
 
@@ -14,27 +18,36 @@ struct ExportOptions;
 struct ExportColumn
 {
     QString caption;
-    int field = -1; // -1: the records lack it, the column stays empty
+    NameRef source; // a field of the records, a formula field, a running total or a special name
     QString format;
     int valueType = 12;
     double width = 72;
     bool alignRight = false;
+
+    // A field of the records, which an export can read without working anything out.
+    int recordField() const { return source.kind == NameRef::RecordField ? source.index : -1; }
 };
-QList<ExportColumn> ExportColumns(const Report &report);
+// `withGroupFields`: the fields of the groups first, when no column shows them, so that every row
+// carries its groups.
+QList<ExportColumn> ExportColumns(const Report &report, bool withGroupFields = false);
 
 // A file written beside its target and renamed over it on commit; raises EngineError when it cannot.
 class ExportFile
 {
 public:
-    explicit ExportFile(const QString &fileName);
+    // `text`: the encoding of a text export, whose file starts as the encoding asks; writeText of
+    // other exports writes UTF-8.
+    explicit ExportFile(const QString &fileName, std::optional<TextEncoding> text = std::nullopt);
     void write(const QByteArray &bytes);
-    // Writes the text as UTF-8 once it has grown past 64 KiB, and empties it.
+    void writeText(QStringView text);
+    // Writes the text once it has grown past 64 KiB, and empties it.
     void writeWhenLarge(QString &text);
     void commit();
 
 private:
     [[noreturn]] void fail();
     QSaveFile m_file;
+    TextEncoding m_encoding;
 };
 
 // Types 1 and 33: the report file again, with the records of this run as its saved data.

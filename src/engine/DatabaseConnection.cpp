@@ -3,7 +3,9 @@
 #include "engine/EngineError.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QSqlError>
+#include <QSqlQuery>
 #include <atomic>
 
 namespace Engine {
@@ -75,10 +77,31 @@ void DatabaseConnection::open()
         configurePsql(db);
     else
         configureOdbc(db);
+    if (isSqlite() && !QFileInfo::exists(db.databaseName()))
+        throw EngineError(EngineError::DatabaseError,
+                          QStringLiteral("%1: the file does not exist").arg(describe(db)));
     if (!db.open())
-        throw EngineError(
-            EngineError::DatabaseError,
-            QStringLiteral("Cannot connect to %1: %2").arg(serverOf(m_properties), db.lastError().text()));
+        throw EngineError(EngineError::DatabaseError,
+                          QStringLiteral("%1: %2").arg(describe(db), db.lastError().text()));
+    // SQLite reads the file only when asked for something: a file that is no database fails here.
+    QSqlQuery probe(db);
+    if (isSqlite() && !probe.exec(QStringLiteral("PRAGMA schema_version")))
+        throw EngineError(EngineError::DatabaseError,
+                          QStringLiteral("%1: %2").arg(describe(db), probe.lastError().text()));
+}
+
+// What failed, by the place its owner knows it: the file, the server, the data source.
+QString DatabaseConnection::describe(const QSqlDatabase &db) const
+{
+    if (isSqlite())
+        return QStringLiteral("Cannot open the SQLite database %1").arg(db.databaseName());
+    if (m_dllName == QLatin1String("psql")) {
+        const QString port = db.port() > 0 ? QStringLiteral(":%1").arg(db.port()) : QString();
+        return QStringLiteral("Cannot connect to the PostgreSQL server %1%2, database %3")
+            .arg(db.hostName().isEmpty() ? QStringLiteral("localhost") : db.hostName(), port,
+                 db.databaseName());
+    }
+    return QStringLiteral("Cannot connect to the ODBC data source %1").arg(db.databaseName());
 }
 
 void DatabaseConnection::configureSqlite(QSqlDatabase &db) const

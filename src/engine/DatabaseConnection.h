@@ -31,6 +31,7 @@ private:
     void configureSqlite(QSqlDatabase &db) const;
     void configurePsql(QSqlDatabase &db) const;
     void configureOdbc(QSqlDatabase &db) const;
+    QString describe(const QSqlDatabase &db) const;
 
     QString m_dllName;
     const ConnectionProperties &m_properties;

@@ -64,7 +64,8 @@ void ExportReport(Report &report)
     case TextFormat:
     case PaginatedTextFormat: {
         TextPageSink sink(target, {options.UseDefaultCPI ? 0 : options.CharactersPerInch,
-                                   options.NumberOfLinesPerPage, options.FormatType == PaginatedTextFormat});
+                                   options.NumberOfLinesPerPage, options.FormatType == PaginatedTextFormat,
+                                   report.definition().textEncoding});
         return RenderPages(report, sink);
     }
     case HtmlFormat:

@@ -17,14 +17,16 @@ using Node = Formula::Node;
 class Evaluator
 {
 public:
-    Evaluator(const QString &name, const RecordStore::Row &row) : m_name(name), m_row(row) {}
+    Evaluator(const QString &name, const FormulaContext &context) : m_name(name), m_context(context) {}
 
     QVariant value(const Node &node) const
     {
         switch (node.kind) {
         case Node::Literal:
         case Node::Parameter: return node.value;
-        case Node::Field: return normalized(m_row.value(node.fieldIndex));
+        case Node::Field:
+            return normalized(node.ref.kind == NameRef::RecordField ? m_context.field(node.ref.index)
+                                                                    : m_context.named(node.ref));
         case Node::Unary: return unary(node);
         case Node::Binary: return binary(node);
         case Node::In: return contains(node);
@@ -169,27 +171,32 @@ private:
     QVariant call(const Node &node) const;
 
     QString m_name;
+    const FormulaContext &m_context;
+};
+
+// A record's fields alone, for the formulas that name nothing else (alerts, selection, tests).
+class RowContext : public FormulaContext
+{
+public:
+    explicit RowContext(const RecordStore::Row &row) : m_row(row) {}
+    QVariant field(int index) const override { return m_row.value(index); }
+
+private:
     const RecordStore::Row &m_row;
 };
 
-struct Function
-{
-    const char *name;
-    int arguments;
-};
-
-constexpr Function Functions[] = {
-    {"upper", 1}, {"lower", 1}, {"trim", 1},   {"length", 1},   {"abs", 1},        {"round", 2}, {"year", 1},
-    {"month", 1}, {"day", 1},   {"isnull", 1}, {"contains", 2}, {"startswith", 2}, {"date", 3}};
-
 QVariant Evaluator::call(const Node &node) const
 {
+    if (IsSummaryFunction(node.op))
+        return m_context.summary(node.summary);
     QVariantList args;
     for (const auto &arg : node.args)
         args.append(value(*arg));
     const QString &f = node.op;
     if (f == QLatin1String("isnull"))
         return args[0].isNull();
+    if (f == QLatin1String("iif")) // a null condition is not true
+        return truth(args[0]) ? args[1] : args[2];
     for (const QVariant &arg : args) {
         if (arg.isNull())
             return QVariant();
@@ -222,43 +229,6 @@ QVariant Evaluator::call(const Node &node) const
     return date.isValid() ? QVariant(date) : QVariant();
 }
 
-[[noreturn]] void BindFailure(const QString &formula, const Node &node, const QString &what)
-{
-    throw EngineError(
-        EngineError::BadFormula,
-        QStringLiteral("Formula %1: position %2: %3").arg(formula).arg(node.position).arg(what));
-}
-
-void BindNode(const QString &formula, Node &node, const QStringList &fields,
-              const Formula::ParameterLookup &parameters)
-{
-    if (node.kind == Node::Field) {
-        node.fieldIndex = -1;
-        for (int i = 0; i < fields.size() && node.fieldIndex < 0; ++i) {
-            const QString &field = fields[i];
-            // "{Table.field}" finds the field by its own name too.
-            if (field.compare(node.name, Qt::CaseInsensitive) == 0 ||
-                field.compare(node.name.section(QLatin1Char('.'), -1), Qt::CaseInsensitive) == 0)
-                node.fieldIndex = i;
-        }
-        if (node.fieldIndex < 0)
-            BindFailure(formula, node, QStringLiteral("unknown field \"%1\"").arg(node.name));
-    } else if (node.kind == Node::Parameter) {
-        const QVariantList values = parameters ? parameters(node.name) : QVariantList();
-        node.value = values.size() == 1 ? values.first() : (values.isEmpty() ? QVariant() : QVariant(values));
-    } else if (node.kind == Node::Call) {
-        const auto known = std::find_if(std::begin(Functions), std::end(Functions),
-                                        [&](const Function &f) { return node.op == QLatin1String(f.name); });
-        if (known == std::end(Functions))
-            BindFailure(formula, node, QStringLiteral("unknown function \"%1\"").arg(node.op));
-        if (int(node.args.size()) != known->arguments)
-            BindFailure(formula, node,
-                        QStringLiteral("%1 takes %2 argument(s)").arg(node.op).arg(known->arguments));
-    }
-    for (const auto &arg : node.args)
-        BindNode(formula, *arg, fields, parameters);
-}
-
 } // namespace
 
 Formula::Formula() = default;
@@ -273,20 +243,34 @@ Formula Formula::Parse(const QString &name, const QString &text)
     return formula;
 }
 
-void Formula::bind(const QStringList &fieldNames, const ParameterLookup &parameters)
+QVariant FormulaContext::named(const NameRef &) const
 {
-    if (m_root)
-        BindNode(m_name, *m_root, fieldNames, parameters);
+    return QVariant();
+}
+
+QVariant FormulaContext::summary(const SummaryRef &) const
+{
+    return QVariant();
 }
 
 QVariant Formula::evaluate(const RecordStore::Row &row) const
 {
-    return m_root ? Evaluator(m_name, row).value(*m_root) : QVariant(true);
+    return evaluate(RowContext(row));
+}
+
+QVariant Formula::evaluate(const FormulaContext &context) const
+{
+    return m_root ? Evaluator(m_name, context).value(*m_root) : QVariant(true);
 }
 
 bool Formula::test(const RecordStore::Row &row) const
 {
     return Evaluator::truth(evaluate(row));
+}
+
+bool Formula::test(const FormulaContext &context) const
+{
+    return Evaluator::truth(evaluate(context));
 }
 
 } // namespace Engine

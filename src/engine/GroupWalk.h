@@ -1,9 +1,7 @@
 #pragma once
-// Walks a report's chosen records through its groups (headers, details, subtotals, grand totals) for a
-// visitor.
+// Walks a report's groups in print order (headers, details, footers, grand totals) for a visitor.
 
-#include "engine/RecordStore.h"
-#include "engine/Totals.h"
+#include "engine/GroupTree.h"
 
 namespace Engine {
 
@@ -14,14 +12,18 @@ class GroupVisitor
 public:
     virtual ~GroupVisitor() = default;
     // `first`: the first header of the report, which never starts a new page.
-    virtual void groupHeader(int level, const QVariant &value, bool first) = 0;
-    virtual void detail(const RecordStore::Row &row) = 0;
-    // Only for groups that have subtotals.
-    virtual void groupFooter(int level, const QVariant &value, const Totals &totals) = 0;
-    // Only when the layout has grand totals.
-    virtual void grandTotal(const Totals &totals) = 0;
+    virtual void groupHeader(const GroupNode &group, bool first) = 0;
+    // `group`: the innermost group of the record (the root without groups); `position` in print order.
+    virtual void detail(const RecordStore::Row &row, const GroupNode &group, int position) = 0;
+    // Every group ends with its footer, whether it has subtotals or not.
+    virtual void groupFooter(const GroupNode &group) = 0;
+    // After the last group, whether the layout has grand totals or not.
+    virtual void grandTotal(const GroupNode &root) = 0;
 };
 
+// The whole report.
 void WalkGroups(const Report &report, GroupVisitor &visitor);
+// One group with its subgroups and records, from its header to its footer.
+void WalkGroup(const Report &report, const GroupNode &group, GroupVisitor &visitor, bool first = false);
 
 } // namespace Engine

@@ -94,16 +94,13 @@ void ReadQuery(DatabaseConnection &connection, const BoundQuery &bound, RecordSt
     records.clear();
     records.setFields(names, types);
     const int width = int(names.size());
-    while (query.next()) {
-        RecordStore::Row row;
-        row.reserve(width);
-        for (int i = 0; i < width; ++i) {
-            const QVariant value = query.value(i);
-            // SQLite and ODBC give a boolean column as 0 and 1; keep it a boolean.
-            row.append(types[i] == BooleanField && !value.isNull() ? QVariant(value.toBool()) : value);
-        }
-        records.append(std::move(row));
-    }
+    const auto valueAt = [&](int i) {
+        const QVariant value = query.value(i);
+        // SQLite and ODBC give a boolean column as 0 and 1; keep it a boolean.
+        return types[i] == BooleanField && !value.isNull() ? QVariant(value.toBool()) : value;
+    };
+    while (query.next())
+        records.append(width, valueAt);
     if (query.lastError().isValid())
         throw EngineError(EngineError::DatabaseError,
                           QStringLiteral("Reading the records failed: %1").arg(query.lastError().text()));

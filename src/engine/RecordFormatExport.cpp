@@ -1,5 +1,6 @@
 // Record format export (type 3): fixed-width lines.
 #include "engine/DataExports.h"
+#include "engine/RecordWalk.h"
 #include "engine/Report.h"
 #include "engine/ValueFormat.h"
 
@@ -20,23 +21,21 @@ int Characters(const ExportColumn &column)
 void WriteRecordFormat(const Report &report, const QString &fileName)
 {
     const QList<ExportColumn> columns = ExportColumns(report);
-    const RecordStore &records = report.records();
-    ExportFile file(fileName);
+    ExportFile file(fileName, report.definition().textEncoding);
     QString text;
-    for (int row : report.selectedRows()) {
-        const RecordStore::Row &values = records.row(row);
+    ForEachRecord(report, [&](const ReportContext &context) {
         QString line;
         for (const ExportColumn &column : columns) {
             const int width = Characters(column);
-            QString cell = column.field < 0 ? QString() : FormatValue(values[column.field], column.format);
+            QString cell = FormatValue(context.valueOf(column.source), column.format);
             cell.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
             cell.truncate(width);
             line += column.alignRight ? cell.rightJustified(width) : cell.leftJustified(width);
         }
         text += line + QLatin1String("\r\n");
         file.writeWhenLarge(text);
-    }
-    file.write(text.toUtf8());
+    });
+    file.writeText(text);
     file.commit();
 }
 

@@ -3,6 +3,7 @@
 #include "engine/Application.h"
 #include "engine/DatabaseConnection.h"
 #include "engine/Export.h"
+#include "engine/NearestNames.h"
 #include "engine/Paginator.h"
 #include "engine/Printing.h"
 #include "engine/Query.h"
@@ -63,12 +64,21 @@ void Report::buildSections()
         .append(std::make_unique<ReportObject>(TextObject, QStringLiteral("PageNumber")));
 }
 
+const GroupTree &Report::groups() const
+{
+    if (!m_groups)
+        m_groups = std::make_unique<GroupTree>(m_records, *m_formulas, m_selected);
+    return *m_groups;
+}
+
 void Report::DiscardSavedData()
 {
     m_savedData.reset();
     m_recordsRead = false;
     m_records.clear();
     m_selected.clear();
+    m_groups.reset();
+    m_formulas.reset();
     m_status.setRecordsSelected(0);
 }
 
@@ -83,6 +93,7 @@ void Report::ReadRecords()
         else
             readFromDatabase();
         checkLayoutFields();
+        m_formulas = makeFormulas();
         m_recordsRead = true;
         applySelection();
         readSubreports();
@@ -126,6 +137,7 @@ void Report::readFromDatabase()
     ReadQuery(connection, bound, m_records);
 }
 
+// Every name the layout shows or groups by is a field of the query, a formula field or a running total.
 void Report::checkLayoutFields() const
 {
     const LayoutDefinition &layout = m_definition.layout;
@@ -139,12 +151,21 @@ void Report::checkLayoutFields() const
     }
     for (const SummaryDefinition &total : layout.grandTotals)
         fields.append(total.field);
+    for (const SortDefinition &sort : layout.sorts)
+        fields.append(sort.field);
+    QStringList known = m_records.fieldNames();
+    for (const FormulaFieldDefinition &formula : m_definition.formulas)
+        known.append(formula.name);
+    for (const RunningTotalDefinition &total : m_definition.runningTotals)
+        known.append(total.name);
     for (const QString &field : fields) {
-        if (m_records.fieldIndex(field) < 0)
+        if (m_records.fieldIndex(field) < 0 && !known.contains(field, Qt::CaseInsensitive) &&
+            !ReportFormulas::IsSpecialName(field))
             throw EngineError(
                 EngineError::BadReportFile,
                 QStringLiteral("The layout of %1 names the field \"%2\", which the query does not return")
-                    .arg(m_definition.fileName, field));
+                        .arg(m_definition.fileName, field) +
+                    NearestNamesNote(field, known));
     }
 }
 
@@ -183,23 +204,49 @@ void Report::setGroupSelectionFormula(const QString &formula)
 {
     Formula parsed = Formula::Parse(QStringLiteral("group selection"), formula);
     if (m_recordsRead)
-        parsed.bind(m_records.fieldNames(), [this](const QString &name) { return parameterValues(name); });
+        bindFormula(parsed);
     m_groupSelection = std::move(parsed);
     if (m_recordsRead)
         applySelection();
 }
 
+std::unique_ptr<ReportFormulas> Report::makeFormulas() const
+{
+    try {
+        return std::make_unique<ReportFormulas>(
+            m_definition, m_records, [this](const QString &name) { return parameterValues(name); });
+    } catch (const EngineError &error) {
+        throw EngineError(error.number(),
+                          QStringLiteral("Report %1: %2").arg(m_definition.fileName, error.description()));
+    }
+}
+
+// A formula that names what the records lack fails with the report's name, for the report's author.
+void Report::bindFormula(Formula &formula) const
+{
+    try {
+        formula.bind(m_records.fieldNames(), [this](const QString &name) { return parameterValues(name); });
+    } catch (const EngineError &error) {
+        throw EngineError(error.number(),
+                          QStringLiteral("Report %1: %2").arg(m_definition.fileName, error.description()));
+    }
+}
+
 void Report::applySelection()
 {
-    const Formula::ParameterLookup parameters = [this](const QString &name) { return parameterValues(name); };
-    m_groupSelection.bind(m_records.fieldNames(), parameters);
+    bindFormula(m_groupSelection);
+    for (ReportAlert &alert : m_alerts)
+        bindFormula(alert.formula());
     m_selected.clear();
+    m_selected.reserve(m_records.count());
+    // Without a formula no record needs reading here.
     for (int i = 0; i < m_records.count(); ++i) {
         if (m_groupSelection.isEmpty() || m_groupSelection.test(m_records.row(i)))
             m_selected.append(i);
     }
     for (ReportAlert &alert : m_alerts)
-        alert.evaluate(m_records, m_selected, parameters);
+        alert.evaluate(m_records, m_selected);
+    m_groups.reset();
     m_status.setRecordsSelected(int(m_selected.size()));
     m_pageCount = -1;
 }

@@ -5,6 +5,8 @@
 #include "engine/DatabaseTable.h"
 #include "engine/ExportOptions.h"
 #include "engine/Formula.h"
+#include "engine/GroupTree.h"
+#include "engine/ReportFormulas.h"
 #include "engine/ParameterFieldDefinition.h"
 #include "engine/PrintingStatus.h"
 #include "engine/RecordStore.h"
@@ -61,6 +63,12 @@ public:
     const RecordStore &records() const { return m_records; }
     // Record numbers that passed group selection, in order.
     const QList<int> &selectedRows() const { return m_selected; }
+    // The selected records in print order, in their groups; made on first use.
+    const GroupTree &groups() const;
+    // The selected records in print order.
+    const QList<int> &printOrder() const { return m_formulas->reorders() ? groups().order() : m_selected; }
+    // The report's formulas and summaries, bound to the records read.
+    const ReportFormulas &formulas() const { return *m_formulas; }
     CupsPrinter &printer() { return m_printer; }
     // The parameter's bound values, by plain name (any case); empty when there is no such parameter.
     QVariantList parameterValues(const QString &name) const;
@@ -72,6 +80,8 @@ private:
     void readFromDatabase();
     void checkLayoutFields() const;
     void readSubreports();
+    void bindFormula(Formula &formula) const;
+    std::unique_ptr<ReportFormulas> makeFormulas() const;
     void applySelection();
     int countPages();
 
@@ -87,6 +97,8 @@ private:
     RecordStore m_records;
     bool m_recordsRead = false;
     QList<int> m_selected;
+    std::unique_ptr<ReportFormulas> m_formulas;
+    mutable std::unique_ptr<GroupTree> m_groups;
     Engine::PrintingStatus m_status;
     Engine::ExportOptions m_exportOptions;
     int m_paperOrientation = DefaultPaperOrientation;

@@ -7,10 +7,8 @@ ReportAlert::ReportAlert(const QString &name, const QString &condition)
 {
 }
 
-void ReportAlert::evaluate(const RecordStore &records, const QList<int> &selected,
-                           const Formula::ParameterLookup &parameters)
+void ReportAlert::evaluate(const RecordStore &records, const QList<int> &selected)
 {
-    m_formula.bind(records.fieldNames(), parameters);
     QList<int> fired;
     for (int row : selected) {
         if (m_formula.test(records.row(row)))

@@ -29,9 +29,10 @@ public:
     QString ConditionFormula() const { return m_formula.text(); }
     const Engine::AlertingRecords &AlertingRecords() const { return m_records; }
 
+    // The condition, to be bound to the records before evaluate().
+    Formula &formula() { return m_formula; }
     // Re-evaluates the condition over the chosen records.
-    void evaluate(const RecordStore &records, const QList<int> &selected,
-                  const Formula::ParameterLookup &parameters);
+    void evaluate(const RecordStore &records, const QList<int> &selected);
 
 private:
     QString m_name;

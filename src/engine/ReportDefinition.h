@@ -2,6 +2,7 @@
 // What a report file declares: tables, parameters, query, layout, sub-reports, alerts and saved data.
 
 #include "engine/RecordStore.h"
+#include "engine/TextEncoding.h"
 #include "engine/page/PageModel.h"
 
 #include <QList>
@@ -42,21 +43,35 @@ struct ColumnDefinition
     QString caption;
     double width = 72; // points
     Qt::Alignment alignment = Qt::AlignLeft;
-    QString format; // number pattern or date pattern, by the field's type
+    QString format;    // number pattern or date pattern, by the field's type
+    bool wrap = false; // long text wraps into more lines instead of ending in "…"
 };
 
 struct SummaryDefinition
 {
     QString field;
-    QString function = QStringLiteral("sum"); // sum, count, avg, min, max
+    QString function = QStringLiteral("sum"); // a name SummaryFunctionNamed knows
 };
 
 struct GroupDefinition
 {
     QString field;
-    QString caption; // "{value}" stands for the group's value
+    QString caption;                                  // "{value}" stands for the group's value
+    QString footer = QStringLiteral("Total {value}"); // the label of its subtotals
     bool newPage = false;
+    bool keepTogether = false; // the whole group on one page when it fits on one
     QList<SummaryDefinition> subtotals;
+    QString selection; // a formula over the group: groups for which it is not true are left out
+    QString sortBy;    // a formula over the group that orders the groups of one parent
+    bool descending = false;
+    int top = 0; // the first N groups of one parent after sorting; 0: all
+};
+
+// Orders the records within their groups.
+struct SortDefinition
+{
+    QString field; // a field or formula field
+    bool descending = false;
 };
 
 struct LayoutDefinition
@@ -68,7 +83,24 @@ struct LayoutDefinition
     double fontSize = 9;
     QList<ColumnDefinition> columns;
     QList<GroupDefinition> groups;
+    QList<SortDefinition> sorts;
     QList<SummaryDefinition> grandTotals;
+};
+
+// A field computed by a formula from the record, the parameters and other formula fields.
+struct FormulaFieldDefinition
+{
+    QString name;
+    QString text;
+};
+
+// A summary carried from record to record in print order, from the start or from each group's start.
+struct RunningTotalDefinition
+{
+    QString name;
+    QString field;
+    QString function = QStringLiteral("sum");
+    QString reset; // the field of the group it starts again with; empty: never
 };
 
 struct ReportDefinition;
@@ -101,10 +133,14 @@ struct ReportDefinition
     QList<TableDefinition> tables;
     QList<ParameterDefinition> parameters;
     QString query;
+    QList<FormulaFieldDefinition> formulas;
+    QList<RunningTotalDefinition> runningTotals;
     LayoutDefinition layout;
     QList<SubreportDefinition> subreports;
     QList<AlertDefinition> alerts;
     QString groupSelection;
+    // Of the character-separated, record and text exports.
+    TextEncoding textEncoding = TextEncoding::Windows1252;
     std::optional<RecordStore> savedData;
 };
 

@@ -2,6 +2,7 @@
 
 #include "engine/Codes.h"
 #include "engine/EngineError.h"
+#include "engine/Summary.h"
 
 #include <QDir>
 #include <QFile>
@@ -43,14 +44,13 @@ ReportDefinition ReportFile::readFile()
     m_xml.setDevice(&file);
     while (m_xml.readNext() != QXmlStreamReader::StartElement) {
         if (m_xml.atEnd())
-            fail(m_xml.hasError() ? m_xml.errorString()
-                                  : QStringLiteral("the file holds no <report> element"));
+            fail(m_xml.hasError() ? xmlFault() : QStringLiteral("the file holds no <report> element"));
     }
     ReportDefinition report = readReport();
     while (!m_xml.atEnd())
         m_xml.readNext();
     if (m_xml.hasError() && m_xml.error() != QXmlStreamReader::PrematureEndOfDocumentError)
-        fail(m_xml.errorString());
+        fail(xmlFault());
     return report;
 }
 
@@ -72,7 +72,7 @@ ReportDefinition ReportFile::readReport()
     while (m_xml.readNextStartElement())
         readChild(report);
     if (m_xml.hasError())
-        fail(m_xml.errorString());
+        fail(xmlFault());
     return report;
 }
 
@@ -99,6 +99,14 @@ void ReportFile::readChild(ReportDefinition &report)
         report.groupSelection = text();
     else if (name == QLatin1String("savedData"))
         report.savedData = readSavedData();
+    else if (name == QLatin1String("export"))
+        report.textEncoding = readExport();
+    else if (name == QLatin1String("formula")) {
+        FormulaFieldDefinition formula{attribute("name", true), QString()};
+        formula.text = text();
+        report.formulas.append(formula);
+    } else if (name == QLatin1String("runningTotal"))
+        report.runningTotals.append(readRunningTotal());
     else
         unknownElement();
 }
@@ -163,7 +171,10 @@ void ReportFile::readLayout(LayoutDefinition &layout)
             layout.columns.append(readColumn());
         else if (name == QLatin1String("group"))
             layout.groups.append(readGroup());
-        else if (name == QLatin1String("grandTotal")) {
+        else if (name == QLatin1String("sort")) {
+            layout.sorts.append(SortDefinition{attribute("field", true), descending()});
+            m_xml.skipCurrentElement();
+        } else if (name == QLatin1String("grandTotal")) {
             layout.grandTotals.append(readSummary());
             m_xml.skipCurrentElement();
         } else
@@ -225,6 +236,7 @@ ColumnDefinition ReportFile::readColumn()
     else if (!align.isEmpty() && align != QLatin1String("left"))
         fail(QStringLiteral("align \"%1\" is not left, right or center").arg(align));
     column.format = attribute("format");
+    column.wrap = flagAttribute("wrap");
     m_xml.skipCurrentElement();
     return column;
 }
@@ -237,6 +249,15 @@ GroupDefinition ReportFile::readGroup()
     if (group.caption.isEmpty())
         group.caption = QStringLiteral("{value}");
     group.newPage = flagAttribute("newPage");
+    group.keepTogether = flagAttribute("keepTogether");
+    if (m_xml.attributes().hasAttribute(QLatin1String("footer")))
+        group.footer = attribute("footer");
+    group.selection = attribute("select");
+    group.sortBy = attribute("sort");
+    group.descending = descending();
+    group.top = int(numberAttribute("top", 0));
+    if (group.top < 0)
+        fail(QStringLiteral("top %1 of group %2 is below 0").arg(group.top).arg(group.field));
     while (m_xml.readNextStartElement()) {
         if (m_xml.name() != QLatin1String("subtotal"))
             unknownElement();
@@ -250,15 +271,52 @@ SummaryDefinition ReportFile::readSummary()
 {
     SummaryDefinition summary;
     summary.field = attribute("field", true);
-    const QString function = attribute("function");
-    static const QStringList functions = {QStringLiteral("sum"), QStringLiteral("count"),
-                                          QStringLiteral("avg"), QStringLiteral("min"),
-                                          QStringLiteral("max")};
-    if (!function.isEmpty() && !functions.contains(function))
-        fail(QStringLiteral("function \"%1\" is not sum, count, avg, min or max").arg(function));
-    if (!function.isEmpty())
-        summary.function = function;
+    summary.function = summaryFunction(summary.function);
     return summary;
+}
+
+QString ReportFile::summaryFunction(const QString &fallback)
+{
+    const QString function = attribute("function");
+    if (function.isEmpty())
+        return fallback;
+    if (!SummaryFunctionNamed(function))
+        fail(QStringLiteral("function \"%1\" is not sum, count, distinctcount, average, minimum, maximum or "
+                            "percentofsum")
+                 .arg(function));
+    return function.toLower();
+}
+
+bool ReportFile::descending()
+{
+    const QString order = attribute("order");
+    if (!order.isEmpty() && order != QLatin1String("ascending") && order != QLatin1String("descending"))
+        fail(QStringLiteral("order \"%1\" is not ascending or descending").arg(order));
+    return order == QLatin1String("descending");
+}
+
+RunningTotalDefinition ReportFile::readRunningTotal()
+{
+    RunningTotalDefinition total;
+    total.name = attribute("name", true);
+    total.field = attribute("field", true);
+    total.function = summaryFunction(total.function);
+    total.reset = attribute("reset");
+    if (total.reset == QLatin1String("never"))
+        total.reset.clear();
+    m_xml.skipCurrentElement();
+    return total;
+}
+
+TextEncoding ReportFile::readExport()
+{
+    const QString encoding = attribute("encoding").toLower();
+    m_xml.skipCurrentElement();
+    if (encoding == QLatin1String("utf-8"))
+        return TextEncoding::Utf8;
+    if (encoding.isEmpty() || encoding == QLatin1String("windows-1252"))
+        return TextEncoding::Windows1252;
+    fail(QStringLiteral("encoding \"%1\" is not utf-8 or windows-1252").arg(encoding));
 }
 
 SubreportDefinition ReportFile::readSubreport()
@@ -366,8 +424,35 @@ QString ReportFile::text()
 {
     const QString value = m_xml.readElementText(QXmlStreamReader::ErrorOnUnexpectedElement);
     if (m_xml.hasError())
-        fail(m_xml.errorString());
+        fail(xmlFault());
     return value;
+}
+
+// The reader's fault; where the file ends or closes another element first, the element left open,
+// which is what its author has to look for.
+QString ReportFile::xmlFault() const
+{
+    const QString reason = m_xml.errorString();
+    const bool unclosed = m_xml.error() == QXmlStreamReader::PrematureEndOfDocumentError ||
+                          reason.contains(QLatin1String("mismatch"), Qt::CaseInsensitive);
+    QFile file(m_fileName);
+    if (!unclosed || !file.open(QIODevice::ReadOnly))
+        return reason;
+    QXmlStreamReader again(&file);
+    QList<std::pair<QString, qint64>> open;
+    while (!again.atEnd() && !again.hasError()) {
+        again.readNext();
+        if (again.isStartElement())
+            open.append({again.name().toString(), again.lineNumber()});
+        else if (again.isEndElement() && !open.isEmpty())
+            open.removeLast();
+    }
+    if (open.isEmpty())
+        return reason;
+    return QStringLiteral("the element <%1> opened on line %2 is not closed (%3)")
+        .arg(open.last().first)
+        .arg(open.last().second)
+        .arg(reason);
 }
 
 void ReportFile::fail(const QString &what)

@@ -28,12 +28,17 @@ private:
     GroupDefinition readGroup();
     SummaryDefinition readSummary();
     SubreportDefinition readSubreport();
+    TextEncoding readExport();
+    RunningTotalDefinition readRunningTotal();
+    QString summaryFunction(const QString &fallback);
+    bool descending();
     RecordStore readSavedData();
 
     QString attribute(const char *name, bool required = false);
     double numberAttribute(const char *name, double fallback);
     bool flagAttribute(const char *name);
     QString text();
+    QString xmlFault() const;
     [[noreturn]] void fail(const QString &what);
     [[noreturn]] void unknownElement();
 

@@ -1,7 +1,10 @@
 // Character- and tab-separated exports (types 5, 6, 9).
 #include "engine/DataExports.h"
+#include "engine/RecordWalk.h"
 #include "engine/Report.h"
 #include "engine/ValueFormat.h"
+
+#include <charconv>
 
 namespace Engine {
 
@@ -32,18 +35,6 @@ bool IsNumberValue(const QVariant &value)
            NumberOf(value, number);
 }
 
-QString Quoted(const QString &text, const Style &style)
-{
-    if (style.stringDelimiter.isEmpty()) {
-        QString plain = text;
-        plain.replace(QLatin1Char('\t'), QLatin1Char(' ')).replace(QLatin1Char('\r'), QLatin1Char(' '));
-        return plain.replace(QLatin1Char('\n'), QLatin1Char(' '));
-    }
-    QString doubled = text;
-    doubled.replace(style.stringDelimiter, style.stringDelimiter + style.stringDelimiter);
-    return style.stringDelimiter + doubled + style.stringDelimiter;
-}
-
 // A column's pattern, when the options let the export use it.
 QString PatternOf(const ExportColumn &column, const Style &style)
 {
@@ -51,43 +42,122 @@ QString PatternOf(const ExportColumn &column, const Style &style)
     return (datePattern ? style.dateFormat : style.numberFormat) ? column.format : QString();
 }
 
-QString Cell(const QVariant &value, const QString &pattern, const Style &style)
+// The lines of the file, encoded as they are made: every record passes through here.
+class Lines
 {
-    if (value.isNull())
-        return QString();
-    const QString text = pattern.isEmpty() ? PlainText(value) : FormatValue(value, pattern);
-    // A number stands bare unless its formatted text holds the field delimiter.
-    const bool bare = IsNumberValue(value) && !text.contains(style.fieldDelimiter);
-    return bare ? text : Quoted(text, style);
-}
+public:
+    Lines(const Style &style, TextEncoding encoding) : m_style(style), m_encoding(encoding) {}
+
+    QByteArray &bytes() { return m_bytes; }
+    void delimiter() { AppendEncoded(m_bytes, m_style.fieldDelimiter, m_encoding); }
+    void end() { m_bytes += "\r\n"; }
+
+    void quoted(QStringView text)
+    {
+        if (m_style.stringDelimiter.isEmpty()) {
+            QString plain = text.toString();
+            for (QChar &c : plain)
+                c = c == QLatin1Char('\t') || c == QLatin1Char('\r') || c == QLatin1Char('\n')
+                        ? QLatin1Char(' ')
+                        : c;
+            return AppendEncoded(m_bytes, plain, m_encoding);
+        }
+        AppendEncoded(m_bytes, m_style.stringDelimiter, m_encoding);
+        if (text.contains(m_style.stringDelimiter)) {
+            QString doubled = text.toString();
+            doubled.replace(m_style.stringDelimiter, m_style.stringDelimiter + m_style.stringDelimiter);
+            AppendEncoded(m_bytes, doubled, m_encoding);
+        } else {
+            AppendEncoded(m_bytes, text, m_encoding);
+        }
+        AppendEncoded(m_bytes, m_style.stringDelimiter, m_encoding);
+    }
+
+    void cell(const QVariant &value, const QString &pattern)
+    {
+        if (value.isNull())
+            return;
+        // Whole numbers without a pattern, the commonest cells, go straight in as digits.
+        if (pattern.isEmpty() &&
+            (value.typeId() == QMetaType::LongLong || value.typeId() == QMetaType::Int)) {
+            char digits[24];
+            const auto written = std::to_chars(digits, digits + sizeof digits, value.toLongLong());
+            m_bytes.append(digits, written.ptr - digits);
+            return;
+        }
+        const QString text = pattern.isEmpty() ? PlainText(value) : FormatValue(value, pattern);
+        // A number stands bare unless its formatted text holds the field delimiter.
+        if (IsNumberValue(value) && !text.contains(m_style.fieldDelimiter))
+            AppendEncoded(m_bytes, text, m_encoding);
+        else
+            quoted(text);
+    }
+
+    // A text is read in place, unless a pattern turns it into something else (a date kept as text).
+    void cell(const RecordView &row, int field, const QString &pattern)
+    {
+        const std::optional<QStringView> text = pattern.isEmpty() ? row.text(field) : std::nullopt;
+        if (text)
+            quoted(*text);
+        else
+            cell(row.value(field), pattern);
+    }
+
+private:
+    const Style &m_style;
+    TextEncoding m_encoding;
+    QByteArray m_bytes;
+};
 
 } // namespace
 
 void WriteSeparatedValues(const Report &report, const ExportOptions &options, const QString &fileName)
 {
     const Style style = StyleOf(options);
-    const QList<ExportColumn> columns = ExportColumns(report);
+    const QList<ExportColumn> columns = ExportColumns(report, true);
+    const TextEncoding encoding = report.definition().textEncoding;
+    Lines lines(style, encoding);
     QStringList patterns;
-    QStringList captions;
-    for (const ExportColumn &column : columns) {
-        patterns.append(PatternOf(column, style));
-        captions.append(Quoted(column.caption, style));
+    for (int c = 0; c < columns.size(); ++c) {
+        patterns.append(PatternOf(columns[c], style));
+        if (c > 0)
+            lines.delimiter();
+        lines.quoted(columns[c].caption);
     }
-    const RecordStore &records = report.records();
-    ExportFile file(fileName);
-    QString text = captions.join(style.fieldDelimiter) + QLatin1String("\r\n");
-    for (int row : report.selectedRows()) {
-        const RecordStore::Row &values = records.row(row);
-        for (int c = 0; c < columns.size(); ++c) {
-            if (c > 0)
-                text += style.fieldDelimiter;
-            if (columns[c].field >= 0)
-                text += Cell(values[columns[c].field], patterns[c], style);
+    lines.end();
+    ExportFile file(fileName, encoding);
+    const auto endLine = [&] {
+        lines.end();
+        if (lines.bytes().size() > 1 << 16) {
+            file.write(lines.bytes());
+            lines.bytes().clear();
         }
-        text += QLatin1String("\r\n");
-        file.writeWhenLarge(text);
+    };
+    // Fields of the records alone are read in place; formula fields and running totals are worked out.
+    const bool recordFields = std::all_of(columns.begin(), columns.end(), [](const ExportColumn &column) {
+        return column.source.kind == NameRef::RecordField;
+    });
+    if (recordFields) {
+        report.records().visit(report.printOrder(), [&](const RecordView &row) {
+            for (int c = 0; c < columns.size(); ++c) {
+                if (c > 0)
+                    lines.delimiter();
+                if (columns[c].recordField() >= 0)
+                    lines.cell(row, columns[c].recordField(), patterns[c]);
+            }
+            endLine();
+        });
+    } else {
+        ForEachRecord(report, [&](const ReportContext &context) {
+            for (int c = 0; c < columns.size(); ++c) {
+                if (c > 0)
+                    lines.delimiter();
+                lines.cell(context.valueOf(columns[c].source), patterns[c]);
+            }
+            endLine();
+        });
     }
-    file.write(text.toUtf8());
+    file.write(lines.bytes());
     file.commit();
 }
 

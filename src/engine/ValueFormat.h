@@ -22,5 +22,8 @@ QDateTime MomentOf(const QVariant &value);
 bool IsNumberType(const QVariant &value);
 // The value as a number when it is one or its text reads as one.
 bool NumberOf(const QVariant &value, double &number);
+// Negative, zero or positive as `a` comes before, with or after `b` in a sort: nulls first, numbers by
+// number, dates by date (text in the form yyyy-MM-dd too), texts letter by letter.
+int CompareValues(const QVariant &a, const QVariant &b);
 
 } // namespace Engine

@@ -19,7 +19,7 @@ void WriteXmlRecords(const Report &report, const QString &fileName)
     xml.writeStartDocument();
     xml.writeStartElement(QStringLiteral("Report"));
     xml.writeAttribute(QStringLiteral("Title"), report.ReportTitle());
-    xml.writeAttribute(QStringLiteral("Records"), QString::number(report.selectedRows().size()));
+    xml.writeAttribute(QStringLiteral("Records"), QString::number(report.printOrder().size()));
     xml.writeStartElement(QStringLiteral("Fields"));
     for (int i = 0; i < records.fieldNames().size(); ++i) {
         xml.writeEmptyElement(QStringLiteral("Field"));
@@ -28,7 +28,7 @@ void WriteXmlRecords(const Report &report, const QString &fileName)
     }
     xml.writeEndElement();
     ExportFile file(fileName);
-    for (int row : report.selectedRows()) {
+    for (int row : report.printOrder()) {
         xml.writeStartElement(QStringLiteral("Record"));
         const RecordStore::Row &values = records.row(row);
         for (int i = 0; i < values.size(); ++i) {

@@ -74,8 +74,12 @@ void TestRenderBadInput::hostileGeometry()
     const QString htmlFile = dir.filePath(u"out.html"_s);
     HtmlPageSink html(htmlFile, {false, false});
     const QString markup = QString::fromUtf8(Render(html, htmlFile));
+    // In a cell of the page's table, or placed on its own where it overlaps another.
     for (const QString &expected : texts)
-        QVERIFY2(markup.contains(u'>' + expected + u"</div>"_s), qPrintable(expected));
+        QVERIFY2(markup.contains(QLatin1Char('>') + expected + u"</td>"_s) ||
+                     markup.contains(QLatin1Char('>') + expected + u"</div>"_s),
+                 qPrintable(expected));
+    QVERIFY(!markup.contains(u"nan"_s));
 
     const QString rtfFile = dir.filePath(u"out.rtf"_s);
     RtfPageSink rtf(rtfFile);

@@ -133,7 +133,8 @@ void TestReportMail::reportByFormat_data()
 
     const QStringList none;
     QTest::newRow("csv in body") << u"In Body"_s << int(Engine::CharSeparatedFormat) << u"csv"_s
-                                 << u"text/plain"_s << none << u"'Alder Ltd'|120.5\n'Birch plc'|80\n"_s;
+                                 << u"text/plain"_s << none
+                                 << u"'North'|'Alder Ltd'|120.5\n'North'|'Birch plc'|80\n"_s;
     QTest::newRow("text in body") << u"In Body"_s << int(Engine::TextFormat) << u"txt"_s << u"text/plain"_s
                                   << none << u"Cedar & Sons"_s;
     QTest::newRow("html page in body")

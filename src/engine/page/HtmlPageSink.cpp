@@ -48,7 +48,7 @@ void HtmlPageSink::addPage(const Page &page)
     }
     if (!m_file)
         return;
-    write(PageBlock(page, m_setup.orientedSize()));
+    write(PageBlock(page, m_setup.orientedSize(), m_styles));
     ++m_pagesWritten;
     if (m_options.separatePages) {
         write(DocumentTail());
@@ -69,6 +69,7 @@ void HtmlPageSink::end()
 
 bool HtmlPageSink::openFile(const QString &name)
 {
+    m_styles = HtmlPageMarkup::StyleSheet();
     m_file = std::make_unique<QSaveFile>(name);
     if (m_file->open(QIODevice::WriteOnly))
         return true;

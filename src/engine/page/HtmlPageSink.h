@@ -1,7 +1,8 @@
 #pragma once
-// Renders streamed pages as HTML with absolutely placed text: one file holding every page, or one
-// file a page (the file name, then the name with the page number) with links between the pages.
+// Renders streamed pages as HTML, each page a table of its rows of text: one file holding every page,
+// or one file a page (the file name, then the name with the page number) with links between the pages.
 
+#include "engine/page/HtmlPageMarkup.h"
 #include "engine/page/PageModel.h"
 
 #include <memory>
@@ -43,6 +44,7 @@ private:
     int m_pageCount = 0;
     int m_pagesWritten = 0;
     std::unique_ptr<QSaveFile> m_file;
+    HtmlPageMarkup::StyleSheet m_styles; // of the file being written
 };
 
 } // namespace Engine

@@ -44,12 +44,21 @@ struct PageBox
     QColor fill = Qt::transparent;
 };
 
+// Where a group starts, for the group tree of a viewer: its level (0 the outermost) and caption.
+struct PageAnchor
+{
+    int level = 0;
+    QString caption;
+    double y = 0;
+};
+
 struct Page
 {
     int number = 0; // 1-based
     QList<PageText> texts;
     QList<PageLine> lines;
     QList<PageBox> boxes;
+    QList<PageAnchor> anchors; // groups that start on this page, in order
 };
 
 struct PageSetup

@@ -1,5 +1,8 @@
 #include "engine/page/PdfPageSink.h"
 
+#include "engine/page/GlyphRuns.h"
+#include "engine/page/PageFonts.h"
+
 #include <QPageLayout>
 #include <QPageSize>
 #include <QPainter>
@@ -12,18 +15,6 @@ namespace {
 
 // One device unit is one point, so the model's coordinates go to the painter unchanged.
 constexpr int PointsPerInch = 72;
-
-QFont ToQFont(const PageFont &font)
-{
-    QFont result(font.family);
-    // NaN fails the comparison and becomes the smallest size too.
-    result.setPointSizeF(font.pointSize >= 1 ? qMin(font.pointSize, 1000.0) : 1);
-    result.setBold(font.bold);
-    result.setItalic(font.italic);
-    // Positions come from the font's outlines, not from a screen grid.
-    result.setHintingPreference(QFont::PreferNoHinting);
-    return result;
-}
 
 QPageLayout LayoutOf(const PageSetup &setup)
 {
@@ -118,13 +109,15 @@ void PdfPageSink::drawLines(const Page &page)
 void PdfPageSink::drawTexts(const Page &page)
 {
     m_painter->setPen(Qt::black);
+    GlyphRuns runs;
     for (const PageText &text : page.texts) {
-        if (text.text.isEmpty())
+        if (text.text.isEmpty() || runs.add(text))
             continue;
         useFont(text.font);
         // Qt clips only the text that overflows its box, as a printed field is cut at its width.
         m_painter->drawText(text.box, int(text.alignment), text.text);
     }
+    runs.draw(*m_painter);
 }
 
 void PdfPageSink::useFont(const PageFont &font)

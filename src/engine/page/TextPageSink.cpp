@@ -83,7 +83,9 @@ void TextPageSink::begin(const PageSetup &setup, int)
     if (!m_file->open(QIODevice::WriteOnly)) {
         setError(QStringLiteral("Cannot write %1: %2").arg(m_fileName, m_file->errorString()));
         m_file.reset();
+        return;
     }
+    m_file->write(FileStart(m_options.encoding));
 }
 
 void TextPageSink::addPage(const Page &page)
@@ -135,7 +137,7 @@ QStringList TextPageSink::pageLines(const Page &page) const
 
 void TextPageSink::write(const QString &text)
 {
-    if (m_file->write(text.toUtf8()) < 0) {
+    if (m_file->write(Encoded(text, m_options.encoding)) < 0) {
         setError(QStringLiteral("Cannot write %1: %2").arg(m_fileName, m_file->errorString()));
         m_file.reset();
     }

@@ -2,6 +2,7 @@
 // Renders streamed pages as monospaced text: positions snap to a grid of characters per inch and
 // lines per page; paginated text starts each page after the first with a form feed.
 
+#include "engine/TextEncoding.h"
 #include "engine/page/PageModel.h"
 
 #include <QStringList>
@@ -18,6 +19,7 @@ struct TextPageOptions
     int charactersPerInch = 0; // 0: DefaultCharactersPerInch
     int linesPerPage = 0;      // 0: as many lines as the page holds at six lines an inch
     bool pageBreaks = true;    // false: plain text, the pages one after another
+    TextEncoding encoding = TextEncoding::Windows1252;
 };
 
 class TextPageSink : public PageSink

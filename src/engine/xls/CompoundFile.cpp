@@ -149,17 +149,40 @@ QByteArray CompoundFile::TableIndexSectors(const Layout &layout)
 
 bool CompoundFile::Write(QIODevice &out, const QString &streamName, const QList<QByteArrayView> &parts)
 {
-    qint64 streamSize = 0;
+    QList<StreamPart> inMemory;
     for (QByteArrayView part : parts)
-        streamSize += part.size();
+        inMemory.append(StreamPart{part});
+    return Write(out, streamName, inMemory);
+}
+
+bool CompoundFile::WritePart(QIODevice &out, const StreamPart &part)
+{
+    if (!part.file)
+        return out.write(part.bytes.data(), part.bytes.size()) == part.bytes.size();
+    if (!part.file->seek(part.offset))
+        return false;
+    for (qint64 left = part.size; left > 0;) {
+        const QByteArray chunk = part.file->read(std::min<qint64>(left, 1 << 20));
+        if (chunk.isEmpty() || out.write(chunk) != chunk.size())
+            return false;
+        left -= chunk.size();
+    }
+    return true;
+}
+
+bool CompoundFile::Write(QIODevice &out, const QString &streamName, const QList<StreamPart> &parts)
+{
+    qint64 streamSize = 0;
+    for (const StreamPart &part : parts)
+        streamSize += part.length();
     Q_ASSERT(streamSize >= MiniStreamCutoff && streamName.size() < 32);
     if (streamSize > 0xFFFFFFFFll)
         return false; // a version 3 file cannot hold a stream this long
     const Layout layout = Plan(streamSize);
 
     bool ok = out.write(Header(layout)) == SectorSize;
-    for (QByteArrayView part : parts)
-        ok = ok && out.write(part.data(), part.size()) == part.size();
+    for (const StreamPart &part : parts)
+        ok = ok && WritePart(out, part);
     const qint64 padding = layout.streamSectors * SectorSize - streamSize;
     ok = ok && out.write(QByteArray(padding, '\0')) == padding;
     for (const QByteArray &block :

@@ -9,6 +9,17 @@ class QIODevice;
 
 namespace Engine {
 
+// A piece of a stream: bytes in memory, or `size` bytes of `file` from `offset`.
+struct StreamPart
+{
+    QByteArrayView bytes;
+    QIODevice *file = nullptr;
+    qint64 offset = 0;
+    qint64 size = 0;
+
+    qint64 length() const { return file ? size : bytes.size(); }
+};
+
 class CompoundFile
 {
 public:
@@ -20,8 +31,11 @@ public:
     // together they must be at least MiniStreamCutoff bytes. False when the stream is longer than
     // 4 GiB or the device refuses a write.
     static bool Write(QIODevice &out, const QString &streamName, const QList<QByteArrayView> &parts);
+    // The same with parts that may lie in files; false also when such a part cannot be read.
+    static bool Write(QIODevice &out, const QString &streamName, const QList<StreamPart> &parts);
 
 private:
+    static bool WritePart(QIODevice &out, const StreamPart &part);
     struct Layout;
     static Layout Plan(qint64 streamSize);
     static QByteArray Header(const Layout &layout);

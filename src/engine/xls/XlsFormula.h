@@ -2,6 +2,7 @@
 // Worksheet formulas for totals: one aggregate function over a rectangle of cells.
 
 #include <QByteArray>
+#include <QList>
 
 namespace Engine {
 
@@ -17,7 +18,12 @@ struct XlsRange
     int lastColumn = 0;
 };
 
+// A function takes at most this many arguments in this file format.
+constexpr int MaxAggregateArguments = 30;
+
 // The parsed form (reverse Polish tokens) of FUNCTION(range), e.g. SUM(B2:B10).
 QByteArray AggregateTokens(XlsAggregate function, const XlsRange &range);
+// FUNCTION(range, range, ...), a range of one cell written as that cell: SUM(B5,B9,B12).
+QByteArray AggregateTokens(XlsAggregate function, const QList<XlsRange> &ranges);
 
 } // namespace Engine

@@ -6,6 +6,7 @@
 #include "engine/xls/XlsSharedStrings.h"
 
 #include <QDateTime>
+#include <QIODevice>
 #include <cmath>
 
 namespace Engine {
@@ -101,12 +102,17 @@ void XlsSheet::writeDate(int row, int column, double days)
 
 void XlsSheet::writeDate(int row, int column, const QDateTime &moment)
 {
+    writeDate(row, column, moment, m_dateStyle);
+}
+
+void XlsSheet::writeDate(int row, int column, const QDateTime &moment, XlsStyle style)
+{
     if (!moment.isValid())
-        return writeBlank(row, column, m_dateStyle);
+        return writeBlank(row, column, style);
     // The wall-clock date and time as shown, whatever the zone.
     constexpr double MsecsPerDay = 86400000.0;
     const double day = double(QDate(1899, 12, 30).daysTo(moment.date()));
-    writeDate(row, column, day + moment.time().msecsSinceStartOfDay() / MsecsPerDay);
+    writeNumber(row, column, day + moment.time().msecsSinceStartOfDay() / MsecsPerDay, style);
 }
 
 void XlsSheet::writeBool(int row, int column, bool value, XlsStyle style)
@@ -131,8 +137,20 @@ void XlsSheet::writeBlank(int row, int column, XlsStyle style)
 void XlsSheet::writeAggregate(int row, int column, XlsAggregate function, const XlsRange &range,
                               double result, XlsStyle style)
 {
-    CheckRange(range);
-    const QByteArray tokens = AggregateTokens(function, range);
+    writeAggregate(row, column, function, QList<XlsRange>{range}, result, style);
+}
+
+void XlsSheet::writeAggregate(int row, int column, XlsAggregate function, const QList<XlsRange> &ranges,
+                              double result, XlsStyle style)
+{
+    if (ranges.isEmpty() || ranges.size() > MaxAggregateArguments)
+        throw EngineError(EngineError::SubscriptOutOfRange,
+                          QStringLiteral("A formula takes 1 to %1 ranges, not %2.")
+                              .arg(MaxAggregateArguments)
+                              .arg(ranges.size()));
+    for (const XlsRange &range : ranges)
+        CheckRange(range);
+    const QByteArray tokens = AggregateTokens(function, ranges);
     putCell(Biff::Formula, 8 + 2 + 4 + 2 + int(tokens.size()), row, column, style);
     PutFormulaResult(m_cells, result);
     Biff::Put16(m_cells, 0); // no recalculation flags: the result is the caller's own total
@@ -145,6 +163,26 @@ void XlsSheet::setColumnWidth(int column, double characters)
 {
     CheckAddress(0, column);
     m_columnWidths[column] = quint16(std::clamp(characters, 0.0, 255.0) * 256);
+}
+
+StreamPart XlsSheet::cells(QIODevice *spool) const
+{
+    if (m_parkedOffset < 0)
+        return StreamPart{m_cells};
+    return StreamPart{{}, spool, m_parkedOffset, m_parkedSize};
+}
+
+bool XlsSheet::park(QIODevice &spool)
+{
+    if (m_parkedOffset >= 0)
+        return true;
+    const qint64 offset = spool.size();
+    if (!spool.seek(offset) || spool.write(m_cells) != m_cells.size())
+        return false;
+    m_parkedOffset = offset;
+    m_parkedSize = m_cells.size();
+    m_cells = QByteArray();
+    return true;
 }
 
 QByteArray XlsSheet::dimensions() const

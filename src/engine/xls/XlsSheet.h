@@ -1,6 +1,7 @@
 #pragma once
 // One worksheet of an Excel 97-2003 workbook: cells are encoded into records as they are written.
 
+#include "engine/xls/CompoundFile.h"
 #include "engine/xls/XlsFormula.h"
 #include "engine/xls/XlsStyles.h"
 
@@ -38,11 +39,16 @@ public:
     void writeDate(int row, int column, double days);
     // An invalid moment (a null date) gives a blank cell in the date style.
     void writeDate(int row, int column, const QDateTime &moment);
+    // The same in a style of the caller's, such as the workbook's date and time style.
+    void writeDate(int row, int column, const QDateTime &moment, XlsStyle style);
     void writeBool(int row, int column, bool value, XlsStyle style = {});
     void writeBlank(int row, int column, XlsStyle style);
     // FUNCTION(range) on this sheet, with the result a reader shows until it recalculates.
     void writeAggregate(int row, int column, XlsAggregate function, const XlsRange &range, double result,
                         XlsStyle style = {});
+    // FUNCTION(range, ...) of at most MaxAggregateArguments ranges (EngineError beyond).
+    void writeAggregate(int row, int column, XlsAggregate function, const QList<XlsRange> &ranges,
+                        double result, XlsStyle style = {});
     // The width of a column in characters of the default font (0 to 255).
     void setColumnWidth(int column, double characters);
 
@@ -53,7 +59,11 @@ private:
     // The records before the cells (BOF, column widths, DIMENSIONS) and after them (WINDOW2, EOF).
     QByteArray prolog() const;
     QByteArray epilog(bool selected) const;
-    const QByteArray &cells() const { return m_cells; }
+    qint64 cellsSize() const { return m_parkedOffset < 0 ? m_cells.size() : m_parkedSize; }
+    // The cell records, in memory or in the spool that park() moved them to.
+    StreamPart cells(QIODevice *spool) const;
+    // Moves the cell records of a finished sheet to the end of the spool; false when it cannot.
+    bool park(QIODevice &spool);
 
     void putCell(quint16 id, int dataSize, int row, int column, XlsStyle style);
     void writeError(int row, int column, quint8 code, XlsStyle style);
@@ -64,6 +74,8 @@ private:
     const XlsStyles &m_styles;
     XlsStyle m_dateStyle;
     QByteArray m_cells;
+    qint64 m_parkedOffset = -1;
+    qint64 m_parkedSize = 0;
     QMap<int, quint16> m_columnWidths;
     int m_firstRow = MaxRows;
     int m_lastRow = -1;

@@ -30,6 +30,8 @@ void XlsSheetSeries::setColumnWidth(int column, double characters)
 
 void XlsSheetSeries::openSheet()
 {
+    if (!m_sheets.isEmpty())
+        m_book.parkSheet(*m_sheets.back());
     XlsSheet &sheet = m_book.addSheet(m_baseName + QString::number(m_sheets.size() + 1));
     for (auto width = m_widths.cbegin(); width != m_widths.cend(); ++width)
         sheet.setColumnWidth(width.key(), width.value());

@@ -1,5 +1,6 @@
 #include "engine/xls/XlsWorkbook.h"
 
+#include "engine/EngineError.h"
 #include "engine/xls/Biff.h"
 #include "engine/xls/CompoundFile.h"
 
@@ -59,6 +60,7 @@ void PutWindow1(QByteArray &out)
 
 XlsWorkbook::XlsWorkbook()
     : m_dateStyle(m_styles.add(QStringLiteral("dd-mmm-yyyy"))),
+      m_dateTimeStyle(m_styles.add(QStringLiteral("dd-mmm-yyyy hh:mm:ss"))),
       m_headingStyle(m_styles.add(QStringLiteral("General"), true))
 {
 }
@@ -144,23 +146,33 @@ bool XlsWorkbook::write(QIODevice &out)
         prologs.append(m_sheets[i]->prolog());
         epilogs.append(m_sheets[i]->epilog(i == 0));
         Biff::Patch32(head, offsetFields[qsizetype(i)], quint32(position));
-        position += prologs.back().size() + m_sheets[i]->cells().size() + epilogs.back().size();
+        position += prologs.back().size() + m_sheets[i]->cellsSize() + epilogs.back().size();
     }
     if (position > 0xFFFFFFFFll) {
         m_error = QStringLiteral("The workbook is larger than 4 GB.");
         return false;
     }
-    QList<QByteArrayView> parts{head};
+    QList<StreamPart> parts{StreamPart{head}};
     for (std::size_t i = 0; i < m_sheets.size(); ++i)
-        parts << prologs[qsizetype(i)] << m_sheets[i]->cells() << epilogs[qsizetype(i)];
+        parts << StreamPart{prologs[qsizetype(i)]} << m_sheets[i]->cells(&m_spool)
+              << StreamPart{epilogs[qsizetype(i)]};
     // Short streams would belong in the mini stream; zeros after the last EOF keep this one out of it.
     const QByteArray padding(std::max<qint64>(0, CompoundFile::MiniStreamCutoff - position), '\0');
-    parts << padding;
+    parts << StreamPart{padding};
     if (!CompoundFile::Write(out, QStringLiteral("Workbook"), parts)) {
-        m_error = out.errorString();
+        m_error = out.errorString().isEmpty() ? m_spool.errorString() : out.errorString();
         return false;
     }
     return true;
+}
+
+void XlsWorkbook::parkSheet(XlsSheet &sheet)
+{
+    if ((m_spool.isOpen() || m_spool.open()) && sheet.park(m_spool))
+        return;
+    throw EngineError(
+        EngineError::ExportFailed,
+        QStringLiteral("Cannot keep a finished sheet in a temporary file: %1").arg(m_spool.errorString()));
 }
 
 bool XlsWorkbook::save(const QString &path)

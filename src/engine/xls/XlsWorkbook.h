@@ -6,6 +6,7 @@
 #include "engine/xls/XlsStyles.h"
 
 #include <QString>
+#include <QTemporaryFile>
 #include <memory>
 #include <vector>
 
@@ -31,8 +32,14 @@ public:
     XlsStyle addStyle(const QString &numberFormat, bool bold = false);
     // "dd-mmm-yyyy", what XlsSheet::writeDate uses.
     XlsStyle dateStyle() const { return m_dateStyle; }
+    // "dd-mmm-yyyy hh:mm:ss", for moments that carry a time of day.
+    XlsStyle dateTimeStyle() const { return m_dateTimeStyle; }
     // Bold "General", for column headings.
     XlsStyle headingStyle() const { return m_headingStyle; }
+
+    // A finished sheet's cells go to a temporary file until the workbook is written, so that a workbook
+    // of many full sheets does not hold them all in memory. Throws EngineError when they cannot.
+    void parkSheet(XlsSheet &sheet);
 
     // Writes the file whole or not at all (a failed save leaves any earlier file as it was).
     // A workbook without sheets gets one empty "Sheet1", as every workbook needs a sheet.
@@ -48,8 +55,10 @@ private:
     XlsSharedStrings m_strings;
     XlsStyles m_styles;
     XlsStyle m_dateStyle;
+    XlsStyle m_dateTimeStyle;
     XlsStyle m_headingStyle;
     std::vector<std::unique_ptr<XlsSheet>> m_sheets;
+    QTemporaryFile m_spool;
     QString m_error;
 };
 
