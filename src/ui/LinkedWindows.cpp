@@ -10,9 +10,9 @@ namespace LinkedWindows {
 namespace {
 
 // One opener for each link, for the whole program: the windows behind them are one of each per process.
-std::array<Opener, 3> &Openers()
+std::array<Opener, 1> &Openers()
 {
-    static std::array<Opener, 3> openers;
+    static std::array<Opener, 1> openers;
     return openers;
 }
 

@@ -1,8 +1,7 @@
 #pragma once
-// Windows that the item editor opens but that are built elsewhere: the table map dialog, the list file
-// editor on a calendar file and the report viewer's preview. Each is reached through one opener; until
-// its opener is connected, the menu entry that opens it stays disabled and says that it is not
-// available yet.
+// Windows that the item editor opens but that are built elsewhere: the report viewer's preview. Each is
+// reached through one opener; until its opener is connected, the menu entry that opens it stays disabled
+// and says that it is not available yet.
 
 #include <QString>
 
@@ -14,16 +13,14 @@ class QWidget;
 
 namespace LinkedWindows {
 
-enum class Link { TableMap, CalendarEditor, Preview };
+enum class Link { Preview };
 
-// What the item editor hands over: the window that opens it, and the item's ReportID and File; for the
-// calendar editor `file` is the calendar list file and `kind` the kind of list ("DateTime").
+// What the item editor hands over: the window that opens it, and the item's ReportID and File.
 struct Request
 {
     QWidget *opener = nullptr;
     QString reportID;
     QString file;
-    QString kind;
 };
 
 using Opener = std::function<void(const Request &)>;

@@ -87,6 +87,7 @@ private:
     void SelectDestination(const QString &destination);
     void SelectCalendarFile();
     void OpenLinked(LinkedWindows::Link link);
+    void EditCalendarFile();
     // Something else moved the schedule's cursor while the window was in the back: offers to save the
     // window into its own item, then shows the item at the cursor.
     void CheckCursor();

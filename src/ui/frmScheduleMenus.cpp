@@ -5,7 +5,9 @@
 #include "HelpPage.h"
 #include "ItemWindows.h"
 #include "WindowHandler.h"
+#include "frmList.h"
 #include "frmMulti.h"
+#include "frmTableMap.h"
 
 #include "scheduler/Prompter.h"
 #include "scheduler/QorloGlobals.h"
@@ -49,11 +51,12 @@ void frmSchedule::BuildMenus(QMenuBar *menus)
             LinkedWindows::AddEntry(menu, name, caption, link, [this, link] { OpenLinked(link); });
         m_linkedEntries.append({entry, link});
     };
-    linked(report, "mnuTableMapping", QStringLiteral("&Table Mapping"), Link::TableMap);
+    add(report, "mnuTableMapping", QStringLiteral("&Table Mapping"),
+        [this] { frmTableMap::OpenTableMap(m_globals, this, m_shownID, txtReportFile->text()); });
     QMenu *calendar = report->addMenu(QStringLiteral("&Custom Calendar.."));
     calendar->setObjectName(QStringLiteral("mnuCustomCalendar"));
     add(calendar, "mnuSelectFile", QStringLiteral("&Select File"), [this] { SelectCalendarFile(); });
-    linked(calendar, "mnuEditCalendar", QStringLiteral("&Edit Calendar"), Link::CalendarEditor);
+    add(calendar, "mnuEditCalendar", QStringLiteral("&Edit Calendar"), [this] { EditCalendarFile(); });
     report->addSeparator();
     linked(report, "mnuPreview", QStringLiteral("Pre&view"), Link::Preview);
 
@@ -112,18 +115,17 @@ void frmSchedule::SelectCalendarFile()
     });
 }
 
+void frmSchedule::EditCalendarFile()
+{
+    if (m_calendarFile.isEmpty())
+        return m_globals.prompter.ShowMessage(
+            QStringLiteral("Edit Calendar"), QStringLiteral("Please select a calendar file for this report"));
+    frmList::OpenList(m_globals, this, frmList::DateTime, m_calendarFile);
+}
+
 void frmSchedule::OpenLinked(LinkedWindows::Link link)
 {
-    using LinkedWindows::Link;
-    LinkedWindows::Request request{this, m_shownID, txtReportFile->text(), {}};
-    if (link == Link::CalendarEditor) {
-        if (m_calendarFile.isEmpty())
-            return m_globals.prompter.ShowMessage(
-                QStringLiteral("Edit Calendar"),
-                QStringLiteral("Please select a calendar file for this report"));
-        request.file = m_calendarFile;
-        request.kind = QStringLiteral("DateTime");
-    }
+    LinkedWindows::Request request{this, m_shownID, txtReportFile->text()};
     RunHandler(m_globals.prompter, [link, &request] { LinkedWindows::Open(link, request); });
 }
 

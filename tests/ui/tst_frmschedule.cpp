@@ -9,10 +9,12 @@
 #include "scheduler/QorloGlobals.h"
 #include "ui/ItemWindows.h"
 #include "ui/LinkedWindows.h"
+#include "ui/frmList.h"
 #include "ui/frmMulti.h"
 #include "ui/frmPList.h"
 #include "ui/frmMain.h"
 #include "ui/frmSchedule.h"
+#include "ui/frmTableMap.h"
 
 #include <QAction>
 #include <QDesktopServices>
@@ -89,7 +91,7 @@ private Q_SLOTS:
     void modifyFromTheMainWindow();
     void runNowKeepsNextRun();
     void reportMenu();
-    void windowsBuiltElsewhere();
+    void linkedWindows();
     void newItem();
     void itemMovedUnderTheEditor();
     void lettersInTheCopies();
@@ -277,38 +279,32 @@ void TestFrmSchedule::reportMenu()
     QVERIFY(f.prompter.messages.isEmpty());
 }
 
-void TestFrmSchedule::windowsBuiltElsewhere()
+void TestFrmSchedule::linkedWindows()
 {
-    using LinkedWindows::Link;
     EditorFixture f;
     const QString id = f.addReport(u"Sales"_s);
+    MakeSalesDatabase(f.dir.filePath(u"sales.db"_s));
+    SalesReport(QDir(f.dir.path()), u"Sales.rpt"_s, u"SELECT region FROM {Sales}"_s);
     frmSchedule &editor = f.windows.Editor();
     editor.ShowSchedule();
     editor.show();
-    for (const char *name : {"mnuTableMapping", "mnuEditCalendar", "mnuPreview"}) {
-        QAction *entry = Child<QAction>(&editor, name);
-        QVERIFY2(!entry->isEnabled(), name);
-        QVERIFY(entry->toolTip().endsWith(u" is not available yet in this version"_s));
-    }
 
-    // Once connected, each opens through its one routine with the item shown.
-    QList<LinkedWindows::Request> requests;
-    const auto record = [&requests](const LinkedWindows::Request &request) { requests.append(request); };
-    LinkedWindows::Connect(Link::TableMap, record);
-    LinkedWindows::Connect(Link::CalendarEditor, record);
-    editor.hide();
-    editor.show();
-    QVERIFY(Child<QAction>(&editor, "mnuTableMapping")->isEnabled());
+    // Table Mapping shows the tables of the item's report.
     Child<QAction>(&editor, "mnuTableMapping")->trigger();
-    QCOMPARE(requests.size(), 1);
-    QCOMPARE(requests.first().reportID, id);
-    QCOMPARE(requests.first().file, f.dir.filePath(u"Sales.rpt"_s));
-    QCOMPARE(requests.first().opener, &editor);
+    auto *map = editor.findChild<frmTableMap *>();
+    QVERIFY(map && map->isVisible());
+    auto *tables = Child<QTableWidget>(map, "fgTables");
+    QCOMPARE(tables->rowCount(), 1);
+    QCOMPARE(tables->item(0, 0)->text(), id);
+    QCOMPARE(tables->item(0, 1)->text(), u"sales"_s); // the table the report reads
+    QCOMPARE(f.prompter.take(), QStringList());
+    map->close();
 
-    // The calendar editor needs a calendar file, which Select File gives the item.
+    // Edit Calendar needs a calendar file, which Select File gives the item; then the list editor opens it.
     Child<QAction>(&editor, "mnuEditCalendar")->trigger();
     QCOMPARE(f.prompter.take(),
              QStringList{u"Edit Calendar: Please select a calendar file for this report"_s});
+    QVERIFY(!editor.findChild<frmList *>());
     const QString calendar = WriteLines(f.dir.filePath(u"month-ends.lst"_s), {u"31-Mar-2026"_s});
     f.prompter.setNextFileNames({calendar});
     Child<QAction>(&editor, "mnuSelectFile")->trigger();
@@ -316,13 +312,12 @@ void TestFrmSchedule::windowsBuiltElsewhere()
     Child<QComboBox>(&editor, "cmbWhen")->setCurrentText(u"Custom Calendar"_s);
     QCOMPARE(Child<QLabel>(&editor, "lDayMessage")->text(), u"month-ends.lst"_s);
     Child<QAction>(&editor, "mnuEditCalendar")->trigger();
-    QCOMPARE(requests.size(), 2);
-    QCOMPARE(requests.last().file, calendar);
-    QCOMPARE(requests.last().kind, u"DateTime"_s);
+    auto *list = editor.findChild<frmList *>();
+    QVERIFY(list && list->isVisible());
+    QCOMPARE(Child<QLabel>(list, "lblFile")->text(), calendar);
+    list->close();
     Click(&editor, "cmdApply");
     QCOMPARE(f.saved(id, clsSchedule::colCustomCalendarFile), calendar);
-    LinkedWindows::Connect(Link::TableMap, {});
-    LinkedWindows::Connect(Link::CalendarEditor, {});
 }
 
 void TestFrmSchedule::newItem()
