@@ -2,6 +2,7 @@
 
 #include <QComboBox>
 #include <QDateEdit>
+#include <QHBoxLayout>
 #include <QLineEdit>
 
 QLineEdit *NamedLine(QWidget *parent, const char *name)
@@ -36,4 +37,15 @@ void SelectOrAdd(QComboBox *list, const QString &text)
     if (list->findText(text) < 0)
         list->addItem(text);
     list->setCurrentIndex(list->findText(text));
+}
+
+QWidget *SideBySide(QWidget *parent, std::initializer_list<QWidget *> controls)
+{
+    auto *row = new QWidget(parent);
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    for (QWidget *control : controls)
+        layout->addWidget(control);
+    layout->addStretch();
+    return row;
 }

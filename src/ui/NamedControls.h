@@ -4,6 +4,8 @@
 #include <QString>
 #include <QStringList>
 
+#include <initializer_list>
+
 class QComboBox;
 class QDateEdit;
 class QLineEdit;
@@ -16,3 +18,5 @@ QDateEdit *NamedDatePicker(QWidget *parent, const char *name);
 // Selects the entry with that text, added at the end first when the list lacks it, so that a stored
 // value the list does not offer is shown and kept. An empty text selects nothing.
 void SelectOrAdd(QComboBox *list, const QString &text);
+// A row of controls side by side, left-aligned, as one field of a form.
+QWidget *SideBySide(QWidget *parent, std::initializer_list<QWidget *> controls);

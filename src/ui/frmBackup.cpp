@@ -39,8 +39,7 @@ void frmBackup::BuildFields()
 
     auto *buttons = new QDialogButtonBox(this);
     QPushButton *save = AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    QPushButton *exit = AddButton(
-        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    QPushButton *exit = AddExitButton(buttons, this);
 
     auto *fields = new QFormLayout;
     fields->addRow(QStringLiteral("Backup Frequency"), m_frequency);

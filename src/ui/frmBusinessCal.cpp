@@ -28,16 +28,12 @@ QStringList NumberTexts(int first, int last, int step)
 }
 
 // Two fields on one labelled row; each gets its own name for screen readers.
-QHBoxLayout *Pair(QWidget *first, const QString &firstName, QWidget *second, const QString &secondName = {})
+QWidget *Pair(QWidget *first, const QString &firstName, QWidget *second, const QString &secondName = {})
 {
     first->setAccessibleName(firstName);
     if (!secondName.isEmpty())
         second->setAccessibleName(secondName);
-    auto *row = new QHBoxLayout;
-    row->addWidget(first);
-    row->addWidget(second);
-    row->addStretch();
-    return row;
+    return SideBySide(first->parentWidget(), {first, second});
 }
 
 } // namespace
@@ -93,8 +89,7 @@ void frmBusinessCal::BuildFields()
     auto *buttons = new QDialogButtonBox(this);
     AddButton(buttons, "cmdEditHols", QStringLiteral("Edit &Hols"), [this] { cmdEditHols_Click(); });
     AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    AddButton(
-        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    AddExitButton(buttons, this);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(fields);
     layout->addWidget(buttons);

@@ -79,8 +79,7 @@ void frmDates::BuildFields()
     auto *buttons = new QDialogButtonBox(this);
     AddButton(buttons, "cmdApply", QStringLiteral("&Apply"), [this] { cmdApply_Click(); });
     AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    AddButton(
-        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    AddExitButton(buttons, this);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(settings);
     layout->addWidget(PreviewRows());

@@ -27,8 +27,7 @@ frmDomain::frmDomain(QorloGlobals &globals, QWidget *parent) : QDialog(parent), 
 
     auto *buttons = new QDialogButtonBox(this);
     QPushButton *save = AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    QPushButton *exit = AddButton(
-        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    QPushButton *exit = AddExitButton(buttons, this);
 
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_grid);

@@ -36,8 +36,7 @@ frmFind::frmFind(QorloGlobals &globals, QWidget *parent) : QDialog(parent), m_gl
     fields->addRow(QString(), chkCase);
     auto *buttons = new QDialogButtonBox(this);
     AddButton(buttons, "cmdReplace", QStringLiteral("Replace ALL"), [this] { cmdReplace_Click(); });
-    AddButton(
-        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    AddExitButton(buttons, this);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(fields);
     layout->addWidget(buttons);

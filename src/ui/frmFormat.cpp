@@ -29,8 +29,7 @@ frmFormat::frmFormat(QorloGlobals &globals, QWidget *parent) : QDialog(parent), 
     fields->addRow(QStringLiteral("Lines Per Page"), txtPage);
     auto *buttons = new QDialogButtonBox(this);
     AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    AddButton(
-        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    AddExitButton(buttons, this);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(fields);
     layout->addWidget(buttons);

@@ -34,8 +34,7 @@ frmLogSetting::frmLogSetting(QorloGlobals &globals, QWidget *parent) : QDialog(p
     fields->addRow(QStringLiteral("Display Web Log"), cmbWebLog);
     auto *buttons = new QDialogButtonBox(this);
     AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    AddButton(
-        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    AddExitButton(buttons, this);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(fields);
     layout->addWidget(buttons);

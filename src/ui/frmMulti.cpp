@@ -200,8 +200,7 @@ void frmMulti::BuildButtons(QVBoxLayout *layout)
     cmdSave = AddButton(buttons, "cmdSave", QStringLiteral("&Save"),
                         [this] { RunHandler(m_globals.prompter, [this] { Save(); }); });
     cmdSave->setAutoDefault(false);
-    cmdExit = AddButton(
-        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    cmdExit = AddExitButton(buttons, this);
     cmdExit->setAutoDefault(false);
     layout->addWidget(buttons);
 }

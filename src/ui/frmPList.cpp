@@ -2,6 +2,7 @@
 #include "frmPList.h"
 
 #include "DialogButtons.h"
+#include "NamedControls.h"
 #include "ParameterText.h"
 #include "TabOrder.h"
 #include "WindowHandler.h"
@@ -42,18 +43,6 @@ QComboBox *NumberList(QWidget *parent, const char *name, int count)
     for (int number = 0; number < count; ++number)
         list->addItem(QString::number(number));
     return list;
-}
-
-// A row of controls side by side, as one field of the form.
-QWidget *SideBySide(QWidget *parent, std::initializer_list<QWidget *> controls)
-{
-    auto *row = new QWidget(parent);
-    auto *layout = new QHBoxLayout(row);
-    layout->setContentsMargins(0, 0, 0, 0);
-    for (QWidget *control : controls)
-        layout->addWidget(control);
-    layout->addStretch();
-    return row;
 }
 
 QLabel *Buddy(const QString &text, QWidget *field)
@@ -174,8 +163,7 @@ void frmPList::BuildLayout(QGroupBox *frame)
     auto *buttons = new QDialogButtonBox(this);
     cmdSave = AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
     cmdSave->setDefault(true);
-    cmdExit = AddButton(
-        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    cmdExit = AddExitButton(buttons, this);
 
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(lName);

@@ -345,8 +345,7 @@ void frmSchedule::BuildCommands(QVBoxLayout *layout)
     cmdRun = AddButton(buttons, "cmdRun", QStringLiteral("&Run Now"), [this] { RunNow(); });
     cmdApply = AddButton(buttons, "cmdApply", QStringLiteral("&Apply"), [this] { Apply(); });
     cmdSave = AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    cmdExit = AddButton(
-        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    cmdExit = AddExitButton(buttons, this);
     for (QPushButton *button : {cmdFirst, cmdPrior, cmdNext, cmdLast, cmdRun, cmdApply, cmdExit})
         button->setAutoDefault(false);
     cmdSave->setDefault(true);

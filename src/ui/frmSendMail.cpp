@@ -25,8 +25,7 @@ frmSendMail::frmSendMail(QorloGlobals &globals, QWidget *parent) : QDialog(paren
 
     auto *buttons = new QDialogButtonBox(this);
     QPushButton *send = AddButton(buttons, "cmdSend", QStringLiteral("&Send"), [this] { cmdSend_Click(); });
-    QPushButton *exit = AddButton(
-        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    QPushButton *exit = AddExitButton(buttons, this);
 
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(caption);

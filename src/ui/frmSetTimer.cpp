@@ -25,8 +25,7 @@ frmSetTimer::frmSetTimer(QorloGlobals &globals, QWidget *parent)
 
     auto *buttons = new QDialogButtonBox(this);
     QPushButton *save = AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    QPushButton *exit = AddButton(
-        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    QPushButton *exit = AddExitButton(buttons, this);
 
     auto *fields = new QFormLayout;
     m_start.AddRow(fields, m_setStart);

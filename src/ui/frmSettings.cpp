@@ -33,16 +33,12 @@ QRadioButton *Option(QWidget *parent, const char *name, const QString &caption)
 }
 
 // Two options side by side, one choice.
-QHBoxLayout *Choice(QWidget *parent, QRadioButton *first, QRadioButton *second)
+QWidget *Choice(QWidget *parent, QRadioButton *first, QRadioButton *second)
 {
     auto *group = new QButtonGroup(parent);
     group->addButton(first);
     group->addButton(second);
-    auto *row = new QHBoxLayout;
-    row->addWidget(first);
-    row->addWidget(second);
-    row->addStretch();
-    return row;
+    return SideBySide(parent, {first, second});
 }
 
 } // namespace
@@ -69,11 +65,12 @@ frmSettings::frmSettings(QorloGlobals &globals, QWidget *parent) : QDialog(paren
     fields->addRow(FileKindBoxes());
     // Made after the boxes above, so that Tab reaches it after them.
     txtKnowledgebase = NamedLine(this, "txtKnowledgebase");
+    // Wide enough for the address of a web host.
+    txtKnowledgebase->setMinimumWidth(txtKnowledgebase->fontMetrics().averageCharWidth() * 50);
     fields->addRow(QStringLiteral("Knowledgebase host"), txtKnowledgebase);
     auto *buttons = new QDialogButtonBox(this);
     AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    AddButton(
-        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    AddExitButton(buttons, this);
     auto *layout = new QVBoxLayout(this);
     layout->addLayout(fields);
     layout->addWidget(buttons);

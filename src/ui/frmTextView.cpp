@@ -21,8 +21,7 @@ frmTextView::frmTextView(QWidget *parent) : QDialog(parent)
     m_file->setObjectName(QStringLiteral("lFile"));
     m_file->setBuddy(m_text);
     auto *buttons = new QDialogButtonBox(this);
-    AddButton(
-        buttons, "cmdExit", QStringLiteral("E&xit"), [this] { reject(); }, QDialogButtonBox::RejectRole);
+    AddExitButton(buttons, this);
     auto *layout = new QVBoxLayout(this);
     layout->addWidget(m_file);
     layout->addWidget(m_text);
