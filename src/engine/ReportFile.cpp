@@ -37,6 +37,11 @@ ReportDefinition ReportFile::readFile()
         throw EngineError(
             EngineError::FileNotFound,
             QStringLiteral("Cannot open report file %1: the file does not exist").arg(m_fileName));
+    // A FIFO would block the reading for good, a device never end.
+    if (!QFileInfo(m_fileName).isFile())
+        throw EngineError(
+            EngineError::FileNotFound,
+            QStringLiteral("Cannot open report file %1: it is not a regular file").arg(m_fileName));
     if (!file.open(QIODevice::ReadOnly))
         throw EngineError(
             EngineError::FileNotFound,

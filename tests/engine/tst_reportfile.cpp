@@ -6,6 +6,7 @@
 #include "engine/ReportFile.h"
 
 #include <QTemporaryDir>
+#include <sys/stat.h>
 
 using namespace Engine;
 using EngineFixtures::WriteReport;
@@ -18,6 +19,7 @@ private Q_SLOTS:
     void objectModel();
     void badFilesNameLineAndFault_data();
     void badFilesNameLineAndFault();
+    void notRegularFiles();
     void subreportFiles();
     void parameterValuesAndTypes();
 
@@ -180,6 +182,26 @@ void TestReportFile::badFilesNameLineAndFault()
         QFAIL("a bad file must not open");
     } catch (const EngineError &error) {
         QCOMPARE(error.number(), int(EngineError::BadReportFile));
+    }
+}
+
+// A FIFO blocked the program for good.
+void TestReportFile::notRegularFiles()
+{
+    QTemporaryDir dir;
+    const QString fifo = dir.filePath(QStringLiteral("fifo.rpt"));
+    QVERIFY(mkfifo(QFile::encodeName(fifo).constData(), 0600) == 0);
+    const QString linked = dir.filePath(QStringLiteral("zero.rpt"));
+    QVERIFY(QFile::link(QStringLiteral("/dev/zero"), linked));
+    for (const QString &path : {fifo, linked, dir.path(), QStringLiteral("/dev/null")}) {
+        try {
+            Application().OpenReport(path);
+            QFAIL("only a regular file is a report");
+        } catch (const EngineError &error) {
+            QCOMPARE(error.number(), int(EngineError::FileNotFound));
+            QCOMPARE(error.description(),
+                     QStringLiteral("Cannot open report file %1: it is not a regular file").arg(path));
+        }
     }
 }
 
