@@ -145,13 +145,16 @@ void TestXMLCode::escapeRoundTrip()
     };
     for (const QString &value : values)
         QCOMPARE(RoundTrip(dir.path(), value), value);
+    // A line end alone split the line: the value was cut, and an item's ID could become another's.
+    const QString lone = QStringLiteral("lone\rreturn and lone\nfeed\n");
+    QCOMPARE(RoundTrip(dir.path(), lone), lone);
 
     QCOMPARE(XMLEscape(QStringLiteral("a&b\r\nc")), QStringLiteral("a&amp;b&#0013;&#0010;c"));
     QCOMPARE(XMLEscape(QStringLiteral("\u00e9\u00e9")), QStringLiteral("&#0233;\u00e9"));
     QCOMPARE(XMLEscape(QStringLiteral("\u20ac")), QStringLiteral("\u20ac"));
     QCOMPARE(XMLEscape(QStringLiteral("x\u20ac!")), QStringLiteral("x&#0128;!"));
     QCOMPARE(XMLEscape(QStringLiteral("\u4e2d")), QStringLiteral("&#20013;"));
-    QCOMPARE(XMLEscape(QStringLiteral("cr\ralone")), QStringLiteral("cr\ralone"));
+    QCOMPARE(XMLEscape(QStringLiteral("cr\ralone\n")), QStringLiteral("cr&#0013;alone&#0010;"));
     QCOMPARE(XMLEscape(QStringLiteral("<&'\">\r\n\u00e9")),
              QStringLiteral("&lt;&amp;&apos;&quot;&gt;&#0013;&#0010;\u00e9"));
 
