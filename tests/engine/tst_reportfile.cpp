@@ -20,6 +20,7 @@ private Q_SLOTS:
     void badFilesNameLineAndFault_data();
     void badFilesNameLineAndFault();
     void notRegularFiles();
+    void tooManyGroups();
     void subreportFiles();
     void parameterValuesAndTypes();
 
@@ -202,6 +203,33 @@ void TestReportFile::notRegularFiles()
             QCOMPARE(error.description(),
                      QStringLiteral("Cannot open report file %1: it is not a regular file").arg(path));
         }
+    }
+}
+
+// Each group level nests the walk of the records once more: 50,000 of them overflowed the stack.
+void TestReportFile::tooManyGroups()
+{
+    QTemporaryDir dir;
+    EngineFixtures::MakeSalesDatabase(dir.filePath(QStringLiteral("sales.db")));
+    Application application;
+    const auto exportGroups = [&](int count) {
+        const QString path = EngineFixtures::SalesReport(
+            QDir(dir.path()), QStringLiteral("groups.rpt"), QStringLiteral("SELECT id, region FROM {Sales}"),
+            QStringLiteral("<layout>") + QStringLiteral("<group field=\"region\"/>").repeated(count) +
+                QStringLiteral("</layout>"));
+        auto report = application.OpenReport(path);
+        report->ExportOptions().FormatType = PdfFormat;
+        report->ExportOptions().DiskFileName = dir.filePath(QStringLiteral("groups.pdf"));
+        report->Export(false);
+    };
+    exportGroups(100);
+    try {
+        exportGroups(50000);
+        QFAIL("50,000 groups must not open");
+    } catch (const EngineError &error) {
+        QCOMPARE(error.number(), int(EngineError::BadReportFile));
+        QVERIFY2(error.description().endsWith(QLatin1String("line 6: a layout has at most 100 groups")),
+                 qPrintable(error.description()));
     }
 }
 
