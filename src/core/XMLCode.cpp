@@ -306,6 +306,8 @@ QString XMLEscape(const QString &value)
                 replace(i, 1, QLatin1String(entity));
             else if (c == u'\r' && i + 1 < value.size() && value.at(i + 1) == QLatin1Char('\n'))
                 replace(i++, 2, QLatin1String("&#0013;&#0010;"));
+            else if (c == u'\r' || c == u'\n') // alone it would end the line, and cut the value there
+                replace(i, 1, NumericReference(c));
             ++i;
             continue;
         }

@@ -21,7 +21,8 @@ public:
         BadFormula = 504,
         ExportFailed = 505,
         PrintFailed = 507,
-        NotLoggedOn = 508
+        NotLoggedOn = 508,
+        Stopped = 509 // the program asked a running report to stop
     };
 
     EngineError(int number, QString description);

@@ -5,6 +5,7 @@
 #include "engine/ValueFormat.h"
 
 #include <QDateTime>
+#include <algorithm>
 #include <cmath>
 #include <optional>
 
@@ -107,10 +108,11 @@ private:
     QVariant binary(const Node &node) const
     {
         const QString &op = node.op;
+        const auto isTrue = [this](const auto &arg) { return truth(value(*arg)); };
         if (op == QLatin1String("and"))
-            return truth(value(*node.args[0])) && truth(value(*node.args[1]));
+            return std::all_of(node.args.begin(), node.args.end(), isTrue);
         if (op == QLatin1String("or"))
-            return truth(value(*node.args[0])) || truth(value(*node.args[1]));
+            return std::any_of(node.args.begin(), node.args.end(), isTrue);
         const QVariant a = value(*node.args[0]);
         const QVariant b = value(*node.args[1]);
         if (op == QLatin1String("&"))
@@ -241,6 +243,11 @@ Formula Formula::Parse(const QString &name, const QString &text)
     if (!text.trimmed().isEmpty())
         formula.m_root = ParseFormula(name, text);
     return formula;
+}
+
+int Formula::depth() const
+{
+    return m_root ? m_root->height : 0;
 }
 
 QVariant FormulaContext::named(const NameRef &) const

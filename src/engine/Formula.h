@@ -70,6 +70,9 @@ public:
     struct Node;
     // The values of a parameter, by its plain name; an empty list when it has none.
     using ParameterLookup = std::function<QVariantList(const QString &name)>;
+    // The deepest a formula may nest, with the formula fields it names: parsing and evaluating take
+    // stack for each level.
+    static constexpr int MaxDepth = 500;
 
     Formula();
     // Raises EngineError naming the formula and the position (1-based) of the fault.
@@ -78,6 +81,8 @@ public:
     bool isEmpty() const { return !m_root; }
     QString name() const { return m_name; }
     QString text() const { return m_text; }
+    // How deep its tree nests; 0 for an empty formula.
+    int depth() const;
 
     // Resolves names against the records' fields and reads parameter values; raises on an unknown name.
     void bind(const QStringList &fieldNames, const ParameterLookup &parameters);

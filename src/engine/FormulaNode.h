@@ -18,6 +18,7 @@ struct Formula::Node
     NameRef ref;        // what a field name stands for, once bound
     SummaryRef summary; // what a summary function reads, once bound
     int position = 0;   // 1-based place in the formula text
+    int height = 1;     // levels of the tree from here down
     std::vector<std::shared_ptr<Node>> args;
 };
 

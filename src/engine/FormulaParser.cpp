@@ -4,6 +4,7 @@
 #include "engine/ValueFormat.h"
 
 #include <QDateTime>
+#include <algorithm>
 
 namespace Engine {
 
@@ -39,6 +40,27 @@ private:
         throw EngineError(EngineError::BadFormula,
                           QStringLiteral("Formula %1: position %2: %3").arg(m_name).arg(position).arg(what));
     }
+    [[noreturn]] void tooDeep(int position) const
+    {
+        fail(position, QStringLiteral("nested more than %1 levels deep").arg(Formula::MaxDepth));
+    }
+
+    // One level of nesting while it is parsed: a bracket, a "not", a sign, a call or a list.
+    class Nesting
+    {
+    public:
+        Nesting(Parser &parser, int position) : m_parser(parser)
+        {
+            if (++m_parser.m_nesting > Formula::MaxDepth)
+                m_parser.tooDeep(position);
+        }
+        ~Nesting() { --m_parser.m_nesting; }
+        Nesting(const Nesting &) = delete;
+        Nesting &operator=(const Nesting &) = delete;
+
+    private:
+        Parser &m_parser;
+    };
 
     bool isWord(const char *word) const
     {
@@ -64,42 +86,48 @@ private:
         node->op = op;
         return node;
     }
-    static NodePtr binary(const Token &token, NodePtr left, NodePtr right)
+    // Makes `arg` the next operand of `node`. A chain of operators grows the tree without nesting in the
+    // text, so the tree's depth is bounded too.
+    void adopt(Formula::Node &node, NodePtr arg) const
+    {
+        node.height = std::max(node.height, arg->height + 1);
+        if (node.height > Formula::MaxDepth)
+            tooDeep(node.position);
+        node.args.push_back(std::move(arg));
+    }
+    NodePtr binary(const Token &token, NodePtr left, NodePtr right) const
     {
         NodePtr node = make(Formula::Node::Binary, token.position, token.text.toLower());
-        node->args = {std::move(left), std::move(right)};
+        adopt(*node, std::move(left));
+        adopt(*node, std::move(right));
         return node;
     }
 
-    NodePtr parseOr()
+    // A chain of "and" (or of "or") is one node with an operand for each term: it does not nest.
+    NodePtr parseChain(const char *word, NodePtr (Parser::*parseTerm)())
     {
-        NodePtr left = parseAnd();
-        while (isWord("or")) {
-            const Token op = m_token;
+        NodePtr first = (this->*parseTerm)();
+        if (!isWord(word))
+            return first;
+        NodePtr chain = make(Formula::Node::Binary, m_token.position, QString::fromLatin1(word));
+        adopt(*chain, std::move(first));
+        while (isWord(word)) {
             advance();
-            left = binary(op, left, parseAnd());
+            adopt(*chain, (this->*parseTerm)());
         }
-        return left;
+        return chain;
     }
-
-    NodePtr parseAnd()
-    {
-        NodePtr left = parseNot();
-        while (isWord("and")) {
-            const Token op = m_token;
-            advance();
-            left = binary(op, left, parseNot());
-        }
-        return left;
-    }
+    NodePtr parseOr() { return parseChain("or", &Parser::parseAnd); }
+    NodePtr parseAnd() { return parseChain("and", &Parser::parseNot); }
 
     NodePtr parseNot()
     {
         if (!isWord("not"))
             return parseComparison();
+        const Nesting nesting(*this, m_token.position);
         NodePtr node = make(Formula::Node::Unary, m_token.position, QStringLiteral("not"));
         advance();
-        node->args = {parseNot()};
+        adopt(*node, parseNot());
         return node;
     }
 
@@ -117,7 +145,8 @@ private:
         if (isWord("in")) {
             NodePtr node = make(Formula::Node::In, m_token.position);
             advance();
-            node->args = {left, parseInList()};
+            adopt(*node, std::move(left));
+            adopt(*node, parseInList());
             return node;
         }
         return left;
@@ -131,12 +160,13 @@ private:
         if (!bracket && !isSymbol("("))
             fail(m_token.position,
                  QStringLiteral("expected a list in [ ] or ( ) or a parameter after \"in\""));
+        const Nesting nesting(*this, m_token.position);
         NodePtr list = make(Formula::Node::List, m_token.position);
         advance();
         while (!isSymbol(bracket ? "]" : ")")) {
             if (!list->args.empty())
                 expect(",");
-            list->args.push_back(parseAdditive());
+            adopt(*list, parseAdditive());
         }
         advance();
         return list;
@@ -168,9 +198,10 @@ private:
     {
         if (!isSymbol("-"))
             return parsePrimary();
+        const Nesting nesting(*this, m_token.position);
         NodePtr node = make(Formula::Node::Unary, m_token.position, QStringLiteral("-"));
         advance();
-        node->args = {parseUnary()};
+        adopt(*node, parseUnary());
         return node;
     }
 
@@ -197,6 +228,7 @@ private:
         case Token::Word: return parseWord(token);
         case Token::Symbol:
             if (token.text == QLatin1String("(")) {
+                const Nesting nesting(*this, token.position);
                 advance();
                 NodePtr inner = parseOr();
                 expect(")");
@@ -228,12 +260,13 @@ private:
             node->name = token.text;
             return node;
         }
+        const Nesting nesting(*this, token.position);
         advance();
         NodePtr call = make(Formula::Node::Call, token.position, word);
         while (!isSymbol(")")) {
             if (!call->args.empty())
                 expect(",");
-            call->args.push_back(parseOr());
+            adopt(*call, parseOr());
         }
         advance();
         return call;
@@ -247,6 +280,7 @@ private:
     QString m_name;
     QString m_text;
     int m_at = 0;
+    int m_nesting = 0;
     Token m_token;
 };
 

@@ -1,6 +1,7 @@
 #include "engine/GroupTree.h"
 
 #include "engine/ReportContext.h"
+#include "engine/StopCheck.h"
 #include "engine/ValueFormat.h"
 
 #include <QHash>
@@ -53,6 +54,7 @@ void GroupTree::sortRecords()
     std::vector<Item> items;
     items.reserve(size_t(m_order.size()));
     for (int position = 0; position < m_order.size(); ++position) {
+        CheckStop();
         context.setRecord(m_records.row(m_order[position]), position, nullptr);
         Item item{{}, m_order[position]};
         QString path;
@@ -95,6 +97,7 @@ void GroupTree::build()
                                      specs[slot].function == SummaryFunction::DistinctCount);
     };
     for (int position = 0; position < m_order.size(); ++position) {
+        CheckStop();
         context.setRecord(m_records.row(m_order[position]), position, nullptr);
         QVariantList keys;
         for (int level = 0; level < levels; ++level)

@@ -1,6 +1,7 @@
 #include "engine/GroupWalk.h"
 
 #include "engine/Report.h"
+#include "engine/StopCheck.h"
 
 namespace Engine {
 
@@ -10,8 +11,10 @@ void WalkDetails(const Report &report, const GroupNode &group, GroupVisitor &vis
 {
     const RecordStore &records = report.records();
     const QList<int> &order = report.groups().order();
-    for (int position = group.first; position < group.end; ++position)
+    for (int position = group.first; position < group.end; ++position) {
+        CheckStop();
         visitor.detail(records.row(order[position]), group, position);
+    }
 }
 
 void WalkChildren(const Report &report, const GroupNode &group, GroupVisitor &visitor, bool first)

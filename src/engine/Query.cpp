@@ -2,6 +2,7 @@
 
 #include "engine/Codes.h"
 #include "engine/EngineError.h"
+#include "engine/StopCheck.h"
 
 #include <QDateTime>
 #include <QSqlError>
@@ -99,8 +100,10 @@ void ReadQuery(DatabaseConnection &connection, const BoundQuery &bound, RecordSt
         // SQLite and ODBC give a boolean column as 0 and 1; keep it a boolean.
         return types[i] == BooleanField && !value.isNull() ? QVariant(value.toBool()) : value;
     };
-    while (query.next())
+    while (query.next()) {
+        CheckStop();
         records.append(width, valueAt);
+    }
     if (query.lastError().isValid())
         throw EngineError(EngineError::DatabaseError,
                           QStringLiteral("Reading the records failed: %1").arg(query.lastError().text()));

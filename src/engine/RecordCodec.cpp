@@ -35,10 +35,19 @@ qint32 MillisecondsOf(const QTime &time)
     return time.isValid() ? time.msecsSinceStartOfDay() : -1;
 }
 
+// A text's characters start at an even place of their block, as a block starts aligned in memory, so
+// that they can be read in place as UTF-16.
 void PutText(QByteArray &out, const QString &text)
 {
     Put<qint32>(out, qint32(text.size()));
+    if (out.size() % 2 != 0)
+        Put<char>(out, 0);
     PutBytes(out, text.utf16(), text.size() * qsizetype(sizeof(char16_t)));
+}
+
+const char *TextStart(const char *at)
+{
+    return at + (reinterpret_cast<quintptr>(at) % 2);
 }
 
 // A moment keeps its wall-clock date and time and how they relate to UTC.
@@ -99,9 +108,13 @@ void PutValue(QByteArray &out, const QVariant &value)
 QVariant TakeValue(const char *&at, bool skip = false)
 {
     const char tag = Take<char>(at);
-    if (skip && (tag == Text || tag == Bytes)) {
+    if (skip && tag == Text) {
         const qint32 size = Take<qint32>(at);
-        at += size * (tag == Text ? qsizetype(sizeof(char16_t)) : 1);
+        at = TextStart(at) + size * qsizetype(sizeof(char16_t));
+        return QVariant();
+    }
+    if (skip && tag == Bytes) {
+        at += Take<qint32>(at);
         return QVariant();
     }
     switch (tag) {
@@ -111,6 +124,7 @@ QVariant TakeValue(const char *&at, bool skip = false)
     case Real: return Take<double>(at);
     case Text: {
         const qint32 size = Take<qint32>(at);
+        at = TextStart(at);
         QString text(reinterpret_cast<const QChar *>(at), size);
         at += size * qsizetype(sizeof(char16_t));
         return text;
@@ -164,7 +178,7 @@ std::optional<QStringView> TextAt(const char *at)
     if (Take<char>(at) != Text)
         return std::nullopt;
     const qint32 size = Take<qint32>(at);
-    return QStringView(reinterpret_cast<const char16_t *>(at), size);
+    return QStringView(reinterpret_cast<const char16_t *>(TextStart(at)), size);
 }
 
 QList<QVariant> Decode(const char *&at)

@@ -7,6 +7,7 @@
 #include "engine/Paginator.h"
 #include "engine/Printing.h"
 #include "engine/Query.h"
+#include "engine/StopCheck.h"
 
 #include <QFileInfo>
 
@@ -241,6 +242,7 @@ void Report::applySelection()
     m_selected.reserve(m_records.count());
     // Without a formula no record needs reading here.
     for (int i = 0; i < m_records.count(); ++i) {
+        CheckStop();
         if (m_groupSelection.isEmpty() || m_groupSelection.test(m_records.row(i)))
             m_selected.append(i);
     }

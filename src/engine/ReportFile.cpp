@@ -14,6 +14,8 @@ namespace Engine {
 namespace {
 
 constexpr int MaxSubreportDepth = 4;
+// Each group level nests the walks of the records once more.
+constexpr int MaxGroups = 100;
 
 bool IsKnownValueType(int type)
 {
@@ -37,6 +39,11 @@ ReportDefinition ReportFile::readFile()
         throw EngineError(
             EngineError::FileNotFound,
             QStringLiteral("Cannot open report file %1: the file does not exist").arg(m_fileName));
+    // A FIFO would block the reading for good, a device never end.
+    if (!QFileInfo(m_fileName).isFile())
+        throw EngineError(
+            EngineError::FileNotFound,
+            QStringLiteral("Cannot open report file %1: it is not a regular file").arg(m_fileName));
     if (!file.open(QIODevice::ReadOnly))
         throw EngineError(
             EngineError::FileNotFound,
@@ -169,9 +176,11 @@ void ReportFile::readLayout(LayoutDefinition &layout)
             layout.pageFooter = text();
         else if (name == QLatin1String("column"))
             layout.columns.append(readColumn());
-        else if (name == QLatin1String("group"))
+        else if (name == QLatin1String("group")) {
+            if (layout.groups.size() == MaxGroups)
+                fail(QStringLiteral("a layout has at most %1 groups").arg(MaxGroups));
             layout.groups.append(readGroup());
-        else if (name == QLatin1String("sort")) {
+        } else if (name == QLatin1String("sort")) {
             layout.sorts.append(SortDefinition{attribute("field", true), descending()});
             m_xml.skipCurrentElement();
         } else if (name == QLatin1String("grandTotal")) {

@@ -198,10 +198,17 @@ void ReportFormulas::checkOperands() const
     }
 }
 
+// A formula field is evaluated inside the formulas that name it, so their depths add up.
 void ReportFormulas::checkCycles() const
 {
     // 0 not seen, 1 being followed, 2 done.
     std::vector<int> state(m_formulaFields.size(), 0);
+    std::vector<int> depth(m_formulaFields.size(), 0); // with the fields it names, once done
+    const auto tooDeep = [this](const QString &name) {
+        Fail(QStringLiteral("Formula field \"%1\": the formula fields it names nest more than %2 levels deep")
+                 .arg(name)
+                 .arg(Formula::MaxDepth));
+    };
     const std::function<void(int, QStringList)> follow = [&](int field, QStringList path) {
         path.append(m_formulaNames[field]);
         if (state[size_t(field)] == 1)
@@ -209,9 +216,18 @@ void ReportFormulas::checkCycles() const
                      .arg(path.join(QStringLiteral(" -> "))));
         if (state[size_t(field)] == 2)
             return;
+        if (path.size() > Formula::MaxDepth)
+            tooDeep(path.first());
         state[size_t(field)] = 1;
-        for (int next : m_formulaFields[size_t(field)].formulaFields())
+        const Formula &formula = m_formulaFields[size_t(field)];
+        int below = 0;
+        for (int next : formula.formulaFields()) {
             follow(next, path);
+            below = std::max(below, depth[size_t(next)]);
+        }
+        depth[size_t(field)] = formula.depth() + below;
+        if (depth[size_t(field)] > Formula::MaxDepth)
+            tooDeep(m_formulaNames[field]);
         state[size_t(field)] = 2;
     };
     for (int field = 0; field < int(m_formulaFields.size()); ++field)

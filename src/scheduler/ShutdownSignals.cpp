@@ -1,6 +1,7 @@
 #include "ShutdownSignals.h"
 
 #include "core/StopRequest.h"
+#include "engine/StopCheck.h"
 
 #include <QCoreApplication>
 #include <QSocketNotifier>
@@ -39,4 +40,6 @@ void CloseOnSignals(const std::function<void()> &close)
     action.sa_flags = SA_RESTART;
     ::sigaction(SIGTERM, &action, nullptr);
     ::sigaction(SIGINT, &action, nullptr);
+    // A report that is running when the signal comes stops between its records or pages.
+    Engine::SetStopCheck(&StopRequest::Requested);
 }

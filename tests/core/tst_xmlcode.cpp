@@ -173,13 +173,16 @@ void TestXMLCode::escapeRoundTrip()
     };
     for (const QString &value : values)
         QCOMPARE(RoundTrip(dir.path(), value), value);
+    // A line end alone split the line: the value was cut, and an item's ID could become another's.
+    const QString lone = u"lone\rreturn and lone\nfeed\n"_s;
+    QCOMPARE(RoundTrip(dir.path(), lone), lone);
 
     QCOMPARE(XMLEscape(u"a&b\r\nc"_s), u"a&amp;b&#0013;&#0010;c"_s);
     QCOMPARE(XMLEscape(u"\u00e9\u00e9"_s), u"&#0233;\u00e9"_s);
     QCOMPARE(XMLEscape(u"\u20ac"_s), u"\u20ac"_s);
     QCOMPARE(XMLEscape(u"x\u20ac!"_s), u"x&#0128;!"_s);
     QCOMPARE(XMLEscape(u"\u4e2d"_s), u"&#20013;"_s);
-    QCOMPARE(XMLEscape(u"cr\ralone"_s), u"cr\ralone"_s);
+    QCOMPARE(XMLEscape(u"cr\ralone\n"_s), u"cr&#0013;alone&#0010;"_s);
     QCOMPARE(XMLEscape(u"<&'\">\r\n\u00e9"_s), u"&lt;&amp;&apos;&quot;&gt;&#0013;&#0010;\u00e9"_s);
 
     QCOMPARE(XMLCData(u"a<b\r\nc"_s), u"<![CDATA[a<b&#0013;&#0010;c]]>"_s);

@@ -7,6 +7,7 @@
 using namespace Qt::Literals::StringLiterals;
 
 using namespace Engine;
+using namespace Qt::Literals::StringLiterals;
 
 class TestFormula : public QObject
 {
@@ -17,6 +18,7 @@ private Q_SLOTS:
     void nullsAndParameters();
     void faultsNameFormulaAndPosition_data();
     void faultsNameFormulaAndPosition();
+    void deepNestingIsAnError();
 
 private:
     const QStringList m_fields{u"region"_s, u"amount"_s, u"order_date"_s, u"paid"_s, u"customer"_s};
@@ -131,6 +133,35 @@ void TestFormula::faultsNameFormulaAndPosition()
         QVERIFY2(error.description().startsWith(u"Formula t: "_s), qPrintable(error.description()));
         QVERIFY2(error.description().contains(expected), qPrintable(error.description()));
     }
+}
+
+// Each level of nesting took stack in the parser and the evaluator: 5,000 of them ended the process.
+void TestFormula::deepNestingIsAnError()
+{
+    const auto fault = [this](const QString &text) {
+        try {
+            value(text);
+        } catch (const EngineError &error) {
+            return error.description();
+        }
+        return QString();
+    };
+    const QString tooDeep = u"Formula t: position %1: nested more than 500 levels deep"_s;
+    const auto repeated = [](const QString &part, int times) { return part.repeated(times); };
+
+    QCOMPARE(fault(repeated(u"("_s, 5000) + u"amount"_s + repeated(u")"_s, 5000)), tooDeep.arg(501));
+    QCOMPARE(fault(repeated(u"not "_s, 5000) + u"paid"_s), tooDeep.arg(2001));
+    QCOMPARE(fault(repeated(u"-"_s, 5000) + u"amount"_s), tooDeep.arg(501));
+    QCOMPARE(fault(repeated(u"abs("_s, 5000) + u"amount"_s + repeated(u")"_s, 5000)), tooDeep.arg(2001));
+    QCOMPARE(fault(u"1 in ["_s + repeated(u"(1 in ["_s, 3000) + u"1"_s + repeated(u"])"_s, 3000) + u"]"_s),
+             tooDeep.arg(13 + 7 * 249));
+    // A chain of operators nests one level a term, as it is worked out left to right.
+    QCOMPARE(fault(u"amount"_s + repeated(u" + 1"_s, 30000) + u" > 0"_s), tooDeep.arg(8 + 4 * 499));
+
+    // Up to the bound a formula works, and a chain of "and" or "or" does not nest at all.
+    QCOMPARE(value(repeated(u"("_s, 499) + u"amount"_s + repeated(u")"_s, 499)), QVariant(1500.0));
+    QCOMPARE(value(repeated(u"paid and "_s, 30000) + u"region = 'North'"_s), QVariant(true));
+    QCOMPARE(value(repeated(u"not paid or "_s, 30000) + u"amount < 0"_s), QVariant(false));
 }
 
 QORLO_TEST_MAIN(TestFormula)

@@ -284,6 +284,27 @@ void TestFormulaFields::faultsNameTheFormula()
                  "net, id, code")
                  .arg(report)
                  .replace(QLatin1String("\"{@nett}\""), QLatin1String("\"@nett\"")));
+
+    // Each formula field is worked out inside the one that names it: a chain of them nests deep.
+    const auto chainFrom = [](int first) -> QString {
+        QString chain;
+        for (int i = first; i < 5000; ++i)
+            chain += QStringLiteral("<formula name=\"f%1\">{@f%2} + 1</formula>").arg(i).arg(i + 1);
+        return chain +
+               QStringLiteral("<formula name=\"f5000\">amount</formula><layout><column field=\"f%1\"/>"
+                              "<group field=\"region\"/></layout>")
+                   .arg(first);
+    };
+    const QString tooDeep = QStringLiteral(
+        "Report %1: Formula field \"%2\": the formula fields it names nest more than 500 levels deep");
+    QCOMPARE(failure(chainFrom(0)), tooDeep.arg(report, QStringLiteral("f0")));
+    QCOMPARE(failure(chainFrom(4700)), tooDeep.arg(report, QStringLiteral("f4750")));
+    // Within the bound the chain is worked out: the first record's amount plus one for each link.
+    QSqlQuery first(QStringLiteral("SELECT region, amount FROM sales ORDER BY region, product, id LIMIT 1"));
+    QVERIFY(first.next());
+    QCOMPARE(
+        exportReport(QStringLiteral("chain"), chainFrom(4800), CharSeparatedFormat).section(u'\n', 1, 1),
+        QStringLiteral("\"%1\",%2\r").arg(first.value(0).toString()).arg(first.value(1).toDouble() + 200));
 }
 
 QORLO_TEST_MAIN(TestFormulaFields)

@@ -7,6 +7,7 @@
 #include "engine/ReportFile.h"
 
 #include <QTemporaryDir>
+#include <sys/stat.h>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -21,6 +22,8 @@ private Q_SLOTS:
     void objectModel();
     void badFilesNameLineAndFault_data();
     void badFilesNameLineAndFault();
+    void notRegularFiles();
+    void tooManyGroups();
     void subreportFiles();
     void parameterValuesAndTypes();
 
@@ -171,6 +174,53 @@ void TestReportFile::badFilesNameLineAndFault()
         QFAIL("a bad file must not open");
     } catch (const EngineError &error) {
         QCOMPARE(error.number(), int(EngineError::BadReportFile));
+    }
+}
+
+// A FIFO blocked the program for good.
+void TestReportFile::notRegularFiles()
+{
+    QTemporaryDir dir;
+    const QString fifo = dir.filePath(QStringLiteral("fifo.rpt"));
+    QVERIFY(mkfifo(QFile::encodeName(fifo).constData(), 0600) == 0);
+    const QString linked = dir.filePath(QStringLiteral("zero.rpt"));
+    QVERIFY(QFile::link(QStringLiteral("/dev/zero"), linked));
+    for (const QString &path : {fifo, linked, dir.path(), QStringLiteral("/dev/null")}) {
+        try {
+            Application().OpenReport(path);
+            QFAIL("only a regular file is a report");
+        } catch (const EngineError &error) {
+            QCOMPARE(error.number(), int(EngineError::FileNotFound));
+            QCOMPARE(error.description(),
+                     QStringLiteral("Cannot open report file %1: it is not a regular file").arg(path));
+        }
+    }
+}
+
+// Each group level nests the walk of the records once more: 50,000 of them overflowed the stack.
+void TestReportFile::tooManyGroups()
+{
+    QTemporaryDir dir;
+    TestSupport::MakeSalesDatabase(dir.filePath(QStringLiteral("sales.db")));
+    Application application;
+    const auto exportGroups = [&](int count) {
+        const QString path = TestSupport::SalesReport(
+            QDir(dir.path()), QStringLiteral("groups.rpt"), QStringLiteral("SELECT id, region FROM {Sales}"),
+            QStringLiteral("<layout>") + QStringLiteral("<group field=\"region\"/>").repeated(count) +
+                QStringLiteral("</layout>"));
+        auto report = application.OpenReport(path);
+        report->ExportOptions().FormatType = PdfFormat;
+        report->ExportOptions().DiskFileName = dir.filePath(QStringLiteral("groups.pdf"));
+        report->Export(false);
+    };
+    exportGroups(100);
+    try {
+        exportGroups(50000);
+        QFAIL("50,000 groups must not open");
+    } catch (const EngineError &error) {
+        QCOMPARE(error.number(), int(EngineError::BadReportFile));
+        QVERIFY2(error.description().endsWith(QLatin1String("line 6: a layout has at most 100 groups")),
+                 qPrintable(error.description()));
     }
 }
 

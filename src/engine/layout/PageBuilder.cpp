@@ -1,6 +1,7 @@
 #include "engine/layout/PageBuilder.h"
 
 #include "engine/Report.h"
+#include "engine/StopCheck.h"
 
 namespace Engine {
 
@@ -142,6 +143,7 @@ void PageBuilder::endPage()
     if (m_sink)
         m_sink->addPage(m_page);
     m_open = false;
+    CheckStop();
 }
 
 void PageBuilder::put(const Band &band)
