@@ -25,11 +25,13 @@ cmake --build "$BUILD" -j2 --target "${TARGETS[@]/#/fuzz_}"
 
 run_one() {
   local target=$1
-  local seeds=tests/data/fuzz/$target corpus=$BUILD/corpus/$target findings=$BUILD/findings/$target
+  # Absolute paths: some targets change their working folder.
+  local seeds=$PWD/tests/data/fuzz/$target corpus=$PWD/$BUILD/corpus/$target findings=$PWD/$BUILD/findings/$target
   mkdir -p "$corpus" "$findings" "$BUILD/logs"
-  # A leak check would report the objects Qt keeps for the whole process.
-  "$BUILD/fuzz/fuzz_$target" -max_total_time="$SECONDS_EACH" -timeout=10 -rss_limit_mb=2048 \
-    -detect_leaks=0 -print_final_stats=1 -dict="tests/data/fuzz/$target.dict" \
+  # A leak check would report the objects Qt keeps for the whole process; the flag alone does not
+  # stop the check at exit.
+  ASAN_OPTIONS=detect_leaks=0 "$BUILD/fuzz/fuzz_$target" -max_total_time="$SECONDS_EACH" -timeout=10 -rss_limit_mb=2048 \
+    -detect_leaks=0 -print_final_stats=1 -dict="$PWD/tests/data/fuzz/$target.dict" \
     -artifact_prefix="$findings/" "$corpus" "$seeds" >"$BUILD/logs/$target.log" 2>&1 || true
   local runs findings_count
   runs=$(grep -o 'stat::number_of_executed_units: [0-9]*' "$BUILD/logs/$target.log" | tail -1 | grep -o '[0-9]*$' || true)
