@@ -21,7 +21,8 @@ public:
         BadFormula = 504,
         ExportFailed = 505,
         PrintFailed = 507,
-        NotLoggedOn = 508
+        NotLoggedOn = 508,
+        Halted = 509 // stopped on request, between records or pages
     };
 
     EngineError(int number, QString description);

@@ -2,6 +2,7 @@
 
 #include "engine/Codes.h"
 #include "engine/EngineError.h"
+#include "engine/Interruption.h"
 
 #include <QDateTime>
 #include <QSqlError>
@@ -99,8 +100,11 @@ void ReadQuery(DatabaseConnection &connection, const BoundQuery &bound, RecordSt
         // SQLite and ODBC give a boolean column as 0 and 1; keep it a boolean.
         return types[i] == BooleanField && !value.isNull() ? QVariant(value.toBool()) : value;
     };
-    while (query.next())
+    for (int count = 1; query.next(); ++count) {
         records.append(width, valueAt);
+        if (count % 256 == 0)
+            PollInterruption();
+    }
     if (query.lastError().isValid())
         throw EngineError(EngineError::DatabaseError,
                           QStringLiteral("Reading the records failed: %1").arg(query.lastError().text()));

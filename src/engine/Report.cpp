@@ -97,8 +97,8 @@ void Report::ReadRecords()
         m_recordsRead = true;
         applySelection();
         readSubreports();
-    } catch (const EngineError &) {
-        m_status.setProgress(ProgressFailed);
+    } catch (const EngineError &error) {
+        m_status.setProgress(error.number() == EngineError::Halted ? ProgressHalted : ProgressFailed);
         throw;
     }
     m_status.setProgress(ProgressCompleted);

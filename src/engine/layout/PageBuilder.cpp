@@ -1,5 +1,6 @@
 #include "engine/layout/PageBuilder.h"
 
+#include "engine/Interruption.h"
 #include "engine/Report.h"
 
 namespace Engine {
@@ -142,6 +143,7 @@ void PageBuilder::endPage()
     if (m_sink)
         m_sink->addPage(m_page);
     m_open = false;
+    PollInterruption();
 }
 
 void PageBuilder::put(const Band &band)
