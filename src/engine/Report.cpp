@@ -94,6 +94,7 @@ void Report::ReadRecords()
             readFromDatabase();
         checkLayoutFields();
         m_formulas = makeFormulas();
+        m_formulas->setPrintDate(m_printDate);
         m_recordsRead = true;
         applySelection();
         readSubreports();
@@ -283,6 +284,13 @@ void Report::PrintOut(bool, qint16 numberOfCopies)
     if (!m_recordsRead)
         ReadRecords();
     PrintReport(*this, numberOfCopies);
+}
+
+void Report::setPrintDate(QDate date)
+{
+    m_printDate = date;
+    if (m_formulas)
+        m_formulas->setPrintDate(date);
 }
 
 void Report::SelectPrinter(const QString &driverName, const QString &deviceName, const QString &portName)

@@ -1,6 +1,7 @@
 #include "frmMain.h"
 
 #include "GridSort.h"
+#include "frmCrystal.h"
 #include "frmAdv.h"
 #include "frmBackup.h"
 #include "frmDomain.h"
@@ -145,6 +146,11 @@ void frmMain::BuildMenus()
 
     QMenu *view = menuBar()->addMenu(QStringLiteral("&View"));
     AddAction(view, "mnuViewSMTP", QStringLiteral("View SMTP log"), [this] { ViewSmtpLog(); });
+    AddAction(view, "mnuBrowse", QStringLiteral("&View Report Now"), [this] {
+        frmCrystal::ViewFile(m_globals, m_globals.prompter.AskOpenFileName(
+                                            QStringLiteral("View Report Now"), m_globals.AppPath,
+                                            QStringLiteral("Crystal Report (*.rpt)")));
+    });
 
     QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
     AddAction(help, "mnuOnLineHelp", QStringLiteral("Send Help Message"), [this] { OpenHelpMessage(); });

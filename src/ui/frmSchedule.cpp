@@ -2,6 +2,7 @@
 #include "frmSchedule.h"
 
 #include "DialogButtons.h"
+#include "frmCrystal.h"
 
 #include "core/Printers.h"
 #include "scheduler/ItemRouter.h"
@@ -107,6 +108,11 @@ frmSchedule::frmSchedule(QorloGlobals &globals, QWidget *parent)
     exit->setObjectName(QStringLiteral("mnuExit"));
     QAction *run = menus->addAction(QStringLiteral("&Run"), this, [this] { RunNow(); });
     run->setObjectName(QStringLiteral("mnuRun"));
+    QAction *preview = menus->addAction(QStringLiteral("&Preview"), this, [this] {
+        if (WriteSchedule())
+            frmCrystal::PreviewItem(m_globals, m_shownID, m_globals.Schedule.File(), this);
+    });
+    preview->setObjectName(QStringLiteral("mnuPreview"));
     layout->setMenuBar(menus);
     BuildFields(layout);
     BuildTabs(layout);

@@ -41,6 +41,27 @@ inline QString PdfText(const QString &pdf, bool layout = true)
     return QString::fromUtf8(Output(QStringLiteral("pdftotext"), arguments).value_or(QByteArray()));
 }
 
+// pdftotext's reading of one page (1-based) of a PDF, in reading order.
+inline QString PdfPageText(const QString &pdf, int page)
+{
+    const QString number = QString::number(page);
+    return QString::fromUtf8(
+        Output(QStringLiteral("pdftotext"),
+               {QStringLiteral("-f"), number, QStringLiteral("-l"), number, pdf, QStringLiteral("-")})
+            .value_or(QByteArray()));
+}
+
+// The page count pdfinfo gives; 0 when it cannot read the file.
+inline int PdfPageCount(const QString &pdf)
+{
+    const QString info = QString::fromUtf8(Output(QStringLiteral("pdfinfo"), {pdf}).value_or(QByteArray()));
+    for (const QString &line : info.split(QLatin1Char('\n'))) {
+        if (line.startsWith(QLatin1String("Pages:")))
+            return line.mid(6).trimmed().toInt();
+    }
+    return 0;
+}
+
 // What xlrd reads from a workbook: a line per sheet, then a line per cell (tests/peers/xls_dump.py).
 inline QString XlsCells(const QString &xls)
 {

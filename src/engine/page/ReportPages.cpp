@@ -29,7 +29,7 @@ void ReportPages::addPage(const Page &page)
 {
     m_pages.append(page);
     for (const PageAnchor &anchor : page.anchors)
-        m_groups.append(Group{anchor.level, anchor.caption, page.number});
+        m_groups.append(Group{anchor.level, anchor.caption, page.number, anchor.y});
     if (m_pageAdded)
         m_pageAdded(page.number);
 }

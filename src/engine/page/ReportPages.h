@@ -16,6 +16,7 @@ public:
         int level = 0; // 0 the outermost
         QString caption;
         int page = 0;
+        double y = 0; // where it starts on its page, in points
     };
 
     // Called after each page has arrived, with its number: a viewer shows the first page at once.
