@@ -191,7 +191,8 @@ void frmCrystal::CheckAlerts()
         if (alert.AlertingRecords().Count() < 1)
             continue;
         if (!m_alertWindow) {
-            m_alertWindow = new frmAlert10(ReportCaption());
+            // Owned by the viewer: usable beside a modal item editor, and gone with the viewer.
+            m_alertWindow = new frmAlert10(ReportCaption(), this);
             m_alertWindow->show();
             m_alertKey = ReportCaption();
         }
