@@ -161,9 +161,11 @@ void frmCrystal::ViewReport()
 {
     if (!m_errorText.isEmpty())
         return;
+    // The window can be closed, and so deleted, while the wait turns the event loop.
+    const QPointer<frmCrystal> self(this);
     m_viewer->ViewReport();
     WaitForFinish();
-    if (m_run.report && m_run.report->ReportAlerts().Count() > 0)
+    if (self && m_run.report && m_run.report->ReportAlerts().Count() > 0)
         CheckAlerts();
 }
 
@@ -177,8 +179,9 @@ void frmCrystal::WaitForFinish()
 {
     if (!m_run.report)
         return;
+    const QPointer<frmCrystal> self(this);
     const QDeadlineTimer limit(WaitLimitMs);
-    while (!Ended(m_run.report->PrintingStatus().Progress()) && !limit.hasExpired()) {
+    while (self && !Ended(m_run.report->PrintingStatus().Progress()) && !limit.hasExpired()) {
         QEventLoop turn;
         QTimer::singleShot(WaitTurnMs, &turn, [] {});
         turn.processEvents(QEventLoop::WaitForMoreEvents);

@@ -1,4 +1,4 @@
-#include "../engine/CupsPeerFixture.h"
+#include "CupsPeerFixture.h"
 #include "../engine/EngineFixtures.h"
 #include "../engine/tst_page_sample.h"
 #include "Peers.h"
