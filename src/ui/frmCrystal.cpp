@@ -143,8 +143,8 @@ void frmCrystal::Load(const QString &file, const QString &reportID)
         ReportBinding::SetParameters(run, QString());
         m_globals.Schedule.SetPosition(position);
     }
-    if (m_run.trap.IsSet() || !AskParameters()) {
-        m_errorText = m_run.trap.IsSet() ? m_run.trap.Description() : QStringLiteral("No parameter values");
+    if (m_run.trap.IsSet()) {
+        m_errorText = m_run.trap.Description();
         return;
     }
     m_viewer->setReportSource(m_run.report.get());
@@ -161,6 +161,10 @@ void frmCrystal::ViewReport()
 {
     if (!m_errorText.isEmpty())
         return;
+    if (m_run.report && !AskParameters()) {
+        m_errorText = QStringLiteral("No parameter values");
+        return;
+    }
     // The window can be closed, and so deleted, while the wait turns the event loop.
     const QPointer<frmCrystal> self(this);
     m_viewer->ViewReport();

@@ -31,7 +31,8 @@ public:
     // Opens the report and prepares it for the view. `useParameters` would apply the global parameter
     // list, which is always empty here.
     void LoadTCReport(const QString &file, bool useParameters);
-    // Shows the report, waits for the engine and lists the alerts that fired.
+    // Asks for the parameters that hold no value, shows the report, waits for the engine and lists the
+    // alerts that fired.
     void ViewReport();
     QString ReportCaption() const;
     // Turns the event loop until the engine has ended (completed, failed or halted), at most 10 minutes.

@@ -11,7 +11,9 @@
 #include "ui/ReportViewer.h"
 #include "ui/frmAlert10.h"
 #include "ui/frmCrystal.h"
+#include "ui/frmSchedule.h"
 
+#include <QAction>
 #include <QComboBox>
 #include <QDateTimeEdit>
 #include <QDialog>
@@ -377,12 +379,49 @@ void TestFrmCrystal::parametersReachTheQuery()
         schedule.SetParmValue(value);
     }
     schedule.SetPosition(-1);
+    const int storedCount = f.count(u"SELECT count(*) FROM sales WHERE region IN ('East', 'North') "
+                                    "AND order_date BETWEEN '2024-02-01' AND '2024-02-29'"_s);
     frmCrystal *preview = frmCrystal::PreviewItem(f.globals, id, f.file(u"sales-parameters.rpt"_s), nullptr);
     QVERIFY(preview);
-    QCOMPARE(preview->Report()->PrintingStatus().NumberOfRecordSelected(),
-             f.count(u"SELECT count(*) FROM sales WHERE region IN ('East', 'North') "
-                     "AND order_date BETWEEN '2024-02-01' AND '2024-02-29'"_s));
+    QCOMPARE(preview->Report()->PrintingStatus().NumberOfRecordSelected(), storedCount);
     QCOMPARE(schedule.Position(), -1);
+
+    // The same from the item editor's Preview, as a window of the editor.
+    schedule.Find(id);
+    schedule.SetName(u"Parameters"_s);
+    schedule.SetSchedule(u"Y"_s);
+    schedule.SetNextRun(u"05-Mar-2026 07:30"_s);
+    schedule.SetFrequency(u"M"_s);
+    schedule.SetFreqTimes(u"1"_s);
+    schedule.SetDest(u"E"_s);
+    schedule.SetEmail(u"boss@example.com"_s);
+    frmSchedule editor(f.globals);
+    editor.ShowSchedule();
+    auto *command = editor.findChild<QAction *>(u"mnuPreview"_s);
+    QVERIFY(command);
+    command->trigger();
+    auto *fromEditor = editor.findChild<frmCrystal *>();
+    QVERIFY(fromEditor);
+    QCOMPARE(fromEditor->Report()->PrintingStatus().NumberOfRecordSelected(), storedCount);
+    QCOMPARE(f.prompter.take(), QStringList());
+
+    // A value set by name is typed by its parameter: a number must be numeric.
+    QFile limited(f.file(u"limited.rpt"_s));
+    QVERIFY(limited.open(QIODevice::WriteOnly));
+    limited.write(R"(<?xml version="1.0" encoding="UTF-8"?>
+<report version="1"><title>Limited</title><table name="S" location="sales" dll="sqlite"><property name="Database">demo.db</property></table>
+<parameter name="Limit" type="7" prompt="Smallest amount"><default>0</default></parameter>
+<query>SELECT id, amount FROM {S} WHERE amount &gt;= {?Limit}</query>
+<layout><column field="id" caption="Id" width="60"/></layout></report>)");
+    limited.close();
+    auto *typed = new frmCrystal(f.globals);
+    typed->LoadTCReport(limited.fileName(), false);
+    typed->LoadTCParm(u"{?limit}"_s, u"many"_s);
+    QCOMPARE(f.prompter.take(), QStringList{u"Error: ERROR: 'Limit' parameter must be numeric"_s});
+    typed->LoadTCParm(u"{?Limit}"_s, u"1500"_s);
+    typed->ViewReport();
+    QCOMPARE(typed->Report()->PrintingStatus().NumberOfRecordSelected(),
+             f.count(u"SELECT count(*) FROM sales WHERE amount >= 1500"_s));
 }
 
 void TestFrmCrystal::windowOperations()
