@@ -6,11 +6,13 @@
 #include "core/TWReg.h"
 #include "engine/Codes.h"
 #include "engine/Report.h"
+#include "scheduler/Dispatcher.h"
 #include "scheduler/QorloGlobals.h"
 #include "ui/ReportPageView.h"
 #include "ui/ReportViewer.h"
 #include "ui/frmAlert10.h"
 #include "ui/frmCrystal.h"
+#include "ui/frmMain.h"
 #include "ui/frmSchedule.h"
 
 #include <QAction>
@@ -427,6 +429,25 @@ void TestFrmCrystal::parametersReachTheQuery()
 void TestFrmCrystal::windowOperations()
 {
     ViewerFixture f;
+    // View Report Now: the file the operator picks opens in a viewer; no file opens nothing.
+    f.globals.Viewer.ApplyStartDefaults();
+    Dispatcher dispatcher(f.globals);
+    frmMain main(f.globals, dispatcher);
+    auto *browse = main.findChild<QAction *>(u"mnuBrowse"_s);
+    QVERIFY(browse);
+    f.prompter.setNextFileNames({f.file(u"sales-by-region.rpt"_s)});
+    browse->trigger();
+    browse->trigger();
+    QCOMPARE(f.prompter.take(), QStringList(2, u"View Report Now: "_s + f.dir.path()));
+    QList<frmCrystal *> viewers;
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        if (auto *viewer = qobject_cast<frmCrystal *>(window))
+            viewers.append(viewer);
+    }
+    QCOMPARE(viewers.size(), 1);
+    QCOMPARE(viewers[0]->windowTitle(), u"Sales by Region and Product"_s);
+    viewers[0]->close();
+
     // Without a title the caption is the file name; a missing table is the engine's box, nothing shown.
     QFile bare(f.file(u"untitled.rpt"_s));
     QVERIFY(bare.open(QIODevice::WriteOnly));
