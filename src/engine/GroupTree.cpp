@@ -1,5 +1,6 @@
 #include "engine/GroupTree.h"
 
+#include "engine/Interruption.h"
 #include "engine/ReportContext.h"
 #include "engine/ValueFormat.h"
 
@@ -53,6 +54,8 @@ void GroupTree::sortRecords()
     std::vector<Item> items;
     items.reserve(size_t(m_order.size()));
     for (int position = 0; position < m_order.size(); ++position) {
+        if (position % 4096 == 4095)
+            PollInterruption();
         context.setRecord(m_records.row(m_order[position]), position, nullptr);
         Item item{{}, m_order[position]};
         QString path;
@@ -95,6 +98,8 @@ void GroupTree::build()
                                      specs[slot].function == SummaryFunction::DistinctCount);
     };
     for (int position = 0; position < m_order.size(); ++position) {
+        if (position % 4096 == 4095)
+            PollInterruption();
         context.setRecord(m_records.row(m_order[position]), position, nullptr);
         QVariantList keys;
         for (int level = 0; level < levels; ++level)

@@ -3,6 +3,7 @@
 #include "engine/Application.h"
 #include "engine/DatabaseConnection.h"
 #include "engine/Export.h"
+#include "engine/Interruption.h"
 #include "engine/NearestNames.h"
 #include "engine/Paginator.h"
 #include "engine/Printing.h"
@@ -242,6 +243,8 @@ void Report::applySelection()
     m_selected.reserve(m_records.count());
     // Without a formula no record needs reading here.
     for (int i = 0; i < m_records.count(); ++i) {
+        if (i % 4096 == 4095)
+            PollInterruption();
         if (m_groupSelection.isEmpty() || m_groupSelection.test(m_records.row(i)))
             m_selected.append(i);
     }
