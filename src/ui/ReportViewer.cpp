@@ -244,13 +244,14 @@ void ReportViewer::LastPage()
 
 bool ReportViewer::GroupTreeShown() const
 {
-    return !m_tree->isHidden();
+    return m_groupTreeAction->isChecked();
 }
 
+// A report without groups leaves the room of its empty tree to the page.
 void ReportViewer::SetGroupTreeShown(bool shown)
 {
-    m_tree->setVisible(shown);
     m_groupTreeAction->setChecked(shown);
+    m_tree->setVisible(shown && m_tree->topLevelItemCount() > 0);
 }
 
 // The groups nest by level: each goes under the last group one level up.
@@ -267,6 +268,7 @@ void ReportViewer::FillGroupTree()
         item->setData(0, Qt::UserRole + 1, group.y);
         open.append(item);
     }
+    SetGroupTreeShown(GroupTreeShown());
 }
 
 void ReportViewer::OnGroupChosen(QTreeWidgetItem *item)

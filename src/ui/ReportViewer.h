@@ -55,6 +55,7 @@ public:
     void PreviousPage();
     void NextPage();
     void LastPage();
+    // The tree is on the left while it is switched on and the report has groups.
     bool GroupTreeShown() const;
     void SetGroupTreeShown(bool shown);
     QTreeWidget &GroupTree() const { return *m_tree; }

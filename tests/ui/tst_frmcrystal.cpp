@@ -480,8 +480,11 @@ void TestFrmCrystal::windowOperations()
     QVERIFY2(ModelText(dated->Viewer().Pages(), 1).contains(u"2020"_s),
              qPrintable(ModelText(dated->Viewer().Pages(), 1)));
 
+    QVERIFY(dated->ShowGroupTree() && !dated->Viewer().GroupTree().isHidden());
     dated->SetGroupTree(false);
-    QVERIFY(!dated->ShowGroupTree());
+    QVERIFY(!dated->ShowGroupTree() && dated->Viewer().GroupTree().isHidden());
+    // Without groups there is no tree to show, though it stays switched on.
+    QVERIFY(untitled->ShowGroupTree() && untitled->Viewer().GroupTree().isHidden());
     dated->SetFade(128);
     QCOMPARE(qRound(dated->windowOpacity() * 255), 128);
     dated->setWindowState(Qt::WindowNoState);
