@@ -26,6 +26,7 @@
 #include <QPushButton>
 #include <QRegularExpression>
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -46,6 +47,7 @@ struct ViewerFixture
     }
     ~ViewerFixture()
     {
+        QSqlDatabase::removeDatabase(dir.path());
         // Windows that own other windows take them along.
         QList<QPointer<QWidget>> windows;
         for (QWidget *window : QApplication::topLevelWidgets())
@@ -56,16 +58,20 @@ struct ViewerFixture
 
     QString file(const QString &name) const { return dir.filePath(name); }
     frmCrystal *view(const QString &name) { return frmCrystal::ViewFile(globals, file(name)); }
+    // The copied demo database, on a connection of this fixture.
+    QSqlDatabase db()
+    {
+        if (!QSqlDatabase::contains(dir.path())) {
+            QSqlDatabase added = QSqlDatabase::addDatabase(u"QSQLITE"_s, dir.path());
+            added.setDatabaseName(file(u"demo.db"_s));
+            added.open();
+        }
+        return QSqlDatabase::database(dir.path());
+    }
     // A count by SQL on the copied demo database.
     int count(const QString &sql)
     {
-        auto db = QSqlDatabase::database(u"demo"_s, false);
-        if (!db.isValid()) {
-            db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"demo"_s);
-            db.setDatabaseName(file(u"demo.db"_s));
-            db.open();
-        }
-        QSqlQuery query(sql, db);
+        QSqlQuery query(sql, db());
         return query.next() ? query.value(0).toInt() : -1;
     }
     QString exportPdf(frmCrystal &window, const QString &name)
@@ -220,8 +226,7 @@ void TestFrmCrystal::groupTreeSearchAndZoom()
     QVERIFY(EngineOracles::PdfPageText(pdf, south).contains(u"Region: South"_s));
     QVERIFY(!viewer.PageView().image().isNull());
     QSqlQuery customers(
-        u"SELECT customer FROM sales WHERE region = 'West' ORDER BY product, order_date, id"_s,
-        QSqlDatabase::database(u"demo"_s));
+        u"SELECT customer FROM sales WHERE region = 'West' ORDER BY product, order_date, id"_s, f.db());
     QVERIFY(customers.next());
     const QString customer = customers.value(0).toString();
     Q_EMIT tree.itemClicked(tree.topLevelItem(3), 0);
@@ -485,6 +490,19 @@ void TestFrmCrystal::windowOperations()
     QVERIFY(!dated->ShowGroupTree() && dated->Viewer().GroupTree().isHidden());
     // Without groups there is no tree to show, though it stays switched on.
     QVERIFY(untitled->ShowGroupTree() && untitled->Viewer().GroupTree().isHidden());
+    // Refresh reads the database again.
+    QVERIFY(f.count(u"SELECT count(*) FROM sales"_s) > 0);
+    QSqlQuery insert(f.db());
+    QVERIFY2(
+        insert.exec(u"INSERT INTO sales SELECT id + 100000, order_date, region, product, customer, quantity, "
+                    "unit_price, amount, paid FROM sales WHERE id <= 5"_s),
+        qPrintable(insert.lastError().text()));
+    dated->RefreshData();
+    dated->WaitForFinish();
+    QCOMPARE(dated->Report()->PrintingStatus().NumberOfRecordSelected(),
+             f.count(u"SELECT count(*) FROM sales"_s));
+    dated->FadeIn();
+    QCOMPARE(qRound(dated->windowOpacity() * 255), 254);
     dated->SetFade(128);
     QCOMPARE(qRound(dated->windowOpacity() * 255), 128);
     dated->setWindowState(Qt::WindowNoState);
