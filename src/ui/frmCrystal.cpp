@@ -154,7 +154,10 @@ void frmCrystal::Load(const QString &file, const QString &reportID)
 bool frmCrystal::AskParameters()
 {
     frmParameterValues dialog(*m_run.report, this);
-    return dialog.IsEmpty() || dialog.exec() == QDialog::Accepted;
+    if (dialog.IsEmpty())
+        return true;
+    m_run.report->SetDialogParentWindow(quintptr(winId()));
+    return dialog.exec() == QDialog::Accepted;
 }
 
 void frmCrystal::ViewReport()
