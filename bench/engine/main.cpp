@@ -10,6 +10,7 @@
 #include "engine/EngineError.h"
 #include "engine/Report.h"
 #include "engine/StopCheck.h"
+#include "support/SalesDatabase.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -44,35 +45,6 @@ double ProcessorSeconds(int who)
     getrusage(who, &usage);
     const auto seconds = [](const timeval &t) { return double(t.tv_sec) + t.tv_usec / 1e6; };
     return seconds(usage.ru_utime) + seconds(usage.ru_stime);
-}
-
-bool MakeDatabase(const QString &path, int rows)
-{
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("bench"));
-    db.setDatabaseName(path);
-    if (!db.open())
-        return false;
-    QSqlQuery q(db);
-    q.exec(QStringLiteral("CREATE TABLE sales (id INTEGER, order_date DATE, region TEXT, customer TEXT, "
-                          "quantity INTEGER, amount DOUBLE)"));
-    db.transaction();
-    q.prepare(QStringLiteral("INSERT INTO sales VALUES (?, ?, ?, ?, ?, ?)"));
-    const QStringList regions{QStringLiteral("North"), QStringLiteral("South"), QStringLiteral("East"),
-                              QStringLiteral("West")};
-    const QDate start(2024, 1, 1);
-    for (int i = 1; i <= rows; ++i) {
-        q.addBindValue(i);
-        q.addBindValue(start.addDays(i % 366).toString(Qt::ISODate));
-        q.addBindValue(regions[i % 4]);
-        q.addBindValue(QStringLiteral("Customer \"%1\", Ltd").arg(i % 997));
-        q.addBindValue(1 + i % 40);
-        q.addBindValue((i % 10000) / 4.0);
-        if (!q.exec())
-            return false;
-    }
-    const bool ok = db.commit();
-    db.close();
-    return ok;
 }
 
 // A report over the first `rows` records.
@@ -256,7 +228,7 @@ int main(int argc, char **argv)
     QTemporaryDir folder;
     QElapsedTimer timer;
     timer.start();
-    if (!MakeDatabase(folder.filePath(QStringLiteral("bench.db")), rows)) {
+    if (!BenchData::MakeDatabase(folder.filePath(QStringLiteral("bench.db")), rows)) {
         std::fprintf(stderr, "cannot build the benchmark database\n");
         return 1;
     }

@@ -95,11 +95,12 @@ void Report::ReadRecords()
             readFromDatabase();
         checkLayoutFields();
         m_formulas = makeFormulas();
+        m_formulas->setPrintDate(m_printDate);
         m_recordsRead = true;
         applySelection();
         readSubreports();
-    } catch (const EngineError &) {
-        m_status.setProgress(ProgressFailed);
+    } catch (const EngineError &error) {
+        m_status.setProgress(error.number() == EngineError::Stopped ? ProgressHalted : ProgressFailed);
         throw;
     }
     m_status.setProgress(ProgressCompleted);
@@ -285,6 +286,13 @@ void Report::PrintOut(bool, qint16 numberOfCopies)
     if (!m_recordsRead)
         ReadRecords();
     PrintReport(*this, numberOfCopies);
+}
+
+void Report::setPrintDate(QDate date)
+{
+    m_printDate = date;
+    if (m_formulas)
+        m_formulas->setPrintDate(date);
 }
 
 void Report::SelectPrinter(const QString &driverName, const QString &deviceName, const QString &portName)

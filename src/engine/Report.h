@@ -55,6 +55,8 @@ public:
     // Raises EngineError when the formula does not parse, or names a field the records lack.
     void setGroupSelectionFormula(const QString &formula);
     Collection<ReportAlert> &ReportAlerts() { return m_alerts; }
+    // The date the report prints as its PrintDate; today when not valid.
+    void setPrintDate(QDate date);
     // There are no engine dialogs to parent; kept for callers that pass their window.
     void SetDialogParentWindow(quintptr) {}
 
@@ -103,6 +105,7 @@ private:
     Engine::ExportOptions m_exportOptions;
     int m_paperOrientation = DefaultPaperOrientation;
     int m_pageCount = -1;
+    QDate m_printDate;
     CupsPrinter m_printer;
 };
 

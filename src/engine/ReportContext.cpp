@@ -60,7 +60,7 @@ QVariant ReportContext::named(const NameRef &name) const
 QVariant ReportContext::special(int name) const
 {
     switch (name) {
-    case NameRef::PrintDate: return QDate::currentDate();
+    case NameRef::PrintDate: return m_formulas.printDate();
     case NameRef::PageNumber: return m_page > 0 ? QVariant(double(m_page)) : QVariant();
     case NameRef::TotalPages: return m_pages > 0 ? QVariant(double(m_pages)) : QVariant();
     case NameRef::RecordNumber:

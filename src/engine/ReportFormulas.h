@@ -6,6 +6,7 @@
 #include "engine/Summary.h"
 #include "engine/TextTemplate.h"
 
+#include <QDate>
 #include <vector>
 
 namespace Engine {
@@ -53,6 +54,10 @@ public:
     QString summary(const QString &function, const NameRef &operand, const QString &groupField,
                     int defaultLevel, SummaryRef &summary) override;
 
+    // The date PrintDate gives; today while it is not valid.
+    QDate printDate() const { return m_printDate.isValid() ? m_printDate : QDate::currentDate(); }
+    void setPrintDate(QDate date) { m_printDate = date; }
+
     int levels() const { return int(m_groups.size()); }
     const GroupRule &group(int level) const { return m_groups[size_t(level)]; }
     // The summaries kept for each group of a level, -1 for the report.
@@ -68,6 +73,7 @@ public:
     bool reorders() const;
 
 private:
+    QDate m_printDate;
     int levelOf(const QString &groupField) const;
     NameRef recordName(const QString &what, const QString &name) const;
     void addSubtotal(const QString &what, const SummaryDefinition &definition, int level);

@@ -5,6 +5,7 @@
 #include "DeskSettings.h"
 #include "DesktopOpen.h"
 #include "SupportMail.h"
+#include "frmCrystal.h"
 #include "frmList.h"
 #include "frmMain.h"
 
@@ -59,9 +60,7 @@ void DeskCommands::ViewReportNow()
     if (file.isEmpty())
         return;
     if (CommonFile::FileExtension(file).toUpper() == QLatin1String("RPT"))
-        return m_globals.prompter.ShowMessage(title, QStringLiteral("The report viewer is not part of this "
-                                                                    "version yet: ") +
-                                                         file);
+        return void(frmCrystal::ViewFile(m_globals, file));
     OpenWithDesktop(m_globals.prompter, title, QUrl::fromLocalFile(file));
 }
 

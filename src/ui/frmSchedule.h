@@ -2,7 +2,6 @@
 // The schedule item editor: shows the item at the schedule's cursor, pages through the schedule and
 // writes the item back, saving the schedule file, on Save or Apply.
 
-#include "LinkedWindows.h"
 #include "MomentControls.h"
 
 #include <QDialog>
@@ -86,7 +85,6 @@ private:
     void OpenParameters();
     void SelectDestination(const QString &destination);
     void SelectCalendarFile();
-    void OpenLinked(LinkedWindows::Link link);
     void EditCalendarFile();
     // Something else moved the schedule's cursor while the window was in the back: offers to save the
     // window into its own item, then shows the item at the cursor.
@@ -157,5 +155,4 @@ private:
     QPushButton *cmdApply = nullptr;
     QPushButton *cmdSave = nullptr;
     QPushButton *cmdExit = nullptr;
-    QList<std::pair<QAction *, LinkedWindows::Link>> m_linkedEntries;
 };

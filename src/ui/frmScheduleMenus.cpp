@@ -5,6 +5,7 @@
 #include "HelpPage.h"
 #include "ItemWindows.h"
 #include "WindowHandler.h"
+#include "frmCrystal.h"
 #include "frmList.h"
 #include "frmMulti.h"
 #include "frmTableMap.h"
@@ -45,12 +46,6 @@ void frmSchedule::BuildMenus(QMenuBar *menus)
     add(output, "mnuOutputPrinter", QStringLiteral("&Printer"),
         [this] { SelectDestination(QStringLiteral("Printer")); });
     add(report, "mnuParameters", QStringLiteral("&Parameters"), [this] { OpenParameters(); });
-    using LinkedWindows::Link;
-    const auto linked = [this](QMenu *menu, const char *name, const QString &caption, Link link) {
-        QAction *entry =
-            LinkedWindows::AddEntry(menu, name, caption, link, [this, link] { OpenLinked(link); });
-        m_linkedEntries.append({entry, link});
-    };
     add(report, "mnuTableMapping", QStringLiteral("&Table Mapping"),
         [this] { frmTableMap::OpenTableMap(m_globals, this, m_shownID, txtReportFile->text()); });
     QMenu *calendar = report->addMenu(QStringLiteral("&Custom Calendar.."));
@@ -58,7 +53,11 @@ void frmSchedule::BuildMenus(QMenuBar *menus)
     add(calendar, "mnuSelectFile", QStringLiteral("&Select File"), [this] { SelectCalendarFile(); });
     add(calendar, "mnuEditCalendar", QStringLiteral("&Edit Calendar"), [this] { EditCalendarFile(); });
     report->addSeparator();
-    linked(report, "mnuPreview", QStringLiteral("Pre&view"), Link::Preview);
+    // The saved item as the viewer shows it, with its stored parameters, connections and table map.
+    add(report, "mnuPreview", QStringLiteral("Pre&view"), [this] {
+        if (Apply())
+            frmCrystal::PreviewItem(m_globals, m_shownID, txtReportFile->text(), this);
+    });
 
     add(menus->addMenu(QStringLiteral("&Help")), "mnuHelp", QStringLiteral("&Help"),
         [this] { OpenHelpPage(m_globals.AppPath, QStringLiteral("schedule.htm")); });
@@ -123,12 +122,6 @@ void frmSchedule::EditCalendarFile()
     frmList::OpenList(m_globals, this, frmList::DateTime, m_calendarFile);
 }
 
-void frmSchedule::OpenLinked(LinkedWindows::Link link)
-{
-    LinkedWindows::Request request{this, m_shownID, txtReportFile->text()};
-    RunHandler(m_globals.prompter, [link, &request] { LinkedWindows::Open(link, request); });
-}
-
 // The collections that run the item shown, with their next runs.
 void frmSchedule::ShowCollections()
 {
@@ -163,8 +156,6 @@ bool frmSchedule::event(QEvent *event)
 void frmSchedule::showEvent(QShowEvent *event)
 {
     QDialog::showEvent(event);
-    for (const auto &[entry, link] : m_linkedEntries)
-        LinkedWindows::RefreshEntry(entry, link);
     txtReportName->setFocus();
 }
 

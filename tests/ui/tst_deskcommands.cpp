@@ -14,11 +14,14 @@
 #include "core/AppFolder.h"
 #include "core/TWReg.h"
 #include "scheduler/Dispatcher.h"
+#include "engine/Codes.h"
+#include "engine/Report.h"
 #include "ui/DeskCommands.h"
 #include "ui/frmAbout.h"
 #include "ui/frmConnect.h"
 #include "ui/frmList.h"
 #include "ui/frmLog.h"
+#include "ui/frmCrystal.h"
 #include "ui/frmMain.h"
 #include "ui/frmSettings.h"
 #include "ui/frmTableMap.h"
@@ -287,11 +290,16 @@ void TestDeskCommands::viewReportNowAndHelp()
              "Paradox Table (*.db)"_s);
     f.prompter.take();
 
+    // A report opens in a viewer of its own.
     f.prompter.setNextFileNames({f.path(u"sales.rpt"_s)});
     f.trigger("mnuBrowse");
-    QCOMPARE(f.prompter.take().last(),
-             u"View Report Now: The report viewer is not part of this version yet: "_s +
-                 f.path(u"sales.rpt"_s));
+    QCOMPARE(f.prompter.take(), QStringList{u"View Report Now: "_s + f.dir.path()});
+    frmCrystal *viewer = nullptr;
+    for (QWidget *window : QApplication::topLevelWidgets())
+        viewer = viewer ? viewer : qobject_cast<frmCrystal *>(window);
+    QVERIFY(viewer && viewer->isVisible());
+    QCOMPARE(viewer->Report()->PrintingStatus().Progress(), int(Engine::ProgressCompleted));
+    viewer->close();
     // Without a desktop program the box says so; with one, the file goes to it.
     const QString text = WriteFile(f.path(u"notes.TXT"_s), "notes");
     f.prompter.setNextFileNames({text});

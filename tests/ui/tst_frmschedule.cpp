@@ -8,7 +8,6 @@
 #include "scheduler/Dispatcher.h"
 #include "scheduler/QorloGlobals.h"
 #include "ui/ItemWindows.h"
-#include "ui/LinkedWindows.h"
 #include "ui/frmList.h"
 #include "ui/frmMulti.h"
 #include "ui/frmPList.h"

@@ -8,7 +8,9 @@
 #include "ui/frmAbout.h"
 #include "ui/frmAdv.h"
 #include "ui/frmBackup.h"
+#include "ui/frmAlert10.h"
 #include "ui/frmBusinessCal.h"
+#include "ui/frmCrystal.h"
 #include "ui/frmConnect.h"
 #include "ui/frmDates.h"
 #include "ui/frmDomain.h"
@@ -29,6 +31,7 @@
 #include "ui/frmTableMap.h"
 #include "ui/frmTextView.h"
 
+#include <QComboBox>
 #include <QTableWidget>
 
 namespace {
@@ -138,6 +141,22 @@ QWidget *TableMap(Stage &stage)
                                      stage.globals.Schedule.File());
 }
 
+// The grouped demo report with its group tree.
+QWidget *Viewer(Stage &stage)
+{
+    return frmCrystal::ViewFile(stage.globals, stage.globals.PathOf(QStringLiteral("sales-by-region.rpt")));
+}
+
+// The alerts of the demo's large orders, the first one chosen.
+QWidget *Alerts(Stage &stage)
+{
+    frmCrystal *viewer =
+        frmCrystal::ViewFile(stage.globals, stage.globals.PathOf(QStringLiteral("large-orders-alert.rpt")));
+    frmAlert10 *alerts = viewer->AlertWindow();
+    alerts->findChild<QComboBox *>(QStringLiteral("cmbAlert"))->setCurrentIndex(1);
+    return alerts;
+}
+
 } // namespace
 
 const QList<Shot> &Shots()
@@ -167,6 +186,8 @@ const QList<Shot> &Shots()
         {"frmLogSetting", Settings<frmLogSetting>},
         {"frmConnect", Settings<frmConnect>},
         {"frmTableMap", TableMap},
+        {"frmCrystal", Viewer},
+        {"frmAlert10", Alerts},
     };
     return shots;
 }

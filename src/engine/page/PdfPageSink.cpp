@@ -1,7 +1,6 @@
 #include "engine/page/PdfPageSink.h"
 
-#include "engine/page/GlyphRuns.h"
-#include "engine/page/PageFonts.h"
+#include "engine/page/PagePainter.h"
 
 #include <QPageLayout>
 #include <QPageSize>
@@ -56,7 +55,6 @@ void PdfPageSink::begin(const PageSetup &setup, int)
         close();
         return;
     }
-    m_painter->setFont(ToQFont(m_font));
 }
 
 void PdfPageSink::addPage(const Page &page)
@@ -69,9 +67,7 @@ void PdfPageSink::addPage(const Page &page)
         return;
     }
     m_pageOpen = true;
-    drawBoxes(page);
-    drawLines(page);
-    drawTexts(page);
+    PaintPage(*m_painter, page);
 }
 
 void PdfPageSink::end()
@@ -84,48 +80,6 @@ void PdfPageSink::end()
     if (!m_file->commit())
         setError(QStringLiteral("Cannot write %1: %2").arg(m_fileName, m_file->errorString()));
     m_file.reset();
-}
-
-void PdfPageSink::drawBoxes(const Page &page)
-{
-    for (const PageBox &box : page.boxes) {
-        if (box.lineWidth > 0)
-            m_painter->setPen(QPen(Qt::black, box.lineWidth));
-        else
-            m_painter->setPen(Qt::NoPen);
-        m_painter->setBrush(box.fill.alpha() > 0 ? QBrush(box.fill) : QBrush(Qt::NoBrush));
-        m_painter->drawRect(box.rect);
-    }
-}
-
-void PdfPageSink::drawLines(const Page &page)
-{
-    for (const PageLine &line : page.lines) {
-        m_painter->setPen(QPen(Qt::black, line.width));
-        m_painter->drawLine(line.from, line.to);
-    }
-}
-
-void PdfPageSink::drawTexts(const Page &page)
-{
-    m_painter->setPen(Qt::black);
-    GlyphRuns runs;
-    for (const PageText &text : page.texts) {
-        if (text.text.isEmpty() || runs.add(text))
-            continue;
-        useFont(text.font);
-        // Qt clips only the text that overflows its box, as a printed field is cut at its width.
-        m_painter->drawText(text.box, int(text.alignment), text.text);
-    }
-    runs.draw(*m_painter);
-}
-
-void PdfPageSink::useFont(const PageFont &font)
-{
-    if (font == m_font)
-        return;
-    m_font = font;
-    m_painter->setFont(ToQFont(font));
 }
 
 // Drops a half-written document: QSaveFile discards it unless end() committed it.

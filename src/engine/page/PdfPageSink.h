@@ -3,7 +3,6 @@
 
 #include "engine/page/PageModel.h"
 
-#include <QFont>
 #include <memory>
 
 class QPainter;
@@ -24,17 +23,12 @@ public:
     void end() override;
 
 private:
-    void drawBoxes(const Page &page);
-    void drawLines(const Page &page);
-    void drawTexts(const Page &page);
-    void useFont(const PageFont &font);
     void close();
 
     QString m_fileName;
     std::unique_ptr<QSaveFile> m_file;
     std::unique_ptr<QPdfWriter> m_writer;
     std::unique_ptr<QPainter> m_painter;
-    PageFont m_font;
     bool m_pageOpen = false;
 };
 
