@@ -22,7 +22,38 @@ class TestShutdown : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void stopsDuringAReport();
+    void stopsWhileTheEngineReads();
 };
+
+namespace {
+
+// One report item over `query`, due now, in a schedule of the daemon's folder that runs by itself.
+void AddDueReport(clsSchedule &schedule, const DaemonInstallation &installed, const QString &query)
+{
+    MakeSalesDatabase(installed.path(u"sales.db"_s));
+    const QString report = SalesReport(QDir(installed.app.path()), u"sales.rpt"_s, query);
+    AddItem(schedule, {u"7"_s, u"Sales"_s, report, u"D"_s, u"1"_s, FormatDateTime(Now() - 1)});
+    schedule.SetOutputFormat(u"CSV File"_s);
+    schedule.Active = true;
+    schedule.AutoRun = true;
+}
+
+// After SIGTERM the daemon ends within the time given, normally, with the run's entry saying it stopped.
+void StopsAtShutdown(QProcess &daemon, const DaemonInstallation &installed, int withinMs)
+{
+    ::kill(daemon.processId(), SIGTERM);
+    QVERIFY2(daemon.waitForFinished(withinMs), "the run did not stop");
+    QVERIFY2(daemon.exitStatus() == QProcess::NormalExit, daemon.readAllStandardError().constData());
+    QCOMPARE(daemon.exitCode(), 0);
+    QCOMPARE(SavedLogEntries(installed.app.path()), QStringList{u"7|Sales: Run stopped at shutdown"_s});
+    QVERIFY(ReadFile(installed.path(u"Web/livestat.htm"_s)).contains("QorloMANAGER shutdown at "));
+    // The next run was moved on and saved before the run began: a restart does not repeat it.
+    clsSchedule saved(installed.app.path());
+    saved.Load(installed.path(u"Qorlo.XML"_s));
+    QVERIFY(*DayDate::Parse(saved.Cell(0, clsSchedule::colNextRun)) > Now());
+}
+
+} // namespace
 
 // The report goes by mail to a server that takes the connection and never answers: the mail client
 // would wait 40 seconds for its greeting.
@@ -31,17 +62,10 @@ void TestShutdown::stopsDuringAReport()
     QTcpServer silent;
     QVERIFY(silent.listen(QHostAddress::LocalHost));
     DaemonInstallation installed(QStringLiteral(QORLO_DAEMON), FreePort());
-    MakeSalesDatabase(installed.path(u"sales.db"_s));
-    const QString report =
-        SalesReport(QDir(installed.app.path()), u"sales.rpt"_s, u"SELECT * FROM {Sales}"_s);
-    const double due = Now() - 1;
     clsSchedule schedule(installed.app.path());
-    AddItem(schedule, {u"7"_s, u"Sales"_s, report, u"D"_s, u"1"_s, FormatDateTime(due)});
+    AddDueReport(schedule, installed, u"SELECT * FROM {Sales}"_s);
     schedule.SetDest(u"E"_s);
     schedule.SetEmail(u"boss@example.com"_s);
-    schedule.SetOutputFormat(u"CSV File"_s);
-    schedule.Active = true;
-    schedule.AutoRun = true;
     schedule.SMTP_Server = u"127.0.0.1"_s;
     schedule.SMTP_Port = silent.serverPort();
     schedule.SMTP_From = u"scheduler@example.com"_s;
@@ -53,17 +77,37 @@ void TestShutdown::stopsDuringAReport()
     QVERIFY(daemon.waitForStarted(5000));
     QVERIFY2(WaitUntil([&] { return silent.hasPendingConnections(); }, 20000),
              daemon.readAllStandardError().constData());
-    ::kill(daemon.processId(), SIGTERM);
-    QVERIFY2(daemon.waitForFinished(10000), "the run did not stop");
-    QVERIFY2(daemon.exitStatus() == QProcess::NormalExit, daemon.readAllStandardError().constData());
-    QCOMPARE(daemon.exitCode(), 0);
+    StopsAtShutdown(daemon, installed, 10000);
+}
 
-    QCOMPARE(SavedLogEntries(installed.app.path()), QStringList{u"7|Sales: Run stopped at shutdown"_s});
-    QVERIFY(ReadFile(installed.path(u"Web/livestat.htm"_s)).contains("QorloMANAGER shutdown at "));
-    // The next run was moved on and saved before the run began: a restart does not repeat it.
-    clsSchedule saved(installed.app.path());
-    saved.Load(installed.path(u"Qorlo.XML"_s));
-    QVERIFY(*DayDate::Parse(saved.Cell(0, clsSchedule::colNextRun)) > Now());
+// A query of a hundred million rows: the engine is still reading when the signal comes, and stops
+// between two records well within systemd's stop time.
+void TestShutdown::stopsWhileTheEngineReads()
+{
+    DaemonInstallation installed(QStringLiteral(QORLO_DAEMON), FreePort());
+    clsSchedule schedule(installed.app.path());
+    AddDueReport(schedule, installed,
+                 u"WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n "
+                 "WHERE i < 100000000) SELECT i AS id FROM n"_s);
+    schedule.SetDest(u"D"_s);
+    schedule.SetLocation(installed.path(u"Output/sales.csv"_s));
+    schedule.Save(installed.path(u"Qorlo.XML"_s));
+
+    QProcess daemon;
+    installed.start(daemon);
+    QVERIFY(daemon.waitForStarted(5000));
+    // The run has begun once its next run is moved on and saved; then it reads for a long while.
+    QVERIFY2(WaitUntil(
+                 [&] {
+                     clsSchedule saved(installed.app.path());
+                     saved.Load(installed.path(u"Qorlo.XML"_s));
+                     return *DayDate::Parse(saved.Cell(0, clsSchedule::colNextRun)) > Now();
+                 },
+                 20000),
+             daemon.readAllStandardError().constData());
+    QTest::qWait(1000);
+    StopsAtShutdown(daemon, installed, 5000);
+    QVERIFY(!QFile::exists(installed.path(u"Output/sales.csv"_s)));
 }
 
 QORLO_TEST_MAIN(TestShutdown)
