@@ -31,6 +31,13 @@ private:
     Band textBand(const QString &text, bool bold, double grow, bool needsCaptions) const;
     Band detailBand() const;
     Band totalsBand(const QString &label, int level) const;
+    void appendSection(Band &band, const SectionRules &rules, const SectionDefinition &section,
+                       const GroupNode &node) const;
+    QImage picture(const SectionRules &rules, size_t index, const SectionObject &object,
+                   const GroupNode &node, const QSizeF &size) const;
+    void emitSection(const SectionRules &rules, const SectionDefinition &section);
+    bool hasFooter(int level) const;
+    void placeSubreports(const QString &section, const GroupNode &node);
 
     const Report &m_report;
     const LayoutDefinition &m_layout;

@@ -70,6 +70,10 @@ void PdfPageSink::addPage(const Page &page)
     }
     m_pageOpen = true;
     drawBoxes(page);
+    // Charts and logos keep their sharp edges and flat colours, which JPEG would blur.
+    m_painter->setRenderHint(QPainter::LosslessImageRendering);
+    for (const PagePicture &picture : page.pictures)
+        m_painter->drawImage(picture.box, picture.image);
     drawLines(page);
     drawTexts(page);
 }
@@ -108,12 +112,16 @@ void PdfPageSink::drawLines(const Page &page)
 
 void PdfPageSink::drawTexts(const Page &page)
 {
-    m_painter->setPen(Qt::black);
+    for (const PageText &text : page.texts) {
+        if (text.background.isValid())
+            m_painter->fillRect(text.box, text.background);
+    }
     GlyphRuns runs;
     for (const PageText &text : page.texts) {
         if (text.text.isEmpty() || runs.add(text))
             continue;
         useFont(text.font);
+        m_painter->setPen(text.color);
         // Qt clips only the text that overflows its box, as a printed field is cut at its width.
         m_painter->drawText(text.box, int(text.alignment), text.text);
     }

@@ -1,0 +1,169 @@
+// Sub-reports in place: one in the report header, one in each region's footer that shows that region's
+// largest orders through a link by field, in the PDF, HTML and RTF, checked against SQL.
+
+#include "EngineFixtures.h"
+#include "EngineOracles.h"
+#include "TestMain.h"
+#include "engine/Application.h"
+#include "engine/Codes.h"
+#include "engine/EngineError.h"
+#include "engine/Report.h"
+
+#include <QRegularExpression>
+#include <QSqlQuery>
+#include <QTemporaryDir>
+
+using namespace Engine;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const QString Table =
+    uR"(<table name="Sales" location="sales" dll="sqlite"><property name="Database">demo.db</property></table>)"_s;
+
+const QString Main = uR"(<title>Regions</title>
+%1
+<query>SELECT region, product, SUM(amount) AS total FROM {Sales} GROUP BY region, product ORDER BY region, product</query>
+<layout>
+  <column field="product" width="120"/><column field="total" width="100" format="0.00" align="right"/>
+  <group field="region" caption="Region {value}"><subtotal field="total"/></group>
+</layout>
+<subreport name="Largest" file="largest.rpt" section="footer" group="region">
+  <link parameter="Region" field="region"/>
+</subreport>
+<subreport name="Count" section="reportHeader">
+  <report version="1">
+    <title>Orders in all</title>
+    %1
+    <query>SELECT COUNT(*) AS orders FROM {Sales}</query>
+  </report>
+</subreport>)"_s;
+
+const QString Largest = uR"(<title>Largest orders</title>
+%1
+<parameter name="Region" type="12"/>
+<query>SELECT id, customer, amount FROM {Sales} WHERE region = {?Region} ORDER BY amount DESC, id LIMIT 3</query>
+<layout>
+  <column field="id" width="50"/><column field="customer" width="150"/>
+  <column field="amount" width="80" format="0.00" align="right"/>
+</layout>)"_s;
+
+} // namespace
+
+class TestSubreportsInPlace : public QObject
+{
+    Q_OBJECT
+private Q_SLOTS:
+    void initTestCase();
+    void eachRegionShowsItsOwnOrders_data();
+    void eachRegionShowsItsOwnOrders();
+    void faultsNameTheSubreport();
+
+private:
+    QString exportReport(const QString &main, int format);
+
+    QTemporaryDir m_dir;
+    Application m_application;
+};
+
+void TestSubreportsInPlace::initTestCase()
+{
+    QVERIFY(m_dir.isValid());
+    QVERIFY(QFile::copy(QStringLiteral(QORLO_SOURCE_DIR "/demo/demo.db"), m_dir.filePath(u"demo.db"_s)));
+    QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s);
+    db.setDatabaseName(m_dir.filePath(u"demo.db"_s));
+    QVERIFY(db.open());
+    EngineFixtures::WriteReport(QDir(m_dir.path()), u"largest.rpt"_s, Largest.arg(Table));
+}
+
+QString TestSubreportsInPlace::exportReport(const QString &main, int format)
+{
+    const QString path = EngineFixtures::WriteReport(QDir(m_dir.path()), u"regions.rpt"_s, main);
+    auto report = m_application.OpenReport(path);
+    const QString target = m_dir.filePath(u"regions.%1"_s.arg(format));
+    report->ExportOptions().FormatType = format;
+    report->ExportOptions().DiskFileName = target;
+    report->ExportOptions().HTMLFileName = target;
+    report->Export(false);
+    if (format == PdfFormat)
+        return EngineOracles::PdfText(target, false);
+    if (format == RichTextFormat) {
+        const QString out = m_dir.filePath(u"converted"_s);
+        if (!EngineOracles::LibreOfficeConvert({target}, u"txt:Text"_s, out, m_dir.path()))
+            return QString();
+        return EngineOracles::ReadUtf8(QDir(out).filePath(u"regions.txt"_s));
+    }
+    return EngineOracles::ReadUtf8(target);
+}
+
+void TestSubreportsInPlace::eachRegionShowsItsOwnOrders_data()
+{
+    QTest::addColumn<int>("format");
+    QTest::newRow("pdf") << int(PdfFormat);
+    QTest::newRow("html") << int(HtmlFormat);
+    QTest::newRow("rtf") << int(RichTextFormat);
+}
+
+void TestSubreportsInPlace::eachRegionShowsItsOwnOrders()
+{
+    QFETCH(int, format);
+    const QString text = exportReport(Main.arg(Table), format);
+    QSqlQuery count(u"SELECT COUNT(*) FROM sales"_s);
+    QVERIFY(count.next());
+    // The report header's sub-report comes before the first region.
+    const qsizetype orders = text.indexOf(u"Orders in all"_s);
+    QVERIFY2(orders >= 0, qPrintable(text.left(2000)));
+    QVERIFY(text.indexOf(count.value(0).toString(), orders) > orders);
+    QVERIFY(text.indexOf(u"Region "_s) > orders);
+
+    QSqlQuery regions(u"SELECT DISTINCT region FROM sales ORDER BY region"_s);
+    qsizetype at = orders;
+    while (regions.next()) {
+        const QString region = regions.value(0).toString();
+        const qsizetype header = text.indexOf(u"Region "_s + region, at);
+        const qsizetype title = text.indexOf(u"Largest orders"_s, header);
+        QVERIFY2(header > at && title > header, qPrintable(region));
+        const qsizetype next = text.indexOf(u"Region "_s, title);
+        const QString part = text.mid(title, next < 0 ? -1 : next - title);
+        QSqlQuery largest;
+        QVERIFY(largest.prepare(u"SELECT id FROM sales ORDER BY region <> ?, amount DESC, id LIMIT 6"_s));
+        largest.addBindValue(region);
+        QVERIFY(largest.exec());
+        for (int row = 0; largest.next(); ++row) {
+            // The region's own three largest orders, and not the largest of the others.
+            const QRegularExpression id(u"(?<![\\d.])%1(?![\\d.])"_s.arg(largest.value(0).toInt()));
+            QVERIFY2(part.contains(id) == (row < 3), qPrintable(region + u": "_s + id.pattern()));
+        }
+        at = title;
+    }
+}
+
+void TestSubreportsInPlace::faultsNameTheSubreport()
+{
+    QString main = Main.arg(Table);
+    main.replace(u"parameter=\"Region\" field=\"region\""_s, u"parameter=\"Region\" field=\"regoin\""_s);
+    try {
+        exportReport(main, PdfFormat);
+        QFAIL("a link to an unknown field was taken");
+    } catch (const EngineError &error) {
+        QVERIFY2(
+            error.description().contains(
+                u"names the field \"regoin\", which the query does not return; the nearest are: region"_s),
+            qPrintable(error.description()));
+    }
+    main = Main.arg(Table);
+    main.replace(u"section=\"footer\" group=\"region\""_s, u"section=\"footer\" group=\"product\""_s);
+    try {
+        exportReport(main, PdfFormat);
+        QFAIL("a sub-report in the footer of a group the layout lacks was taken");
+    } catch (const EngineError &error) {
+        QVERIFY2(
+            error.description().endsWith(
+                u"The sub-report \"Largest\" of %1 stands in the footer of the group "
+                "of \"product\", which the layout does not have"_s.arg(m_dir.filePath(u"regions.rpt"_s))),
+            qPrintable(error.description()));
+    }
+}
+
+QORLO_TEST_MAIN(TestSubreportsInPlace)
+#include "tst_subreportsinplace.moc"
