@@ -61,10 +61,22 @@ struct ChartDefinition
     QString value;
 };
 
+// A table of one summary by the values of two fields: a row for each value of one, a column for each
+// value of the other, with row and column totals.
+struct CrosstabDefinition
+{
+    QString rows;
+    QString columns;
+    QString field;
+    QString function = QStringLiteral("sum");
+    QString format;
+    double cellWidth = 60;
+};
+
 // What a section holds besides its own lines: a text with values, a picture or a chart.
 struct SectionObject
 {
-    enum Kind { Text, Picture, Chart };
+    enum Kind { Text, Picture, Chart, Crosstab };
     Kind kind = Text;
     QString text; // a text with values in braces; a chart's title
     Qt::Alignment alignment = Qt::AlignLeft;
@@ -77,6 +89,7 @@ struct SectionObject
     double width = 0;
     double height = 0;
     ChartDefinition chart;
+    CrosstabDefinition crosstab;
 };
 
 // A section of the layout (report header and footer, a group's header and footer, the details): a

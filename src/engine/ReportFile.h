@@ -40,6 +40,7 @@ private:
     SectionObject readText();
     SectionObject readPicture();
     SectionObject readChart();
+    SectionObject readCrosstab();
     // The text of an element whose child elements `readChild` takes; the text is trimmed.
     QString readMixed(const std::function<void()> &readChild);
     RecordStore readSavedData();

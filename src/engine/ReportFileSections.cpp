@@ -1,6 +1,7 @@
 // The sections of a report file's layout: conditions that hide them, looks that conditions give, and
 // the objects they hold.
 #include "engine/ReportFile.h"
+#include "engine/Summary.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -109,6 +110,25 @@ SectionObject ReportFile::readChart()
     return object;
 }
 
+SectionObject ReportFile::readCrosstab()
+{
+    SectionObject object;
+    object.kind = SectionObject::Crosstab;
+    CrosstabDefinition &crosstab = object.crosstab;
+    crosstab.rows = attribute("rows", true);
+    crosstab.columns = attribute("columns", true);
+    crosstab.field = attribute("field", true);
+    crosstab.function = summaryFunction(crosstab.function);
+    if (SummaryFunctionNamed(crosstab.function) == SummaryFunction::PercentOfSum)
+        fail(QStringLiteral("a <crosstab> sums, counts, averages or finds the least or greatest value"));
+    crosstab.format = attribute("format");
+    crosstab.cellWidth = numberAttribute("cellWidth", crosstab.cellWidth);
+    if (crosstab.cellWidth < 12)
+        fail(QStringLiteral("cellWidth of a <crosstab> is below 12 points"));
+    m_xml.skipCurrentElement();
+    return object;
+}
+
 QString ReportFile::readMixed(const std::function<void()> &readChild)
 {
     QString loose;
@@ -140,6 +160,8 @@ void ReportFile::readSection(SectionDefinition &section)
             section.objects.append(readPicture());
         else if (m_xml.name() == QLatin1String("chart"))
             section.objects.append(readChart());
+        else if (m_xml.name() == QLatin1String("crosstab"))
+            section.objects.append(readCrosstab());
         else
             unknownElement();
     });

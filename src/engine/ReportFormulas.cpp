@@ -105,6 +105,12 @@ void ReportFormulas::bindSections(const LayoutDefinition &layout)
     const int innermost = int(layout.groups.size()) - 1;
     m_reportHeader =
         SectionRules(QStringLiteral("report header"), layout.reportHeader, *this, -1, m_groupFields);
+    for (const SectionObject &object : layout.details.objects) {
+        if (object.kind != SectionObject::Text && object.kind != SectionObject::Picture)
+            Fail(
+                QStringLiteral("The details hold texts and pictures; charts and cross-tabs stand in a header "
+                               "or footer"));
+    }
     m_details = SectionRules(QStringLiteral("details"), layout.details, *this, innermost, m_groupFields);
     m_reportFooter =
         SectionRules(QStringLiteral("report footer"), layout.reportFooter, *this, -1, m_groupFields);

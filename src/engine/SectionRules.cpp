@@ -53,10 +53,31 @@ SectionRules::SectionRules(const QString &name, const SectionDefinition &section
                                "not have")
                         .arg(name, object.field) +
                     NearestNamesNote(object.field, names.names()));
+        crosstabs.push_back(object.kind == SectionObject::Crosstab
+                                ? bindCrosstab(name, object.crosstab, names)
+                                : CrosstabRule());
         charts.push_back(object.kind == SectionObject::Chart
                              ? bindChart(name, object.chart, names, level, groupFields)
                              : ChartRule());
     }
+}
+
+CrosstabRule SectionRules::bindCrosstab(const QString &name, const CrosstabDefinition &crosstab,
+                                        const FormulaNames &names)
+{
+    const auto field = [&](const QString &wanted) {
+        const std::optional<NameRef> ref = names.resolve(wanted);
+        if (!ref || (ref->kind != NameRef::RecordField && ref->kind != NameRef::FormulaField))
+            throw EngineError(
+                EngineError::BadFormula,
+                QStringLiteral("The cross-tab of %1 names the field \"%2\", which the report does "
+                               "not have")
+                        .arg(name, wanted) +
+                    NearestNamesNote(wanted, names.names()));
+        return *ref;
+    };
+    return CrosstabRule{field(crosstab.rows), field(crosstab.columns), field(crosstab.field),
+                        *SummaryFunctionNamed(crosstab.function)};
 }
 
 // A chart draws groups below the section's own level, its series below its categories.

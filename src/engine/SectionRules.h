@@ -3,6 +3,7 @@
 // looks that hold for a record or a group.
 
 #include "engine/ReportDefinition.h"
+#include "engine/Summary.h"
 #include "engine/TextTemplate.h"
 
 #include <vector>
@@ -41,6 +42,15 @@ struct ChartRule
     Formula value;
 };
 
+// What a cross-tab counts: the fields of its rows, columns and cells.
+struct CrosstabRule
+{
+    NameRef rows;
+    NameRef columns;
+    NameRef field;
+    SummaryFunction function = SummaryFunction::Sum;
+};
+
 struct SectionRules
 {
     SectionRules() = default;
@@ -54,8 +64,11 @@ struct SectionRules
     std::vector<TextTemplate> texts;
     std::vector<std::optional<NameRef>> fields;
     std::vector<ChartRule> charts;
+    std::vector<CrosstabRule> crosstabs;
 
 private:
+    static CrosstabRule bindCrosstab(const QString &name, const CrosstabDefinition &crosstab,
+                                     const FormulaNames &names);
     static ChartRule bindChart(const QString &name, const ChartDefinition &chart, FormulaNames &names,
                                int level, const QStringList &groupFields);
 };

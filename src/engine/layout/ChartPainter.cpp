@@ -10,7 +10,7 @@ namespace Engine {
 
 namespace {
 
-constexpr double Scale = 3; // pixels a point: 216 dots an inch
+constexpr double Scale = 2; // pixels a point: 144 dots an inch
 
 QColor SeriesColor(qsizetype index)
 {

@@ -3,6 +3,7 @@
 #include "engine/Report.h"
 #include "engine/ValueFormat.h"
 #include "engine/layout/ChartGathering.h"
+#include "engine/layout/Crosstab.h"
 #include "engine/layout/Pictures.h"
 #include "engine/layout/TextFit.h"
 
@@ -11,18 +12,6 @@ namespace Engine {
 namespace {
 
 const QString Continued = QStringLiteral(" (continued)");
-
-// A count or a share is no amount of the column's kind: only the other summaries take its pattern.
-QString SubtotalText(SummaryFunction function, const QVariant &value, const QString &columnFormat)
-{
-    switch (function) {
-    case SummaryFunction::Count:
-    case SummaryFunction::DistinctCount: return PlainText(value);
-    case SummaryFunction::PercentOfSum:
-        return value.isNull() ? QString() : FormatValue(value, QStringLiteral("0.0")) + QLatin1Char('%');
-    default: return FormatValue(value, columnFormat);
-    }
-}
 
 } // namespace
 
@@ -100,6 +89,7 @@ void ReportLayout::groupHeader(const GroupNode &group, bool first)
     if (definition.keepTogether && !m_measured)
         header.keepTogether = groupHeight(group);
     emit(header);
+    emitFollowing();
     placeSubreports(QStringLiteral("GroupHeader%1").arg(group.level + 1), group);
 }
 
@@ -133,6 +123,7 @@ void ReportLayout::groupFooter(const GroupNode &group)
     footer.closesGroup = group.level;
     footer.keepWithNext = group.isLastChild() && footerFollows(group.parent);
     emit(footer);
+    emitFollowing();
     placeSubreports(QStringLiteral("GroupFooter%1").arg(group.level + 1), group);
 }
 
@@ -169,9 +160,10 @@ void ReportLayout::placeSubreports(const QString &section, const GroupNode &node
     }
 }
 
-// The texts of a section below what `band` holds, unless its condition hides them.
+// The texts and pictures of a section below what `band` holds, unless its condition hides them; the
+// bands of its cross-tabs wait in m_following for the band to be placed.
 void ReportLayout::appendSection(Band &band, const SectionRules &rules, const SectionDefinition &section,
-                                 const GroupNode &node) const
+                                 const GroupNode &node)
 {
     const QVariant value = node.level >= 0 ? node.value : QVariant();
     if (rules.conditions.hides(m_context))
@@ -180,6 +172,13 @@ void ReportLayout::appendSection(Band &band, const SectionRules &rules, const Se
     const QRectF content = m_builder.content();
     for (size_t i = 0; i < rules.texts.size(); ++i) {
         const SectionObject &object = section.objects[qsizetype(i)];
+        if (object.kind == SectionObject::Crosstab) {
+            const CrosstabLook look{content, m_builder.font(), m_builder.font(true), m_builder.lineHeight()};
+            const CrosstabTable table = GatherCrosstab(m_report, rules.crosstabs[i], node);
+            for (Band &line : CrosstabBands(table, rules.crosstabs[i], object.crosstab, look))
+                m_following.push_back(std::move(line));
+            continue;
+        }
         if (object.kind != SectionObject::Text) {
             const QRectF box = PictureBox(object, content.left(), content.width(), band.height);
             if (!m_builder.measuring())
@@ -216,6 +215,16 @@ void ReportLayout::emitSection(const SectionRules &rules, const SectionDefinitio
     band.needsCaptions = false;
     appendSection(band, rules, section, m_report.groups().root());
     if (band.height > 0)
+        emit(band);
+    emitFollowing();
+}
+
+// The bands a section's cross-tabs left to follow it.
+void ReportLayout::emitFollowing()
+{
+    std::vector<Band> following;
+    following.swap(m_following);
+    for (const Band &band : following)
         emit(band);
 }
 
@@ -316,7 +325,7 @@ Band ReportLayout::totalsBand(const QString &label, int level) const
             continue;
         const ColumnDefinition &definition = m_columns.columns[column];
         const QString text =
-            SubtotalText(subtotal.function, m_context.summary(subtotal.ref), definition.format);
+            SummaryText(subtotal.function, m_context.summary(subtotal.ref), definition.format);
         const double width = m_columns.width[column];
         values.append(PageText{QRectF(m_columns.left[column], 0, width, lineHeight),
                                Elided(text, font, width), font, definition.alignment | Qt::AlignVCenter});
