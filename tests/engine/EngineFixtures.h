@@ -2,8 +2,12 @@
 // Shared pieces of the engine tests: report files written into a test's folder and a small SQLite sales
 // table.
 
+#include "engine/Application.h"
+#include "engine/Report.h"
+
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -61,6 +65,21 @@ inline QString SalesReport(const QDir &dir, const QString &name, const QString &
                                       "<table name=\"Sales\" location=\"sales\" dll=\"sqlite\">"
                                       "<property name=\"Database\">sales.db</property></table>\n<query>") +
                            query.toHtmlEscaped() + QStringLiteral("</query>\n") + extra);
+}
+
+// Opens a report file and exports it in `format` beside it, as NAME.FORMAT; the file written.
+inline QString ExportBeside(Engine::Application &application, const QString &report, int format)
+{
+    const QFileInfo info(report);
+    const QString target =
+        info.dir().filePath(QStringLiteral("%1.%2").arg(info.completeBaseName()).arg(format));
+    auto opened = application.OpenReport(report);
+    Engine::ExportOptions &options = opened->ExportOptions();
+    options.FormatType = format;
+    options.DiskFileName = target;
+    options.HTMLFileName = target;
+    opened->Export(false);
+    return target;
 }
 
 } // namespace EngineFixtures

@@ -105,13 +105,7 @@ void TestCharts::initTestCase()
 QString TestCharts::exportReport(const QString &name, const QString &layout, int format)
 {
     const QString path = EngineFixtures::WriteReport(QDir(m_dir.path()), name + u".rpt"_s, Head + layout);
-    auto report = m_application.OpenReport(path);
-    const QString target = m_dir.filePath(u"%1.%2"_s.arg(name).arg(format));
-    report->ExportOptions().FormatType = format;
-    report->ExportOptions().DiskFileName = target;
-    report->ExportOptions().HTMLFileName = target;
-    report->Export(false);
-    return target;
+    return EngineFixtures::ExportBeside(m_application, path, format);
 }
 
 QList<double> TestCharts::regionSums()

@@ -59,12 +59,7 @@ void TestCrosstab::initTestCase()
 QStringList TestCrosstab::pages(const QString &layout)
 {
     const QString path = EngineFixtures::WriteReport(QDir(m_dir.path()), u"cross.rpt"_s, Head + layout);
-    auto report = m_application.OpenReport(path);
-    const QString pdf = m_dir.filePath(u"cross.pdf"_s);
-    report->ExportOptions().FormatType = PdfFormat;
-    report->ExportOptions().DiskFileName = pdf;
-    report->Export(false);
-    return EngineOracles::PdfText(pdf).split(u'\f');
+    return EngineOracles::PdfText(EngineFixtures::ExportBeside(m_application, path, PdfFormat)).split(u'\f');
 }
 
 void TestCrosstab::cellsAndTotalsMatchTheDatabase()

@@ -44,23 +44,6 @@ const QString Layout = uR"(<layout>
   <details><picture field="photo" width="48" height="36"/></details>
 </layout>)"_s;
 
-// The pixels close to `color` in a rectangle of the page, or in the whole page.
-int PixelsLike(const QImage &page, const QColor &color, QRect area = QRect())
-{
-    area = area.isNull() ? page.rect() : area & page.rect();
-    int count = 0;
-    for (int y = area.top(); y <= area.bottom(); ++y) {
-        for (int x = area.left(); x <= area.right(); ++x) {
-            const QColor pixel = page.pixelColor(x, y);
-            const int distance = std::abs(pixel.red() - color.red()) +
-                                 std::abs(pixel.green() - color.green()) +
-                                 std::abs(pixel.blue() - color.blue());
-            count += distance < 60 ? 1 : 0;
-        }
-    }
-    return count;
-}
-
 } // namespace
 
 class TestPictures : public QObject
@@ -111,13 +94,7 @@ QString TestPictures::exportReport(const QString &name, const QString &layout, i
 <table name="Photos" location="photos" dll="sqlite"><property name="Database">photos.db</property></table>
 <query>SELECT id, name, photo FROM {Photos} ORDER BY id</query>
 )"_s + layout);
-    auto report = m_application.OpenReport(path);
-    const QString target = m_dir.filePath(u"%1.%2"_s.arg(name).arg(format));
-    report->ExportOptions().FormatType = format;
-    report->ExportOptions().DiskFileName = target;
-    report->ExportOptions().HTMLFileName = target;
-    report->Export(false);
-    return target;
+    return EngineFixtures::ExportBeside(m_application, path, format);
 }
 
 void TestPictures::picturesInThePdf()
@@ -137,13 +114,13 @@ void TestPictures::picturesInThePdf()
     // the report header's 100 by 50 at the centre; the photos keep their proportions in 48 by 36.
     const QImage page = EngineOracles::FirstPageImage(pdf, m_dir.path(), 72);
     QVERIFY(!page.isNull());
-    const int headerLogo = PixelsLike(page, Blue, QRect(420, 30, 150, 60));
+    const int headerLogo = EngineOracles::PixelsNear(page, Blue, QRect(420, 30, 150, 60));
     QVERIFY2(std::abs(headerLogo - 80 * 40) < 300, qPrintable(QString::number(headerLogo)));
-    const int reportLogo = PixelsLike(page, Blue, QRect(200, 80, 200, 80));
+    const int reportLogo = EngineOracles::PixelsNear(page, Blue, QRect(200, 80, 200, 80));
     QVERIFY2(std::abs(reportLogo - 100 * 50) < 400, qPrintable(QString::number(reportLogo)));
-    const int green = PixelsLike(page, Green);
+    const int green = EngineOracles::PixelsNear(page, Green);
     QVERIFY2(std::abs(green - 48 * 36) < 250, qPrintable(QString::number(green)));
-    const int magenta = PixelsLike(page, Magenta);
+    const int magenta = EngineOracles::PixelsNear(page, Magenta);
     QVERIFY2(std::abs(magenta - 48 * 12) < 150, qPrintable(QString::number(magenta)));
 }
 
@@ -167,9 +144,9 @@ void TestPictures::picturesInHtmlAndRtf()
     QVERIFY(EngineOracles::LibreOfficeConvert({rtf}, u"pdf"_s, out, m_dir.path()));
     const QImage page = EngineOracles::FirstPageImage(QDir(out).filePath(u"photos.pdf"_s), m_dir.path(), 72);
     QVERIFY(!page.isNull());
-    QVERIFY2(std::abs(PixelsLike(page, Blue) - (80 * 40 + 100 * 50)) < 1200,
-             qPrintable(QString::number(PixelsLike(page, Blue))));
-    QVERIFY(PixelsLike(page, Green) > 48 * 36 / 2);
+    QVERIFY2(std::abs(EngineOracles::PixelsNear(page, Blue) - (80 * 40 + 100 * 50)) < 1200,
+             qPrintable(QString::number(EngineOracles::PixelsNear(page, Blue))));
+    QVERIFY(EngineOracles::PixelsNear(page, Green) > 48 * 36 / 2);
 }
 
 void TestPictures::faultsNameThePicture()

@@ -41,23 +41,6 @@ const QString Looks = uR"(<layout>
   <details><style condition="amount &gt;= 1000" bold="true" color="#C00000"/></details>
 </layout>)"_s;
 
-// Pixels of page 1 close to `color`.
-int PixelsLike(const QImage &page, const QColor &color)
-{
-    int count = 0;
-    for (int y = 0; y < page.height(); ++y) {
-        for (int x = 0; x < page.width(); ++x) {
-            const QColor pixel = page.pixelColor(x, y);
-            count += std::abs(pixel.red() - color.red()) + std::abs(pixel.green() - color.green()) +
-                                 std::abs(pixel.blue() - color.blue()) <
-                             60
-                         ? 1
-                         : 0;
-        }
-    }
-    return count;
-}
-
 } // namespace
 
 class TestSections : public QObject
@@ -90,13 +73,7 @@ QString TestSections::exportReport(const QString &name, const QString &where, co
         QDir(m_dir.path()), name + u".rpt"_s,
         u"SELECT id, region, customer, amount, paid FROM {Sales} %1 ORDER BY region, id"_s.arg(where),
         layout);
-    auto report = m_application.OpenReport(path);
-    const QString target = m_dir.filePath(u"%1.%2"_s.arg(name).arg(format));
-    report->ExportOptions().FormatType = format;
-    report->ExportOptions().DiskFileName = target;
-    report->ExportOptions().HTMLFileName = target;
-    report->Export(false);
-    return target;
+    return EngineFixtures::ExportBeside(m_application, path, format);
 }
 
 void TestSections::conditionsHideRecordsFieldsAndSections()
@@ -138,11 +115,12 @@ void TestSections::conditionsGiveTheirLooksInEveryFormat()
     const QImage page = EngineOracles::FirstPageImage(exportReport(u"looks"_s, QString(), Looks, PdfFormat),
                                                       m_dir.path(), 100);
     QVERIFY(!page.isNull());
-    QVERIFY(PixelsLike(page, red) > 20);     // 1500.25 and 2200.00 with their lines
-    QVERIFY(PixelsLike(page, yellow) > 200); // behind the amounts of the three unpaid orders
-    QCOMPARE(PixelsLike(EngineOracles::FirstPageImage(exportReport(u"plain"_s, QString(), Hidden, PdfFormat),
-                                                      m_dir.path(), 100),
-                        red),
+    QVERIFY(EngineOracles::PixelsNear(page, red) > 20);     // 1500.25 and 2200.00 with their lines
+    QVERIFY(EngineOracles::PixelsNear(page, yellow) > 200); // behind the amounts of the three unpaid orders
+    QCOMPARE(EngineOracles::PixelsNear(
+                 EngineOracles::FirstPageImage(exportReport(u"plain"_s, QString(), Hidden, PdfFormat),
+                                               m_dir.path(), 100),
+                 red),
              0);
 
     const QString html = EngineOracles::ReadUtf8(exportReport(u"looks"_s, QString(), Looks, HtmlFormat));

@@ -79,12 +79,7 @@ void TestSubreportsInPlace::initTestCase()
 QString TestSubreportsInPlace::exportReport(const QString &main, int format)
 {
     const QString path = EngineFixtures::WriteReport(QDir(m_dir.path()), u"regions.rpt"_s, main);
-    auto report = m_application.OpenReport(path);
-    const QString target = m_dir.filePath(u"regions.%1"_s.arg(format));
-    report->ExportOptions().FormatType = format;
-    report->ExportOptions().DiskFileName = target;
-    report->ExportOptions().HTMLFileName = target;
-    report->Export(false);
+    const QString target = EngineFixtures::ExportBeside(m_application, path, format);
     if (format == PdfFormat)
         return EngineOracles::PdfText(target, false);
     if (format == RichTextFormat) {
