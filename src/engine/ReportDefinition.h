@@ -73,7 +73,7 @@ struct CrosstabDefinition
     double cellWidth = 60;
 };
 
-// What a section holds besides its own lines: a text with values, a picture or a chart.
+// What a section holds besides its own lines: a text with values, a picture, a chart or a cross-tab.
 struct SectionObject
 {
     enum Kind { Text, Picture, Chart, Crosstab };

@@ -9,6 +9,7 @@
 #include "engine/EngineError.h"
 #include "engine/Report.h"
 
+#include <QMap>
 #include <QRegularExpression>
 #include <QSqlQuery>
 #include <QTemporaryDir>
@@ -57,6 +58,8 @@ private Q_SLOTS:
     void initTestCase();
     void eachRegionShowsItsOwnOrders_data();
     void eachRegionShowsItsOwnOrders();
+    void separatedValuesHoldEachSubreport();
+    void workbookHasASheetForEachSubreport();
     void faultsNameTheSubreport();
 
 private:
@@ -131,6 +134,73 @@ void TestSubreportsInPlace::eachRegionShowsItsOwnOrders()
         }
         at = title;
     }
+}
+
+void TestSubreportsInPlace::separatedValuesHoldEachSubreport()
+{
+    // Tab-separated text: the main report's records, then a section a sub-report, a region's sub-report
+    // once for each region, each under a heading line and its own captions.
+    const QString path = EngineFixtures::WriteReport(QDir(m_dir.path()), u"regions.rpt"_s, Main.arg(Table));
+    const QStringList lines =
+        EngineOracles::ReadUtf8(EngineFixtures::ExportBeside(m_application, path, TabSeparatedTextFormat))
+            .split(u"\r\n"_s);
+    QSqlQuery mainRows(u"SELECT COUNT(DISTINCT region || product) FROM sales"_s);
+    QVERIFY(mainRows.next());
+    int at = 1 + mainRows.value(0).toInt();
+    QSqlQuery count(u"SELECT COUNT(*) FROM sales"_s);
+    QVERIFY(count.next());
+    QCOMPARE(lines.mid(at, 4),
+             (QStringList{QString(), u"Orders in all"_s, u"orders"_s, count.value(0).toString()}));
+    at += 4;
+    QSqlQuery regions(u"SELECT DISTINCT region FROM sales ORDER BY region"_s);
+    while (regions.next()) {
+        const QString region = regions.value(0).toString();
+        QCOMPARE(lines.mid(at, 3),
+                 (QStringList{QString(), u"Largest orders: "_s + region, u"id\tcustomer\tamount"_s}));
+        at += 3;
+        QSqlQuery largest;
+        QVERIFY(largest.prepare(u"SELECT id FROM sales WHERE region = ? ORDER BY amount DESC, id LIMIT 3"_s));
+        largest.addBindValue(region);
+        QVERIFY(largest.exec());
+        while (largest.next())
+            QCOMPARE(lines.value(at++).section(u'\t', 0, 0), largest.value(0).toString());
+    }
+    QCOMPARE(lines.mid(at), QStringList{QString()});
+}
+
+void TestSubreportsInPlace::workbookHasASheetForEachSubreport()
+{
+    const QString path = EngineFixtures::WriteReport(QDir(m_dir.path()), u"regions.rpt"_s, Main.arg(Table));
+    const QString dump =
+        EngineOracles::XlsCells(EngineFixtures::ExportBeside(m_application, path, Excel80Format));
+    // The first column of each sheet as xlrd reads it, by sheet name.
+    QMap<QString, QStringList> firstColumns;
+    QStringList order;
+    static const QRegularExpression sheet(u"^sheet \"(\\w+)\""_s);
+    static const QRegularExpression cell(u"^A\\d+ (?:text \"(.*)\"|number ([\\d.]+))"_s);
+    for (const QString &line : dump.split(u'\n')) {
+        if (const auto match = sheet.match(line); match.hasMatch())
+            order.append(match.captured(1));
+        else if (const auto found = cell.match(line); found.hasMatch() && !order.isEmpty())
+            firstColumns[order.last()].append(found.captured(2).isEmpty()
+                                                  ? found.captured(1)
+                                                  : QString::number(found.captured(2).toDouble()));
+    }
+    QCOMPARE(order, (QStringList{u"Sheet1"_s, u"Count1"_s, u"Largest1"_s}));
+    QSqlQuery count(u"SELECT COUNT(*) FROM sales"_s);
+    QVERIFY(count.next());
+    QCOMPARE(firstColumns[u"Count1"_s], (QStringList{u"orders"_s, count.value(0).toString()}));
+    QStringList expected{u"id"_s};
+    QSqlQuery largest(
+        u"SELECT region, id FROM (SELECT *, ROW_NUMBER() OVER (PARTITION BY region ORDER BY amount "
+        "DESC, id) AS place FROM sales) WHERE place <= 3 ORDER BY region, place"_s);
+    while (largest.next()) {
+        const QString heading = u"Largest orders: "_s + largest.value(0).toString();
+        if (!expected.contains(heading))
+            expected.append(heading);
+        expected.append(largest.value(1).toString());
+    }
+    QCOMPARE(firstColumns[u"Largest1"_s], expected);
 }
 
 void TestSubreportsInPlace::faultsNameTheSubreport()

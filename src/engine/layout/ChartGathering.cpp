@@ -8,16 +8,6 @@ namespace Engine {
 
 namespace {
 
-void GroupsOfLevel(const GroupNode &node, int level, std::vector<const GroupNode *> &found)
-{
-    if (node.level == level) {
-        found.push_back(&node);
-        return;
-    }
-    for (const GroupNode &child : node.children)
-        GroupsOfLevel(child, level, found);
-}
-
 double ValueOf(const Report &report, ReportContext &context, const Formula &formula, const GroupNode &group)
 {
     context.setGroup(group, report.records().row(report.groups().order()[group.first]));
