@@ -56,6 +56,18 @@ inline void MakeSalesDatabase(const QString &path)
     QSqlDatabase::removeDatabase(name);
 }
 
+// A copy of the demo database in `dir`, open as the default connection so that a test can ask it what
+// a report should show; false when it cannot be copied or opened.
+inline bool UseDemoDatabase(const QDir &dir)
+{
+    const QString copy = dir.filePath(QStringLiteral("demo.db"));
+    if (!QFile::copy(QStringLiteral(QORLO_SOURCE_DIR "/demo/demo.db"), copy))
+        return false;
+    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
+    db.setDatabaseName(copy);
+    return db.open();
+}
+
 // A report over the fixture table with the given extra elements.
 inline QString SalesReport(const QDir &dir, const QString &name, const QString &query,
                            const QString &extra = QString())

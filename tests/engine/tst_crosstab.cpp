@@ -49,10 +49,7 @@ private:
 void TestCrosstab::initTestCase()
 {
     QVERIFY(m_dir.isValid());
-    QVERIFY(QFile::copy(QStringLiteral(QORLO_SOURCE_DIR "/demo/demo.db"), m_dir.filePath(u"demo.db"_s)));
-    QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s);
-    db.setDatabaseName(m_dir.filePath(u"demo.db"_s));
-    QVERIFY(db.open());
+    QVERIFY(EngineFixtures::UseDemoDatabase(QDir(m_dir.path())));
 }
 
 // The text of each page of the PDF, as pdftotext keeps its lines.

@@ -94,11 +94,7 @@ private:
 void TestFormulaFields::initTestCase()
 {
     QVERIFY(m_dir.isValid());
-    QVERIFY(QFile::copy(QStringLiteral(QORLO_SOURCE_DIR "/demo/demo.db"),
-                        m_dir.filePath(QStringLiteral("demo.db"))));
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
-    db.setDatabaseName(m_dir.filePath(QStringLiteral("demo.db")));
-    QVERIFY(db.open());
+    QVERIFY(EngineFixtures::UseDemoDatabase(QDir(m_dir.path())));
 }
 
 QString TestFormulaFields::exportReport(const QString &name, const QString &layout, int format)

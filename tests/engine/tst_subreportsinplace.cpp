@@ -72,10 +72,7 @@ private:
 void TestSubreportsInPlace::initTestCase()
 {
     QVERIFY(m_dir.isValid());
-    QVERIFY(QFile::copy(QStringLiteral(QORLO_SOURCE_DIR "/demo/demo.db"), m_dir.filePath(u"demo.db"_s)));
-    QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s);
-    db.setDatabaseName(m_dir.filePath(u"demo.db"_s));
-    QVERIFY(db.open());
+    QVERIFY(EngineFixtures::UseDemoDatabase(QDir(m_dir.path())));
     EngineFixtures::WriteReport(QDir(m_dir.path()), u"largest.rpt"_s, Largest.arg(Table));
 }
 
