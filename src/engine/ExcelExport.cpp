@@ -12,6 +12,8 @@
 #include "engine/xls/XlsWorkbook.h"
 
 #include <QDateTime>
+#include <map>
+#include <memory>
 
 namespace Engine {
 
@@ -62,12 +64,13 @@ struct Span
 class ExcelWriter : public GroupVisitor
 {
 public:
-    ExcelWriter(const Report &report, const ExportOptions &options)
+    // The rows go on `series` of `book`, after what it holds already.
+    ExcelWriter(const Report &report, const ExportOptions &options, XlsWorkbook &book, XlsSheetSeries &series)
         : m_report(report), m_formulas(report.formulas()), m_columns(ExportColumns(report, true)),
           m_context(m_formulas, report.ReportTitle()), m_running(m_formulas),
           m_dataOnly(options.FormatType == ExcelDataOnlyFormat),
-          m_worksheetFunctions(options.ExcelUseWorksheetFunctions && !m_dataOnly),
-          m_series(m_book, QStringLiteral("Sheet"))
+          m_worksheetFunctions(options.ExcelUseWorksheetFunctions && !m_dataOnly), m_book(book),
+          m_series(series)
     {
         const bool tabular =
             options.FormatType == Excel70TabularFormat || options.FormatType == Excel80TabularFormat;
@@ -86,15 +89,19 @@ public:
         m_context.setRunningTotals(&m_running.values());
     }
 
-    void write(const QString &fileName)
+    void write()
     {
         if (m_dataOnly)
             ForEachRecord(m_report, [this](const ReportContext &context) { writeRecord(context); });
         else
             WalkGroups(m_report, *this);
-        if (!m_book.save(fileName))
-            throw EngineError(EngineError::ExportFailed,
-                              QStringLiteral("Cannot write %1: %2").arg(fileName, m_book.errorString()));
+    }
+
+    // A row that says what follows: a sub-report and the group it stands for.
+    void writeHeading(const QString &text)
+    {
+        const XlsRowPlace place = m_series.appendRow();
+        place.sheet->writeText(place.row, 0, text, m_book.headingStyle());
     }
 
     void groupHeader(const GroupNode &group, bool) override
@@ -266,18 +273,45 @@ private:
     RunningTotals m_running;
     bool m_dataOnly;
     bool m_worksheetFunctions;
-    XlsWorkbook m_book;
-    XlsSheetSeries m_series;
+    XlsWorkbook &m_book;
+    XlsSheetSeries &m_series;
     QList<XlsStyle> m_plain;
     QList<XlsStyle> m_bold;
     std::vector<Span> m_spans; // the report's, then one for each open group
 };
 
+// Each sub-report on sheets of its own, named after it; one in a group's section once for each group,
+// each time under a heading row.
+void WriteSubreportSheets(const Report &report, const ExportOptions &options, XlsWorkbook &book)
+{
+    std::map<SubreportObject *, std::unique_ptr<XlsSheetSeries>> sheets;
+    ForEachSubreport(report, [&](SubreportObject &object, const QString &group) {
+        const Report &subreport = object.OpenSubreport();
+        if (!subreport.hasRecords())
+            return;
+        std::unique_ptr<XlsSheetSeries> &series = sheets[&object];
+        if (!series)
+            series = std::make_unique<XlsSheetSeries>(book, object.Name());
+        ExcelWriter writer(subreport, options, book, *series);
+        const QString title = subreport.ReportTitle().isEmpty() ? object.Name() : subreport.ReportTitle();
+        if (!group.isEmpty())
+            writer.writeHeading(title + QStringLiteral(": ") + group);
+        writer.write();
+        WriteSubreportSheets(subreport, options, book);
+    });
+}
+
 } // namespace
 
 void WriteExcelWorkbook(const Report &report, const ExportOptions &options, const QString &fileName)
 {
-    ExcelWriter(report, options).write(fileName);
+    XlsWorkbook book;
+    XlsSheetSeries sheets(book, QStringLiteral("Sheet"));
+    ExcelWriter(report, options, book, sheets).write();
+    WriteSubreportSheets(report, options, book);
+    if (!book.save(fileName))
+        throw EngineError(EngineError::ExportFailed,
+                          QStringLiteral("Cannot write %1: %2").arg(fileName, book.errorString()));
 }
 
 } // namespace Engine

@@ -223,4 +223,14 @@ void GroupTree::flatten()
     m_order = std::move(order);
 }
 
+void GroupsOfLevel(const GroupNode &node, int level, std::vector<const GroupNode *> &found)
+{
+    if (node.level == level) {
+        found.push_back(&node);
+        return;
+    }
+    for (const GroupNode &child : node.children)
+        GroupsOfLevel(child, level, found);
+}
+
 } // namespace Engine

@@ -26,6 +26,9 @@ struct GroupNode
     bool isLastChild() const { return parent && &parent->children.back() == this; }
 };
 
+// The groups of `level` below `node` (or `node` itself when it is of that level), in print order.
+void GroupsOfLevel(const GroupNode &node, int level, std::vector<const GroupNode *> &found);
+
 class GroupTree
 {
 public:

@@ -58,11 +58,10 @@ void Report::buildSections()
     Section &reportFooter = add(QStringLiteral("ReportFooter"));
     for (const SummaryDefinition &total : m_definition.layout.grandTotals)
         reportFooter.ReportObjects().append(std::make_unique<ReportObject>(FieldObject, total.field));
-    for (const SubreportDefinition &subreport : m_definition.subreports)
-        reportFooter.ReportObjects().append(std::make_unique<SubreportObject>(subreport, m_application));
     add(QStringLiteral("PageFooter"))
         .ReportObjects()
         .append(std::make_unique<ReportObject>(TextObject, QStringLiteral("PageNumber")));
+    placeSubreports();
 }
 
 const GroupTree &Report::groups() const
@@ -155,6 +154,12 @@ void Report::checkLayoutFields() const
         fields.append(total.field);
     for (const SortDefinition &sort : layout.sorts)
         fields.append(sort.field);
+    for (const SubreportDefinition &subreport : m_definition.subreports) {
+        for (const SubreportLink &link : subreport.links) {
+            if (!link.field.isEmpty())
+                fields.append(link.field);
+        }
+    }
     QStringList known = m_records.fieldNames();
     for (const FormulaFieldDefinition &formula : m_definition.formulas)
         known.append(formula.name);
@@ -171,25 +176,12 @@ void Report::checkLayoutFields() const
     }
 }
 
+// Sub-reports in a group's sections read their records where they stand, once for each group.
 void Report::readSubreports()
 {
-    for (Section &section : m_sections) {
-        for (ReportObject &object : section.ReportObjects()) {
-            if (object.Kind() != SubreportObjectKind)
-                continue;
-            auto &subreportObject = static_cast<SubreportObject &>(object);
-            Report &subreport = subreportObject.OpenSubreport();
-            for (const SubreportLink &link : subreportObject.definition().links) {
-                for (ParameterFieldDefinition &parameter : subreport.ParameterFields()) {
-                    if (parameter.ParameterFieldName().compare(link.parameter, Qt::CaseInsensitive) != 0)
-                        continue;
-                    parameter.ClearCurrentValueAndRange();
-                    for (const QVariant &value : parameterValues(link.source))
-                        parameter.AddCurrentValue(value);
-                }
-            }
-            subreport.ReadRecords();
-        }
+    for (const QString &section : {QStringLiteral("ReportHeader"), QStringLiteral("ReportFooter")}) {
+        for (SubreportObject *object : subreportsIn(section))
+            readSubreport(*object);
     }
 }
 

@@ -76,9 +76,16 @@ public:
     QVariantList parameterValues(const QString &name) const;
     // The page setup after the orientation chosen for printing.
     PageSetup pageSetup() const;
+    // The sub-reports that stand in a section ("ReportHeader", "GroupFooter2"...), in order.
+    QList<SubreportObject *> subreportsIn(const QString &section) const;
+    // Reads a sub-report's records after giving its linked parameters their values: the main report's
+    // parameters, and `fieldValue` for the fields of the record where it stands.
+    void readSubreport(SubreportObject &object,
+                       const std::function<QVariant(const QString &field)> &fieldValue = {}) const;
 
 private:
     void buildSections();
+    void placeSubreports();
     void readFromDatabase();
     void checkLayoutFields() const;
     void readSubreports();

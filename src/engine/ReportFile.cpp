@@ -171,7 +171,13 @@ void ReportFile::readLayout(LayoutDefinition &layout)
         if (name == QLatin1String("page"))
             readPage(layout);
         else if (name == QLatin1String("pageHeader"))
-            layout.pageHeader = text();
+            layout.pageHeader = readMixed([&] {
+                if (m_xml.name() != QLatin1String("picture"))
+                    unknownElement();
+                layout.pageHeaderPictures.append(readPicture());
+                if (layout.pageHeaderPictures.last().image.isNull())
+                    fail(QStringLiteral("a picture in the page header comes from a file"));
+            });
         else if (name == QLatin1String("pageFooter"))
             layout.pageFooter = text();
         else if (name == QLatin1String("column"))
@@ -183,7 +189,15 @@ void ReportFile::readLayout(LayoutDefinition &layout)
         } else if (name == QLatin1String("sort")) {
             layout.sorts.append(SortDefinition{attribute("field", true), descending()});
             m_xml.skipCurrentElement();
-        } else if (name == QLatin1String("grandTotal")) {
+        } else if (name == QLatin1String("reportHeader"))
+            readSection(layout.reportHeader);
+        else if (name == QLatin1String("details"))
+            readSection(layout.details);
+        else if (name == QLatin1String("reportFooter"))
+            readSection(layout.reportFooter);
+        else if (name == QLatin1String("noData"))
+            readSection(layout.noData);
+        else if (name == QLatin1String("grandTotal")) {
             layout.grandTotals.append(readSummary());
             m_xml.skipCurrentElement();
         } else
@@ -237,16 +251,15 @@ ColumnDefinition ReportFile::readColumn()
     column.caption =
         m_xml.attributes().hasAttribute(QLatin1String("caption")) ? attribute("caption") : column.field;
     column.width = numberAttribute("width", column.width);
-    const QString align = attribute("align");
-    if (align == QLatin1String("right"))
-        column.alignment = Qt::AlignRight;
-    else if (align == QLatin1String("center"))
-        column.alignment = Qt::AlignHCenter;
-    else if (!align.isEmpty() && align != QLatin1String("left"))
-        fail(QStringLiteral("align \"%1\" is not left, right or center").arg(align));
+    column.alignment = alignment();
     column.format = attribute("format");
     column.wrap = flagAttribute("wrap");
-    m_xml.skipCurrentElement();
+    column.suppress = attribute("suppress");
+    while (m_xml.readNextStartElement()) {
+        if (m_xml.name() != QLatin1String("style"))
+            unknownElement();
+        column.styles.append(readStyle());
+    }
     return column;
 }
 
@@ -268,10 +281,16 @@ GroupDefinition ReportFile::readGroup()
     if (group.top < 0)
         fail(QStringLiteral("top %1 of group %2 is below 0").arg(group.top).arg(group.field));
     while (m_xml.readNextStartElement()) {
-        if (m_xml.name() != QLatin1String("subtotal"))
+        if (m_xml.name() == QLatin1String("header")) {
+            readSection(group.header);
+        } else if (m_xml.name() == QLatin1String("footer")) {
+            readSection(group.footerSection);
+        } else if (m_xml.name() == QLatin1String("subtotal")) {
+            group.subtotals.append(readSummary());
+            m_xml.skipCurrentElement();
+        } else {
             unknownElement();
-        group.subtotals.append(readSummary());
-        m_xml.skipCurrentElement();
+        }
     }
     return group;
 }
@@ -333,10 +352,26 @@ SubreportDefinition ReportFile::readSubreport()
     SubreportDefinition subreport;
     subreport.name = attribute("name", true);
     subreport.fileName = attribute("file");
+    if (m_xml.attributes().hasAttribute(QLatin1String("section")))
+        subreport.section = attribute("section");
+    subreport.group = attribute("group");
+    static const QStringList sections = {QStringLiteral("reportHeader"), QStringLiteral("reportFooter"),
+                                         QStringLiteral("header"), QStringLiteral("footer")};
+    if (!sections.contains(subreport.section))
+        fail(QStringLiteral(
+                 "section \"%1\" of sub-report %2 is not reportHeader, reportFooter, header or footer")
+                 .arg(subreport.section, subreport.name));
+    if (subreport.group.isEmpty() != subreport.section.startsWith(QLatin1String("report")))
+        fail(
+            QStringLiteral("sub-report %1 names a group exactly when it stands in a group's header or footer")
+                .arg(subreport.name));
     const qint64 line = m_xml.lineNumber();
     while (m_xml.readNextStartElement()) {
         if (m_xml.name() == QLatin1String("link")) {
-            subreport.links.append({attribute("parameter", true), attribute("source", true)});
+            SubreportLink link{attribute("parameter", true), attribute("source"), attribute("field")};
+            if (link.source.isEmpty() == link.field.isEmpty())
+                fail(QStringLiteral("a <link> takes either a source parameter or a field"));
+            subreport.links.append(link);
             m_xml.skipCurrentElement();
         } else if (m_xml.name() == QLatin1String("report") && subreport.fileName.isEmpty()) {
             subreport.report = std::make_shared<ReportDefinition>(readReport());

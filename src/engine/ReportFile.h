@@ -4,6 +4,7 @@
 #include "engine/ReportDefinition.h"
 
 #include <QXmlStreamReader>
+#include <functional>
 
 namespace Engine {
 
@@ -32,6 +33,16 @@ private:
     RunningTotalDefinition readRunningTotal();
     QString summaryFunction(const QString &fallback);
     bool descending();
+    Qt::Alignment alignment();
+    QColor color(const char *name);
+    StyleRule readStyle();
+    void readSection(SectionDefinition &section);
+    SectionObject readText();
+    SectionObject readPicture();
+    SectionObject readChart();
+    SectionObject readCrosstab();
+    // The text of an element whose child elements `readChild` takes; the text is trimmed.
+    QString readMixed(const std::function<void()> &readChild);
     RecordStore readSavedData();
 
     QString attribute(const char *name, bool required = false);

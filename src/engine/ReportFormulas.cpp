@@ -79,6 +79,10 @@ ReportFormulas::ReportFormulas(const ReportDefinition &definition, const RecordS
             formula->bind(*this, level);
         rule.caption.bind(*this, level);
         rule.footer.bind(*this, level);
+        rule.header =
+            SectionRules(QStringLiteral("header of ") + name, group.header, *this, level, m_groupFields);
+        rule.footerSection = SectionRules(QStringLiteral("footer of ") + name, group.footerSection, *this,
+                                          level, m_groupFields);
         m_groups.push_back(std::move(rule));
         for (const SummaryDefinition &subtotal : group.subtotals)
             addSubtotal(QStringLiteral("Subtotal"), subtotal, level);
@@ -91,7 +95,35 @@ ReportFormulas::ReportFormulas(const ReportDefinition &definition, const RecordS
     m_pageFooter = TextTemplate(QStringLiteral("page footer"), layout.pageFooter);
     m_pageHeader.bind(*this, -1);
     m_pageFooter.bind(*this, -1);
+    bindSections(layout);
     checkOperands();
+}
+
+// Conditions of records and columns read the summaries of the innermost group.
+void ReportFormulas::bindSections(const LayoutDefinition &layout)
+{
+    const int innermost = int(layout.groups.size()) - 1;
+    m_reportHeader =
+        SectionRules(QStringLiteral("report header"), layout.reportHeader, *this, -1, m_groupFields);
+    for (const SectionObject &object : layout.details.objects) {
+        if (object.kind != SectionObject::Text && object.kind != SectionObject::Picture)
+            Fail(
+                QStringLiteral("The details hold texts and pictures; charts and cross-tabs stand in a header "
+                               "or footer"));
+    }
+    m_details = SectionRules(QStringLiteral("details"), layout.details, *this, innermost, m_groupFields);
+    m_reportFooter =
+        SectionRules(QStringLiteral("report footer"), layout.reportFooter, *this, -1, m_groupFields);
+    m_noData = SectionRules(QStringLiteral("no-data section"), layout.noData, *this, -1, m_groupFields);
+    for (const ColumnDefinition &column : layout.columns)
+        m_columns.emplace_back(QStringLiteral("column \"%1\"").arg(column.field), column.suppress,
+                               column.styles, *this, innermost);
+}
+
+const Conditions &ReportFormulas::column(int index) const
+{
+    static const Conditions none;
+    return index < int(m_columns.size()) ? m_columns[size_t(index)] : none;
 }
 
 bool ReportFormulas::IsSpecialName(const QString &name)

@@ -3,6 +3,7 @@
 // summaries its groups keep for them, and every formula and text of the report bound to those.
 
 #include "engine/ReportDefinition.h"
+#include "engine/SectionRules.h"
 #include "engine/Summary.h"
 #include "engine/TextTemplate.h"
 
@@ -36,6 +37,8 @@ struct GroupRule
     int top = 0;
     TextTemplate caption;
     TextTemplate footer;
+    SectionRules header;
+    SectionRules footerSection;
 };
 
 class ReportFormulas : public FormulaNames
@@ -69,6 +72,12 @@ public:
     const QList<std::pair<NameRef, bool>> &recordSorts() const { return m_sorts; }
     const TextTemplate &pageHeader() const { return m_pageHeader; }
     const TextTemplate &pageFooter() const { return m_pageFooter; }
+    const SectionRules &reportHeader() const { return m_reportHeader; }
+    const SectionRules &details() const { return m_details; }
+    const SectionRules &reportFooter() const { return m_reportFooter; }
+    const SectionRules &noData() const { return m_noData; }
+    // The conditions of the layout's column `index`; none for a column the layout does not declare.
+    const Conditions &column(int index) const;
     // Whether groups or records leave the order in which the query gave them.
     bool reorders() const;
 
@@ -79,6 +88,7 @@ private:
     void addSubtotal(const QString &what, const SummaryDefinition &definition, int level);
     void checkOperands() const;
     void checkCycles() const;
+    void bindSections(const LayoutDefinition &layout);
 
     QStringList m_fields;
     QStringList m_formulaNames;
@@ -94,6 +104,11 @@ private:
     std::vector<std::pair<int, QString>> m_operands; // formula fields summarized, and by which formula
     TextTemplate m_pageHeader;
     TextTemplate m_pageFooter;
+    SectionRules m_reportHeader;
+    SectionRules m_details;
+    SectionRules m_reportFooter;
+    SectionRules m_noData;
+    std::vector<Conditions> m_columns;
 };
 
 } // namespace Engine

@@ -109,14 +109,10 @@ private:
     QByteArray m_bytes;
 };
 
-} // namespace
-
-void WriteSeparatedValues(const Report &report, const ExportOptions &options, const QString &fileName)
+// The caption line and the records of one report; the lines go to the file as they grow.
+void WriteRecords(const Report &report, const Style &style, Lines &lines, ExportFile &file)
 {
-    const Style style = StyleOf(options);
     const QList<ExportColumn> columns = ExportColumns(report, true);
-    const TextEncoding encoding = report.definition().textEncoding;
-    Lines lines(style, encoding);
     QStringList patterns;
     for (int c = 0; c < columns.size(); ++c) {
         patterns.append(PatternOf(columns[c], style));
@@ -125,7 +121,6 @@ void WriteSeparatedValues(const Report &report, const ExportOptions &options, co
         lines.quoted(columns[c].caption);
     }
     lines.end();
-    ExportFile file(fileName, encoding);
     const auto endLine = [&] {
         lines.end();
         if (lines.bytes().size() > 1 << 16) {
@@ -157,6 +152,46 @@ void WriteSeparatedValues(const Report &report, const ExportOptions &options, co
             endLine();
         });
     }
+}
+
+void WriteSubreports(const Report &report, const Style &style, Lines &lines, ExportFile &file);
+
+// After a blank line, a heading line of the sub-report's title (and the group it stands for), then its
+// own captions and records.
+void WriteSubreport(SubreportObject &object, const QString &group, const Style &style, Lines &lines,
+                    ExportFile &file)
+{
+    const Report &subreport = object.OpenSubreport();
+    if (!subreport.hasRecords())
+        return;
+    QString heading = subreport.ReportTitle().isEmpty() ? object.Name() : subreport.ReportTitle();
+    if (!group.isEmpty())
+        heading += QStringLiteral(": ") + group;
+    lines.end();
+    lines.quoted(heading);
+    lines.end();
+    WriteRecords(subreport, style, lines, file);
+    WriteSubreports(subreport, style, lines, file);
+}
+
+// Each sub-report a section of the file.
+void WriteSubreports(const Report &report, const Style &style, Lines &lines, ExportFile &file)
+{
+    ForEachSubreport(report, [&](SubreportObject &object, const QString &group) {
+        WriteSubreport(object, group, style, lines, file);
+    });
+}
+
+} // namespace
+
+void WriteSeparatedValues(const Report &report, const ExportOptions &options, const QString &fileName)
+{
+    const Style style = StyleOf(options);
+    const TextEncoding encoding = report.definition().textEncoding;
+    Lines lines(style, encoding);
+    ExportFile file(fileName, encoding);
+    WriteRecords(report, style, lines, file);
+    WriteSubreports(report, style, lines, file);
     file.write(lines.bytes());
     file.commit();
 }

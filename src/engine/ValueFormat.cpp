@@ -243,4 +243,15 @@ QString FormatValue(const QVariant &value, const QString &pattern)
     return PlainText(value);
 }
 
+QString SummaryText(SummaryFunction function, const QVariant &value, const QString &pattern)
+{
+    switch (function) {
+    case SummaryFunction::Count:
+    case SummaryFunction::DistinctCount: return PlainText(value);
+    case SummaryFunction::PercentOfSum:
+        return value.isNull() ? QString() : FormatValue(value, QStringLiteral("0.0")) + QLatin1Char('%');
+    default: return FormatValue(value, pattern);
+    }
+}
+
 } // namespace Engine

@@ -2,6 +2,7 @@
 // readers' text), and the content of the Excel, word-processor and PDF files as their readers see it.
 
 #include "Files.h"
+#include "EngineOracles.h"
 #include "Peers.h"
 #include "Readers.h"
 #include "TestMain.h"
@@ -122,7 +123,37 @@ const DemoReport Reports[] = {
        "AND order_date BETWEEN '2024-03-01' AND '2024-03-31'"},
       {Part::Total, "tm",
        "SELECT 'Grand total', SUM(amount) FROM sales WHERE region IN ('North', 'East') "
-       "AND order_date BETWEEN '2024-03-01' AND '2024-03-31'"}}}};
+       "AND order_date BETWEEN '2024-03-01' AND '2024-03-31'"}}},
+    // Formula fields, a running total, conditional looks, a logo and report sections.
+    {"invoice",
+     {{Part::Detail, "ndtqmmmmm",
+       "SELECT ROW_NUMBER() OVER (ORDER BY order_date, id), order_date, product, quantity, unit_price, "
+       "amount, amount * 0.2, amount * 1.2, SUM(amount * 1.2) OVER (ORDER BY order_date, id) FROM sales "
+       "WHERE customer = 'Crane''s Hardware' AND order_date LIKE '2024-03-%' ORDER BY order_date, id"},
+      {Part::Total, "tmmm",
+       "SELECT 'Grand total', SUM(amount), SUM(amount * 0.2), SUM(amount * 1.2) FROM sales "
+       "WHERE customer = 'Crane''s Hardware' AND order_date LIKE '2024-03-%'"}}},
+    // Charts and cross-tabs over the summaries; the records themselves are hidden in the pages.
+    {"sales-dashboard",
+     {{Part::SheetDetail, "tttnnm",
+       "SELECT region, product, substr(order_date, 1, 7), COUNT(*), SUM(quantity), SUM(amount) FROM sales "
+       "GROUP BY 1, 2, 3"},
+      {Part::Total, "tqqm",
+       "SELECT 'Total ' || product, COUNT(*), SUM(quantity), SUM(amount) FROM sales GROUP BY region, "
+       "product"},
+      {Part::Total, "tqqm",
+       "SELECT 'Total ' || region, COUNT(*), SUM(quantity), SUM(amount) FROM sales GROUP BY region"},
+      {Part::Total, "tqqm", "SELECT 'Grand total', COUNT(*), SUM(quantity), SUM(amount) FROM sales"}}},
+    // A sub-report in each region's footer, linked by the region.
+    {"region-orders",
+     {{Part::Detail, "tqm", "SELECT product, COUNT(*), SUM(amount) FROM sales GROUP BY region, product"},
+      {Part::SheetDetail, "ttnm",
+       "SELECT region, product, COUNT(*), SUM(amount) FROM sales GROUP BY region, product"},
+      {Part::Total, "tqm", "SELECT 'Total ' || region, COUNT(*), SUM(amount) FROM sales GROUP BY region"},
+      {Part::Total, "tqm", "SELECT 'Grand total', COUNT(*), SUM(amount) FROM sales"},
+      {Part::Subreport, "ndtm",
+       "SELECT id, order_date, customer, amount FROM (SELECT *, ROW_NUMBER() OVER (PARTITION BY region "
+       "ORDER BY amount DESC, id) AS place FROM sales) WHERE place <= 5"}}}};
 
 // A line as a page shows it: the formatted cells, one blank between them.
 QString ShownLine(const char *formats, const QSqlQuery &query)
@@ -218,6 +249,7 @@ private Q_SLOTS:
     void pageFormatsShowTheLines();
     void excelWorkbooks();
     void wordProcessorText();
+    void firstPagesLookAsBefore();
 
 private:
     void exportAll(const QString &report);
@@ -446,6 +478,26 @@ void TestDemoGolden::wordProcessorText()
             const QString missing = Missing(wanted, PageLines(ReadText(txt)));
             QVERIFY2(missing.isEmpty(), qPrintable(txt + u" lacks:\n"_s + missing));
         }
+    }
+}
+
+// Page 1 of each PDF as pdftoppm draws it, against the expected picture: a layout fault moves or
+// changes more than the few pixels that anti-aliasing may.
+void TestDemoGolden::firstPagesLookAsBefore()
+{
+    QORLO_REQUIRE_PEER(!TestSupport::FindProgram(QStringLiteral("pdftoppm")).isEmpty(),
+                       QStringLiteral("pdftoppm (poppler-utils)"));
+    for (const DemoReport &report : Reports) {
+        const QString name = QLatin1String(report.name);
+        const QImage page = EngineOracles::FirstPageImage(output(name, FormatOf(PdfFormat)), m_dir.path());
+        QVERIFY2(!page.isNull(), report.name);
+        const QImage expected =
+            EngineOracles::GoldenImage(QStringLiteral("engine/golden/%1.page1.png").arg(name), page);
+        const double different = EngineOracles::DifferentPixels(page, expected);
+        QVERIFY2(
+            different < 0.002,
+            qPrintable(
+                QStringLiteral("%1: %2% of the pixels differ").arg(name).arg(different * 100, 0, 'f', 2)));
     }
 }
 

@@ -2,6 +2,7 @@
 // their summaries, records sorted by a formula field, running totals and record numbers: the demo
 // database's own sums are the oracle.
 
+#include "EngineExports.h"
 #include "SalesReport.h"
 #include "EngineOracles.h"
 #include "TestMain.h"
@@ -94,11 +95,7 @@ private:
 void TestFormulaFields::initTestCase()
 {
     QVERIFY(m_dir.isValid());
-    QVERIFY(QFile::copy(QStringLiteral(QORLO_SOURCE_DIR "/demo/demo.db"),
-                        m_dir.filePath(QStringLiteral("demo.db"))));
-    QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"));
-    db.setDatabaseName(m_dir.filePath(QStringLiteral("demo.db")));
-    QVERIFY(db.open());
+    QVERIFY(TestSupport::UseDemoDatabase(QDir(m_dir.path())));
 }
 
 QString TestFormulaFields::exportReport(const QString &name, const QString &layout, int format)

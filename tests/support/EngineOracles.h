@@ -94,6 +94,23 @@ inline double DifferentPixels(const QImage &a, const QImage &b, int tolerance = 
     return double(different) / (qint64(x.width()) * x.height());
 }
 
+// The pixels of `image` within `area` (all of it when null) whose colour lies near `color`: the sum of
+// the channels' differences below `distance`.
+inline int PixelsNear(const QImage &image, const QColor &color, QRect area = QRect(), int distance = 60)
+{
+    area = area.isNull() ? image.rect() : area & image.rect();
+    int count = 0;
+    for (int y = area.top(); y <= area.bottom(); ++y) {
+        for (int x = area.left(); x <= area.right(); ++x) {
+            const QColor pixel = image.pixelColor(x, y);
+            const int apart = std::abs(pixel.red() - color.red()) + std::abs(pixel.green() - color.green()) +
+                              std::abs(pixel.blue() - color.blue());
+            count += apart < distance ? 1 : 0;
+        }
+    }
+    return count;
+}
+
 // The expected file below tests/data; with QORLO_WRITE_GOLDEN set, `actual` replaces it first, so
 // that a deliberate change is written and then reviewed as a difference.
 inline QString Golden(const QString &relative, const QString &actual)

@@ -44,7 +44,7 @@ struct ViewerFixture
     ViewerFixture()
     {
         const QDir demo(QStringLiteral(QORLO_SOURCE_DIR "/demo"));
-        for (const QString &name : demo.entryList({u"*.rpt"_s, u"*.db"_s}, QDir::Files))
+        for (const QString &name : demo.entryList({u"*.rpt"_s, u"*.db"_s, u"*.png"_s}, QDir::Files))
             QFile::copy(demo.filePath(name), dir.filePath(name));
     }
     ~ViewerFixture()
@@ -178,7 +178,7 @@ void TestFrmCrystal::demoReportsMatchTheirPdf()
                 }
             });
         frmCrystal *window = f.view(name);
-        QVERIFY(window);
+        QVERIFY2(window && window->Report(), qPrintable(name));
         QCOMPARE(window->ErrorText(), QString());
         QCOMPARE(window->Report()->PrintingStatus().Progress(), int(Engine::ProgressCompleted));
         const Engine::ReportPages &pages = window->Viewer().Pages();

@@ -13,6 +13,7 @@ struct Band
     QList<PageText> texts; // boxes relative to the band's top
     QList<PageLine> lines;
     QList<PageBox> boxes;
+    QList<PagePicture> pictures;
     bool newPage = false;      // starts a fresh page
     bool needsCaptions = true; // the column captions stand above it on its page
     bool keepWithNext = false; // goes to the next page together with the band after it

@@ -2,6 +2,7 @@
 
 #include "engine/Report.h"
 #include "engine/StopCheck.h"
+#include "engine/layout/Pictures.h"
 
 namespace Engine {
 
@@ -16,6 +17,10 @@ PageBuilder::PageBuilder(const Report &report, PageSink *sink, int totalPages)
     // Four thirds of the font size: 12 points at 9, the pitch of six text lines an inch.
     m_lineHeight = m_layout.fontSize * 4 / 3;
     m_bottom = m_content.bottom() - m_lineHeight * 1.5;
+    if (!m_layout.pageHeader.isEmpty())
+        m_headerHeight = m_lineHeight * 1.5;
+    for (const SectionObject &picture : m_layout.pageHeaderPictures)
+        m_headerHeight = std::max(m_headerHeight, picture.height + m_lineHeight / 2);
 }
 
 PageFont PageBuilder::font(bool bold, double grow) const
@@ -28,9 +33,8 @@ PageFont PageBuilder::font(bool bold, double grow) const
 
 double PageBuilder::bodyHeight() const
 {
-    const double header = m_layout.pageHeader.isEmpty() ? 0 : m_lineHeight * 1.5;
     const double captions = m_columns ? m_lineHeight * 1.2 : 0;
-    return m_bottom - m_content.top() - header - captions;
+    return m_bottom - m_content.top() - m_headerHeight - captions;
 }
 
 void PageBuilder::setColumns(const ColumnSet *columns)
@@ -44,6 +48,19 @@ void PageBuilder::place(const Band &band)
     m_chain.push_back(band);
     if (!band.keepWithNext)
         placeChain();
+}
+
+PageBuilder::Nesting PageBuilder::nest()
+{
+    Nesting outer{m_columns, std::move(m_openGroups)};
+    m_openGroups.clear();
+    return outer;
+}
+
+void PageBuilder::unnest(const Nesting &outer)
+{
+    m_openGroups = outer.openGroups;
+    setColumns(outer.columns);
 }
 
 bool PageBuilder::fits(double height) const
@@ -110,12 +127,16 @@ void PageBuilder::startPage()
     m_bodyUsed = false;
     m_captionsPlaced = false;
     m_y = m_content.top();
-    if (!m_layout.pageHeader.isEmpty()) {
+    if (m_headerHeight > 0) {
         Band header;
-        header.height = m_lineHeight * 1.5;
-        header.texts.append(PageText{QRectF(m_content.left(), 0, m_content.width(), m_lineHeight),
-                                     pageText(m_report.formulas().pageHeader()), font(),
-                                     Qt::AlignLeft | Qt::AlignVCenter});
+        header.height = m_headerHeight;
+        if (!m_layout.pageHeader.isEmpty())
+            header.texts.append(PageText{QRectF(m_content.left(), 0, m_content.width(), m_lineHeight),
+                                         pageText(m_report.formulas().pageHeader()), font(),
+                                         Qt::AlignLeft | Qt::AlignVCenter});
+        for (const SectionObject &picture : m_layout.pageHeaderPictures)
+            header.pictures +=
+                Fitted(picture.image, PictureBox(picture, m_content.left(), m_content.width(), 0));
         put(header);
     }
     if (m_openGroups.empty())
@@ -160,6 +181,10 @@ void PageBuilder::put(const Band &band)
     for (PageBox box : band.boxes) {
         box.rect.translate(0, m_y);
         m_page.boxes.append(box);
+    }
+    for (PagePicture picture : band.pictures) {
+        picture.box.translate(0, m_y);
+        m_page.pictures.append(picture);
     }
     if (band.opensGroup >= 0) {
         m_openGroups.resize(size_t(band.opensGroup));

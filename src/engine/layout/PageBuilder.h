@@ -33,6 +33,15 @@ public:
     // The columns whose captions head the pages from the next band on.
     void setColumns(const ColumnSet *columns);
     void place(const Band &band);
+    // A sub-report's bands between nest() and unnest() open groups of their own and head their pages
+    // with their own captions; unnest() gives back those of the report around it.
+    struct Nesting
+    {
+        const ColumnSet *columns = nullptr;
+        std::vector<std::shared_ptr<const Band>> openGroups;
+    };
+    Nesting nest();
+    void unnest(const Nesting &outer);
     // Ends the last page; the number of pages.
     int finish();
 
@@ -54,6 +63,7 @@ private:
     QRectF m_content;
     double m_lineHeight;
     double m_bottom; // where the page footer's space begins
+    double m_headerHeight = 0;
     const ColumnSet *m_columns = nullptr;
     std::vector<Band> m_chain; // bands waiting for the one they keep with
     // The continued headers of the groups open at the end of what was placed, outermost first.

@@ -2,6 +2,9 @@
 
 #include "engine/Report.h"
 #include "engine/ValueFormat.h"
+#include "engine/layout/ChartGathering.h"
+#include "engine/layout/Crosstab.h"
+#include "engine/layout/Pictures.h"
 #include "engine/layout/TextFit.h"
 
 namespace Engine {
@@ -9,18 +12,6 @@ namespace Engine {
 namespace {
 
 const QString Continued = QStringLiteral(" (continued)");
-
-// A count or a share is no amount of the column's kind: only the other summaries take its pattern.
-QString SubtotalText(SummaryFunction function, const QVariant &value, const QString &columnFormat)
-{
-    switch (function) {
-    case SummaryFunction::Count:
-    case SummaryFunction::DistinctCount: return PlainText(value);
-    case SummaryFunction::PercentOfSum:
-        return value.isNull() ? QString() : FormatValue(value, QStringLiteral("0.0")) + QLatin1Char('%');
-    default: return FormatValue(value, columnFormat);
-    }
-}
 
 } // namespace
 
@@ -46,6 +37,12 @@ void ReportLayout::walk(const QString &heading, bool gap)
     }
     if (!heading.isEmpty())
         emit(textBand(heading, true, 5, false));
+    const GroupNode &root = m_report.groups().root();
+    enterGroup(root);
+    emitSection(m_formulas.reportHeader(), m_layout.reportHeader);
+    placeSubreports(QStringLiteral("ReportHeader"), root);
+    if (root.rowCount() == 0)
+        emitSection(m_formulas.noData(), m_layout.noData);
     WalkGroups(m_report, *this);
     // Every band of this report is placed by now; the captions of its columns go with it.
     m_builder.setColumns(nullptr);
@@ -73,17 +70,27 @@ void ReportLayout::groupHeader(const GroupNode &group, bool first)
     const GroupDefinition &definition = m_layout.groups[group.level];
     m_running.startGroup(group.level);
     enterGroup(group);
-    const QString caption = m_formulas.group(group.level).caption.evaluate(m_context, group.value);
-    Band header = textBand(caption, true, 1, true);
-    auto continued = std::make_shared<Band>(textBand(caption + Continued, true, 1, true));
+    const GroupRule &rule = m_formulas.group(group.level);
+    const QString caption = rule.caption.evaluate(m_context, group.value);
+    Band header;
+    if (!rule.header.conditions.hides(m_context)) {
+        header = textBand(caption, true, 1, true);
+        rule.header.conditions.style(m_context, header.texts.front());
+        auto continued = std::make_shared<Band>(header);
+        continued->texts.front().text =
+            Elided(caption + Continued, continued->texts.front().font, continued->texts.front().box.width());
+        appendSection(header, rule.header, definition.header, group);
+        header.continued = std::move(continued);
+    }
     header.newPage = definition.newPage && !first;
     header.keepWithNext = true; // never a header alone at the foot of a page
     header.opensGroup = group.level;
-    header.continued = std::move(continued);
     header.anchor = caption;
     if (definition.keepTogether && !m_measured)
         header.keepTogether = groupHeight(group);
     emit(header);
+    emitFollowing();
+    placeSubreports(QStringLiteral("GroupHeader%1").arg(group.level + 1), group);
 }
 
 void ReportLayout::detail(const RecordStore::Row &row, const GroupNode &group, int position)
@@ -91,7 +98,10 @@ void ReportLayout::detail(const RecordStore::Row &row, const GroupNode &group, i
     m_context.setRecord(row, position, &group);
     m_context.setPage(m_builder.pageNumber(), m_builder.totalPages());
     m_running.add(m_context);
+    if (m_formulas.details().conditions.hides(m_context))
+        return;
     Band band = detailBand();
+    appendSection(band, m_formulas.details(), m_layout.details, group);
     band.keepWithNext = position == group.end - 1 && footerFollows(&group);
     emit(band);
 }
@@ -99,22 +109,131 @@ void ReportLayout::detail(const RecordStore::Row &row, const GroupNode &group, i
 void ReportLayout::groupFooter(const GroupNode &group)
 {
     Band footer;
-    if (!m_formulas.subtotals(group.level).empty()) {
+    if (hasFooter(group.level)) {
         enterGroup(group);
-        footer =
-            totalsBand(m_formulas.group(group.level).footer.evaluate(m_context, group.value), group.level);
+        const GroupRule &rule = m_formulas.group(group.level);
+        if (!rule.footerSection.conditions.hides(m_context)) {
+            if (!m_formulas.subtotals(group.level).empty())
+                footer = totalsBand(rule.footer.evaluate(m_context, group.value), group.level);
+            for (PageText &text : footer.texts)
+                rule.footerSection.conditions.style(m_context, text);
+            appendSection(footer, rule.footerSection, m_layout.groups[group.level].footerSection, group);
+        }
     }
     footer.closesGroup = group.level;
     footer.keepWithNext = group.isLastChild() && footerFollows(group.parent);
     emit(footer);
+    emitFollowing();
+    placeSubreports(QStringLiteral("GroupFooter%1").arg(group.level + 1), group);
 }
 
 void ReportLayout::grandTotal(const GroupNode &root)
 {
-    if (m_formulas.subtotals(-1).empty())
-        return;
     enterGroup(root);
-    emit(totalsBand(QStringLiteral("Grand total"), -1));
+    if (!m_formulas.subtotals(-1).empty())
+        emit(totalsBand(QStringLiteral("Grand total"), -1));
+    emitSection(m_formulas.reportFooter(), m_layout.reportFooter);
+    placeSubreports(QStringLiteral("ReportFooter"), root);
+}
+
+// Each sub-report of a section laid out in place under its title; one in a group's section reads its
+// records for that group first.
+void ReportLayout::placeSubreports(const QString &section, const GroupNode &node)
+{
+    if (m_measured)
+        return;
+    for (SubreportObject *object : m_report.subreportsIn(section)) {
+        if (node.level >= 0) {
+            enterGroup(node);
+            m_report.readSubreport(*object, [this](const QString &field) {
+                const std::optional<NameRef> ref = m_formulas.resolve(field);
+                return ref ? m_context.valueOf(*ref) : QVariant();
+            });
+        }
+        const Report &subreport = object->OpenSubreport();
+        if (!subreport.hasRecords())
+            continue;
+        const QString heading = subreport.ReportTitle().isEmpty() ? object->Name() : subreport.ReportTitle();
+        const PageBuilder::Nesting outer = m_builder.nest();
+        ReportLayout(subreport, m_builder).walk(heading, true);
+        m_builder.unnest(outer);
+    }
+}
+
+// The texts and pictures of a section below what `band` holds, unless its condition hides them; the
+// bands of its cross-tabs wait in m_following for the band to be placed.
+void ReportLayout::appendSection(Band &band, const SectionRules &rules, const SectionDefinition &section,
+                                 const GroupNode &node)
+{
+    const QVariant value = node.level >= 0 ? node.value : QVariant();
+    if (rules.conditions.hides(m_context))
+        return;
+    const double base = m_layout.fontSize;
+    const QRectF content = m_builder.content();
+    for (size_t i = 0; i < rules.texts.size(); ++i) {
+        const SectionObject &object = section.objects[qsizetype(i)];
+        if (object.kind == SectionObject::Crosstab) {
+            const CrosstabLook look{content, m_builder.font(), m_builder.font(true), m_builder.lineHeight()};
+            const CrosstabTable table = GatherCrosstab(m_report, rules.crosstabs[i], node);
+            for (Band &line : CrosstabBands(table, rules.crosstabs[i], object.crosstab, look))
+                m_following.push_back(std::move(line));
+            continue;
+        }
+        if (object.kind != SectionObject::Text) {
+            const QRectF box = PictureBox(object, content.left(), content.width(), band.height);
+            if (!m_builder.measuring())
+                band.pictures += Fitted(picture(rules, i, object, node, box.size()), box);
+            band.height += object.height + m_builder.lineHeight() / 2;
+            continue;
+        }
+        const double grow = object.fontSize > 0 ? object.fontSize - base : 0;
+        Band text = textBand(rules.texts[i].evaluate(m_context, value), object.bold, grow, false);
+        PageText &placed = text.texts.front();
+        placed.alignment = object.alignment | Qt::AlignVCenter;
+        placed.box.translate(0, band.height);
+        rules.conditions.style(m_context, placed);
+        band.texts.append(placed);
+        band.height += text.height;
+    }
+}
+
+// A picture object's image: from its file, the record's field, or a chart drawn to the box's size.
+QImage ReportLayout::picture(const SectionRules &rules, size_t index, const SectionObject &object,
+                             const GroupNode &node, const QSizeF &size) const
+{
+    if (object.kind == SectionObject::Chart) {
+        ChartData data = GatherChart(m_report, rules.charts[index], node);
+        data.title = rules.texts[index].evaluate(m_context, node.level >= 0 ? node.value : QVariant());
+        return PaintChart(data, object.chart.type, size);
+    }
+    return rules.fields[index] ? PictureOf(m_context.valueOf(*rules.fields[index])) : object.image;
+}
+
+void ReportLayout::emitSection(const SectionRules &rules, const SectionDefinition &section)
+{
+    Band band;
+    band.needsCaptions = false;
+    appendSection(band, rules, section, m_report.groups().root());
+    if (band.height > 0)
+        emit(band);
+    emitFollowing();
+}
+
+// The bands a section's cross-tabs left to follow it.
+void ReportLayout::emitFollowing()
+{
+    std::vector<Band> following;
+    following.swap(m_following);
+    for (const Band &band : following)
+        emit(band);
+}
+
+// A group's footer has content: totals or texts.
+bool ReportLayout::hasFooter(int level) const
+{
+    return !m_formulas.subtotals(level).empty() ||
+           (level >= 0 && !m_formulas.group(level).footerSection.texts.empty()) ||
+           (level < 0 && !m_formulas.reportFooter().texts.empty());
 }
 
 // The height of a whole group, when a page can hold it at all; the running totals are as before.
@@ -137,7 +256,7 @@ double ReportLayout::groupHeight(const GroupNode &group)
 bool ReportLayout::footerFollows(const GroupNode *group) const
 {
     for (const GroupNode *node = group; node; node = node->isLastChild() ? node->parent : nullptr) {
-        if (!m_formulas.subtotals(node->level).empty())
+        if (hasFooter(node->level))
             return true;
     }
     return false;
@@ -165,16 +284,25 @@ Band ReportLayout::detailBand() const
         return band;
     }
     const PageFont font = m_builder.font();
+    const Conditions &record = m_formulas.details().conditions;
     int lines = 1;
     for (int i = 0; i < m_columns.size(); ++i) {
         const ColumnDefinition &column = m_columns.columns[i];
-        const QString text = FormatValue(m_context.valueOf(m_columns.sources[i]), column.format);
+        const Conditions &field = m_formulas.column(i);
+        const QString text = field.hides(m_context)
+                                 ? QString()
+                                 : FormatValue(m_context.valueOf(m_columns.sources[i]), column.format);
+        PageText look{QRectF(), QString(), font, column.alignment | Qt::AlignVCenter};
+        record.style(m_context, look);
+        field.style(m_context, look);
         const double width = m_columns.width[i];
         const QStringList parts =
-            column.wrap ? Wrapped(text, font, width) : QStringList{Elided(text, font, width)};
-        for (int line = 0; line < parts.size(); ++line)
-            band.texts.append(PageText{QRectF(m_columns.left[i], line * lineHeight, width, lineHeight),
-                                       parts[line], font, column.alignment | Qt::AlignVCenter});
+            column.wrap ? Wrapped(text, look.font, width) : QStringList{Elided(text, look.font, width)};
+        for (int line = 0; line < parts.size(); ++line) {
+            look.box = QRectF(m_columns.left[i], line * lineHeight, width, lineHeight);
+            look.text = parts[line];
+            band.texts.append(look);
+        }
         lines = std::max(lines, int(parts.size()));
     }
     band.height = lines * lineHeight;
@@ -197,7 +325,7 @@ Band ReportLayout::totalsBand(const QString &label, int level) const
             continue;
         const ColumnDefinition &definition = m_columns.columns[column];
         const QString text =
-            SubtotalText(subtotal.function, m_context.summary(subtotal.ref), definition.format);
+            SummaryText(subtotal.function, m_context.summary(subtotal.ref), definition.format);
         const double width = m_columns.width[column];
         values.append(PageText{QRectF(m_columns.left[column], 0, width, lineHeight),
                                Elided(text, font, width), font, definition.alignment | Qt::AlignVCenter});

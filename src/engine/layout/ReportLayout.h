@@ -31,6 +31,14 @@ private:
     Band textBand(const QString &text, bool bold, double grow, bool needsCaptions) const;
     Band detailBand() const;
     Band totalsBand(const QString &label, int level) const;
+    void appendSection(Band &band, const SectionRules &rules, const SectionDefinition &section,
+                       const GroupNode &node);
+    void emitFollowing();
+    QImage picture(const SectionRules &rules, size_t index, const SectionObject &object,
+                   const GroupNode &node, const QSizeF &size) const;
+    void emitSection(const SectionRules &rules, const SectionDefinition &section);
+    bool hasFooter(int level) const;
+    void placeSubreports(const QString &section, const GroupNode &node);
 
     const Report &m_report;
     const LayoutDefinition &m_layout;
@@ -40,6 +48,7 @@ private:
     bool m_wraps; // a column wraps, so a record's height depends on its texts
     ReportContext m_context;
     RunningTotals m_running;
+    std::vector<Band> m_following;
     double *m_measured = nullptr; // while measuring a group: its height so far, and nothing is placed
 };
 

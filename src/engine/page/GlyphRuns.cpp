@@ -7,9 +7,10 @@
 namespace Engine {
 
 // Found by argument-dependent lookup from the index of runs.
-static size_t qHash(const PageFont &font, size_t seed = 0)
+size_t qHash(const GlyphRuns::RunKey &key, size_t seed = 0)
 {
-    return qHashMulti(seed, font.family, font.pointSize, font.bold, font.italic);
+    const PageFont &font = key.font;
+    return qHashMulti(seed, font.family, font.pointSize, font.bold, font.italic, key.baseline, key.color);
 }
 
 bool GlyphRuns::add(const PageText &text)
@@ -31,11 +32,12 @@ bool GlyphRuns::add(const PageText &text)
     else if (text.alignment & Qt::AlignBottom)
         baseline = text.box.bottom() - descent;
     // Texts of one row share a baseline to within rounding.
-    const std::pair<PageFont, double> key{text.font, std::round(baseline * 1000) / 1000};
+    const double row = std::round(baseline * 1000) / 1000;
+    const RunKey key{text.font, row, text.color.rgba()};
     auto found = m_index.constFind(key);
     if (found == m_index.constEnd()) {
         found = m_index.insert(key, m_runs.size());
-        m_runs.push_back(Run{latin.font, key.second, {}, {}});
+        m_runs.push_back(Run{latin.font, text.color, row, {}, {}});
     }
     Run &run = m_runs[*found];
     for (const QChar c : text.text) {
@@ -49,6 +51,7 @@ bool GlyphRuns::add(const PageText &text)
 void GlyphRuns::draw(QPainter &painter)
 {
     for (const Run &run : m_runs) {
+        painter.setPen(run.color);
         QGlyphRun glyphs;
         glyphs.setRawFont(run.font);
         glyphs.setGlyphIndexes(run.glyphs);

@@ -22,17 +22,28 @@ public:
     // Draws the runs gathered since the last call.
     void draw(QPainter &painter);
 
+    // Texts of one font, baseline and colour share a run.
+    struct RunKey
+    {
+        PageFont font;
+        double baseline = 0;
+        QRgb color = 0;
+
+        bool operator==(const RunKey &) const = default;
+    };
+
 private:
     struct Run
     {
         QRawFont font;
+        QColor color;
         double baseline = 0;
         QList<quint32> glyphs;
         QList<QPointF> positions;
     };
 
     std::vector<Run> m_runs;
-    QHash<std::pair<PageFont, double>, size_t> m_index;
+    QHash<RunKey, size_t> m_index;
 };
 
 } // namespace Engine

@@ -3,6 +3,7 @@
 #include "engine/page/PageFonts.h"
 #include "engine/page/PageGeometry.h"
 
+#include <QBuffer>
 #include <cmath>
 #include <map>
 #include <set>
@@ -72,10 +73,13 @@ QString CellAlignment(Qt::Alignment alignment)
 // A text that shares its row with one it overlaps stands on its own above the table.
 QString FloatingText(const PageText &text)
 {
-    return QStringLiteral(
-               "<div class=\"t\" style=\"left:%1pt;top:%2pt;width:%3pt;height:%4pt;%5;%6\">%7</div>\n")
+    return QStringLiteral("<div class=\"t\" "
+                          "style=\"left:%1pt;top:%2pt;width:%3pt;height:%4pt;%5;%6;color:%7%8\">%9</div>\n")
         .arg(Pt(text.box.left()), Pt(text.box.top()), Pt(text.box.width()), Pt(text.box.height()),
-             Escaped(FontStyle(text.font)), FlexAlignment(text.alignment), Escaped(text.text));
+             Escaped(FontStyle(text.font)), FlexAlignment(text.alignment), ColorOf(text.color),
+             text.background.isValid() ? QStringLiteral(";background-color:") + ColorOf(text.background)
+                                       : QString(),
+             Escaped(text.text));
 }
 
 QString Graphics(const Page &page, const QSizeF &size)
@@ -217,6 +221,10 @@ QString StyleSheet::classFor(const QString &declaration, QChar prefix)
 QString StyleSheet::cellClass(const PageText &text, double paddingRight, double paddingBottom)
 {
     QString declaration = FontStyle(text.font) + QLatin1Char(';') + CellAlignment(text.alignment);
+    if (text.color != Qt::black)
+        declaration += QStringLiteral(";color:%1").arg(ColorOf(text.color));
+    if (text.background.isValid())
+        declaration += QStringLiteral(";background-color:%1").arg(ColorOf(text.background));
     if (paddingRight > 0.005)
         declaration += QStringLiteral(";padding-right:%1pt").arg(Pt(paddingRight));
     if (paddingBottom > 0.005)
@@ -246,6 +254,7 @@ QString DocumentHead(const QString &title)
                ".page { position: relative; margin: 0 auto 12pt auto; background: #fff; overflow: hidden;"
                " box-shadow: 0 0 4pt #999; }\n"
                ".page .g { position: absolute; left: 0; top: 0; }\n"
+               ".page .p { position: absolute; }\n"
                ".page .t { position: absolute; display: flex; white-space: pre; overflow: hidden; }\n"
                ".page table { position: absolute; border-collapse: collapse; border-spacing: 0;"
                " table-layout: fixed; }\n"
@@ -263,11 +272,31 @@ QString DocumentTail()
     return QStringLiteral("</body>\n</html>\n");
 }
 
+QString StyleSheet::pictureSource(const QImage &image)
+{
+    auto found = m_pictures.constFind(image.cacheKey());
+    if (found == m_pictures.constEnd()) {
+        QByteArray png;
+        QBuffer buffer(&png);
+        buffer.open(QIODevice::WriteOnly);
+        image.save(&buffer, "PNG");
+        found = m_pictures.insert(image.cacheKey(), QStringLiteral("data:image/png;base64,") +
+                                                        QString::fromLatin1(png.toBase64()));
+    }
+    return *found;
+}
+
 QString PageBlock(const Page &page, const QSizeF &size, StyleSheet &styles)
 {
     QList<const PageText *> floating;
     const QList<Row> rows = RowsOf(page, floating);
     QString body = Graphics(page, size);
+    for (const PagePicture &picture : page.pictures)
+        body +=
+            QStringLiteral("<img class=\"p\" alt=\"\" style=\"left:%1pt;top:%2pt;width:%3pt;height:%4pt\" "
+                           "src=\"%5\">\n")
+                .arg(Pt(picture.box.left()), Pt(picture.box.top()), Pt(picture.box.width()),
+                     Pt(picture.box.height()), styles.pictureSource(picture.image));
     if (!rows.isEmpty())
         body += Table(rows, styles);
     for (const PageText *text : floating)

@@ -15,6 +15,8 @@ public:
     // `paddingRight`, `paddingBottom`: the room between the text's box and the end and foot of its cell.
     QString cellClass(const PageText &text, double paddingRight, double paddingBottom);
     QString rowClass(double height);
+    // A picture as the source of an <img>, its PNG in the page; a picture on every page is encoded once.
+    QString pictureSource(const QImage &image);
     // The classes made since the last call, as a <style> element; empty when there are none.
     QString takeNew();
 
@@ -23,6 +25,7 @@ private:
 
     QHash<QString, QString> m_names; // declaration: class name
     QString m_new;
+    QHash<qint64, QString> m_pictures; // by the image's cache key
 };
 
 QString DocumentHead(const QString &title);

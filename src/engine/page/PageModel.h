@@ -4,6 +4,7 @@
 // drawing pass hands each one to the sink that renders it (PDF, printing, HTML, RTF, text).
 
 #include <QColor>
+#include <QImage>
 #include <QList>
 #include <QMarginsF>
 #include <QRectF>
@@ -28,6 +29,8 @@ struct PageText
     QString text;
     PageFont font;
     Qt::Alignment alignment = Qt::AlignLeft | Qt::AlignVCenter;
+    QColor color = Qt::black;
+    QColor background = {}; // invalid: none, the page shows through
 };
 
 struct PageLine
@@ -44,6 +47,13 @@ struct PageBox
     QColor fill = Qt::transparent;
 };
 
+// A picture drawn into its box, which has the picture's own proportions.
+struct PagePicture
+{
+    QRectF box;
+    QImage image;
+};
+
 // Where a group starts, for the group tree of a viewer: its level (0 the outermost) and caption.
 struct PageAnchor
 {
@@ -58,6 +68,7 @@ struct Page
     QList<PageText> texts;
     QList<PageLine> lines;
     QList<PageBox> boxes;
+    QList<PagePicture> pictures;
     QList<PageAnchor> anchors; // groups that start on this page, in order
 };
 

@@ -30,9 +30,20 @@ void PaintLines(QPainter &painter, const Page &page)
     }
 }
 
+// Charts and logos keep their sharp edges and flat colours, which JPEG would blur.
+void PaintPictures(QPainter &painter, const Page &page)
+{
+    painter.setRenderHint(QPainter::LosslessImageRendering);
+    for (const PagePicture &picture : page.pictures)
+        painter.drawImage(picture.box, picture.image);
+}
+
 void PaintTexts(QPainter &painter, const Page &page)
 {
-    painter.setPen(Qt::black);
+    for (const PageText &text : page.texts) {
+        if (text.background.isValid())
+            painter.fillRect(text.box, text.background);
+    }
     GlyphRuns runs;
     // Switching fonts costs a lookup; neighbouring texts mostly share theirs.
     std::optional<PageFont> current;
@@ -43,6 +54,7 @@ void PaintTexts(QPainter &painter, const Page &page)
             current = text.font;
             painter.setFont(ToQFont(text.font));
         }
+        painter.setPen(text.color);
         // Qt clips only the text that overflows its box, as a printed field is cut at its width.
         painter.drawText(text.box, int(text.alignment), text.text);
     }
@@ -54,6 +66,7 @@ void PaintTexts(QPainter &painter, const Page &page)
 void PaintPage(QPainter &painter, const Page &page)
 {
     PaintBoxes(painter, page);
+    PaintPictures(painter, page);
     PaintLines(painter, page);
     PaintTexts(painter, page);
 }

@@ -1,5 +1,6 @@
 #include "engine/page/RtfMarkup.h"
 
+#include <QBuffer>
 #include <algorithm>
 #include <cmath>
 
@@ -80,6 +81,23 @@ QString BoxShape(const PageBox &box, int order)
     else
         properties += Property("fLine", 0);
     return Shape(box.rect, order, properties);
+}
+
+QString PictureShape(const PagePicture &picture, int order)
+{
+    QByteArray png;
+    QBuffer buffer(&png);
+    buffer.open(QIODevice::WriteOnly);
+    picture.image.save(&buffer, "PNG");
+    const QString pict = QStringLiteral("{\\pict\\pngblip\\picw%1\\pich%2\\picwgoal%3\\pichgoal%4 %5}")
+                             .arg(picture.image.width())
+                             .arg(picture.image.height())
+                             .arg(Twips(picture.box.width()))
+                             .arg(Twips(picture.box.height()))
+                             .arg(QString::fromLatin1(png.toHex()));
+    return Shape(picture.box, order,
+                 Property("shapeType", 75) + Property("fLine", 0) +
+                     QStringLiteral("{\\sp{\\sn pib}{\\sv %1}}").arg(pict));
 }
 
 } // namespace Engine::RtfMarkup

@@ -12,5 +12,7 @@ QString Escaped(const QString &text);
 // A line or a box outline as a shape placed on the page, behind the text.
 QString LineShape(const PageLine &line, int order);
 QString BoxShape(const PageBox &box, int order);
+// A picture as a shape in its box, its PNG inside.
+QString PictureShape(const PagePicture &picture, int order);
 
 } // namespace Engine::RtfMarkup

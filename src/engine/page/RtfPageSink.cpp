@@ -51,6 +51,7 @@ void RtfPageSink::begin(const PageSetup &setup, int)
     m_pagesWritten = 0;
     m_fonts.clear();
     m_fontIndex.clear();
+    m_colors.clear();
     fontIndex(PageFont().family);
     m_body = std::make_unique<QTemporaryFile>();
     if (!m_body->open()) {
@@ -99,6 +100,8 @@ QString RtfPageSink::pageBody(const Page &page, bool firstPage)
         shapes += BoxShape(box, ++order);
     for (const PageLine &line : page.lines)
         shapes += LineShape(line, ++order);
+    for (const PagePicture &picture : page.pictures)
+        shapes += PictureShape(picture, ++order);
 
     std::map<double, QList<const PageText *>> rows;
     for (const PageText &text : page.texts)
@@ -142,16 +145,31 @@ QString RtfPageSink::rowParagraph(const QList<const PageText *> &row, double gap
             content += QLatin1Char(' '); // no room for a stop: the text follows the one before
         }
         const PageFont &font = text->font;
-        content += QStringLiteral("{\\f%1\\fs%2%3%4 %5}")
+        QString colors;
+        if (text->color != Qt::black)
+            colors += QStringLiteral("\\cf%1").arg(colorIndex(text->color));
+        if (text->background.isValid())
+            colors += QStringLiteral("\\chcbpat%1").arg(colorIndex(text->background));
+        content += QStringLiteral("{\\f%1\\fs%2%3%4%5 %6}")
                        .arg(fontIndex(font.family))
                        .arg(std::clamp(std::lround(Finite(font.pointSize) * 2), 2L, 3276L))
                        .arg(font.bold ? QStringLiteral("\\b") : QString(),
-                            font.italic ? QStringLiteral("\\i") : QString(), Escaped(text->text));
+                            font.italic ? QStringLiteral("\\i") : QString(), colors, Escaped(text->text));
     }
     return QStringLiteral("\\pard\\plain\\sb%1\\sa0\\sl-%2\\slmult0%3%4%5\\par\r\n")
         .arg(Twips(gapAbove))
         .arg(Twips(height))
         .arg(stops, lead, content);
+}
+
+// Colours are numbered from 1 in the colour table; 0 is the reader's own text colour.
+int RtfPageSink::colorIndex(const QColor &color)
+{
+    const qsizetype found = m_colors.indexOf(color.rgb());
+    if (found >= 0)
+        return int(found) + 1;
+    m_colors.append(color.rgb());
+    return int(m_colors.size());
 }
 
 int RtfPageSink::fontIndex(const QString &family)
@@ -185,10 +203,16 @@ QString RtfPageSink::header() const
             .arg(Twips(m_margins.top()))
             .arg(Twips(m_margins.bottom()));
     const QString landscape = m_setup.landscape ? QStringLiteral("\\landscape") : QString();
+    QString colors;
+    for (const QRgb color : m_colors)
+        colors +=
+            QStringLiteral("\\red%1\\green%2\\blue%3;").arg(qRed(color)).arg(qGreen(color)).arg(qBlue(color));
+    if (!colors.isEmpty())
+        colors = QStringLiteral("{\\colortbl;%1}\r\n").arg(colors);
     return QStringLiteral(
-               "{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1\r\n{\\fonttbl%1}\r\n{\\info{\\title %2}}\r\n"
-               "%3%4\\deftab720\r\n%5%6\r\n")
-        .arg(fonts, Escaped(m_setup.title), page, landscape, section,
+               "{\\rtf1\\ansi\\ansicpg1252\\deff0\\uc1\r\n{\\fonttbl%1}\r\n%2{\\info{\\title %3}}\r\n"
+               "%4%5\\deftab720\r\n%6%7\r\n")
+        .arg(fonts, colors, Escaped(m_setup.title), page, landscape, section,
              m_setup.landscape ? QStringLiteral("\\lndscpsxn") : QString());
 }
 

@@ -30,6 +30,7 @@ private:
     QString rowParagraph(const QList<const PageText *> &row, double gapAbove, double height,
                          const QString &lead);
     int fontIndex(const QString &family);
+    int colorIndex(const QColor &color);
     QString header() const;
 
     QString m_fileName;
@@ -37,6 +38,7 @@ private:
     QMarginsF m_margins;
     QStringList m_fonts;
     QHash<QString, int> m_fontIndex;
+    QList<QRgb> m_colors;
     int m_pagesWritten = 0;
     // The body waits on disk until the font table, which comes first, is complete.
     std::unique_ptr<QTemporaryFile> m_body;
