@@ -28,6 +28,10 @@ namespace {
 
 constexpr int kItems = 200;
 constexpr int kCommandIdBase = 100000;
+// The schedule holds at most clsSchedule::MaxItems items and a command beyond that fails by design, so
+// each command also deletes the item of the command this many before it.
+constexpr int kKeptCommands = 500;
+static_assert(kItems + kKeptCommands < clsSchedule::MaxItems);
 
 struct Counts
 {
@@ -41,6 +45,8 @@ struct Counts
     int runs = 0;
     int repeatedRuns = 0;
     int temporaryFiles = 0;
+    int scheduleItems = 0;
+    QSet<QString> failedCommands; // command files already reported from Remote/Failed/
 };
 
 class Installation
@@ -81,6 +87,10 @@ public:
         QFile file(name + QStringLiteral(".tmp"));
         if (!file.open(QIODevice::WriteOnly))
             return;
+        if (number > kKeptCommands)
+            file.write(QStringLiteral("<DeleteReportID>%1</DeleteReportID>\r\n")
+                           .arg(kCommandIdBase + number - kKeptCommands)
+                           .toLatin1());
         file.write(
             QStringLiteral("<ReportID>%1</ReportID>\r\n<ReportName>Command %2</ReportName>\r\n"
                            "<ReportFile>/bin/true</ReportFile>\r\n<ReportGroup>remote</ReportGroup>\r\n")
@@ -144,6 +154,27 @@ QStringList PendingCommands(const Installation &installed)
         .entryList({QStringLiteral("cmd-*.xml")}, QDir::Files);
 }
 
+// Each command file the daemon moved to Remote/Failed/ since the last check, with its content and the
+// run-log entries that name it (they say why).
+void ReportFailedCommands(const Installation &installed, const clsLog &log, Counts &counts)
+{
+    const QDir failed(installed.path(QStringLiteral("Remote/Failed")));
+    for (const QString &name : failed.entryList(QDir::Files, QDir::Name)) {
+        if (counts.failedCommands.contains(name))
+            continue;
+        counts.failedCommands.insert(name);
+        std::printf("  failed command %s:\n", qPrintable(name));
+        for (int row = 0; row < log.Count(); ++row) {
+            if (log.CellAt(row, clsLog::ColText).contains(name))
+                std::printf("    log: %s %s\n", qPrintable(log.CellAt(row, clsLog::ColLogDate)),
+                            qPrintable(log.CellAt(row, clsLog::ColText)));
+        }
+        QFile file(failed.filePath(name));
+        if (file.open(QIODevice::ReadOnly))
+            std::printf("    content:\n%s\n", file.readAll().constData());
+    }
+}
+
 // Every check of one stopped daemon's folder, added to the counts.
 void Check(const Installation &installed, int commandsWritten, Counts &counts)
 {
@@ -165,6 +196,7 @@ void Check(const Installation &installed, int commandsWritten, Counts &counts)
     }
     if (QFile::exists(log.FileName()) && !EndsWith(log.FileName(), "</QorloLogDoc>\r\n"))
         ++counts.unreadableFiles;
+    ReportFailedCommands(installed, log, counts);
     QDirIterator written(installed.appPath(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
     static const QRegularExpression expected(
         QStringLiteral("^(qorlomanagerd|Qorlo\\.XML|QorloLog\\.XML|\\.QorloMANAGER\\.lock|runs\\.txt|"
@@ -182,15 +214,19 @@ void Check(const Installation &installed, int commandsWritten, Counts &counts)
             ++counts.unreadableFiles;
     }
 
+    counts.scheduleItems = schedule.Count();
     counts.lostItems = 0;
     for (int id = 1; id <= kItems; ++id)
         counts.lostItems += schedule.Confirm(QString::number(id)) ? 0 : 1;
     const QStringList waiting = PendingCommands(installed);
     const QSet<QString> pending(waiting.cbegin(), waiting.cend());
+    const auto applied = [&](int number) {
+        return number <= commandsWritten && !pending.contains(QStringLiteral("cmd-%1.xml").arg(number));
+    };
     counts.lostCommands = 0;
     for (int number = 1; number <= commandsWritten; ++number) {
-        if (!schedule.Confirm(QString::number(kCommandIdBase + number)) &&
-            !pending.contains(QStringLiteral("cmd-%1.xml").arg(number)))
+        const bool deletedLater = applied(number + kKeptCommands);
+        if (applied(number) && !deletedLater && !schedule.Confirm(QString::number(kCommandIdBase + number)))
             ++counts.lostCommands;
     }
     QFile runs(installed.path(QStringLiteral("runs.txt")));
@@ -236,11 +272,12 @@ int main(int argc, char **argv)
         daemon.waitForFinished(5000);
         ++counts.kills;
         Check(installed, counts.commandsWritten, counts);
-        std::printf("kill %2d: %5d commands written, %3d waiting, %3d runs, lost %d items / %d commands, "
-                    "%d repeated, %d unreadable, %d left over\n",
-                    round, counts.commandsWritten, int(PendingCommands(installed).size()), counts.runs,
-                    counts.lostItems, counts.lostCommands, counts.repeatedRuns, counts.unreadableFiles,
-                    counts.temporaryFiles);
+        std::printf(
+            "kill %2d: %5d commands written, %3d waiting, %4d items, %3d runs, lost %d items / %d commands, "
+            "%d repeated, %d unreadable, %d left over\n",
+            round, counts.commandsWritten, int(PendingCommands(installed).size()), counts.scheduleItems,
+            counts.runs, counts.lostItems, counts.lostCommands, counts.repeatedRuns, counts.unreadableFiles,
+            counts.temporaryFiles);
         std::fflush(stdout);
     }
 

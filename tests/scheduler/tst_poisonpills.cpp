@@ -27,6 +27,7 @@ private Q_SLOTS:
     void itemThatFailsIsHeld();
     void commandFilesThatFailAreSetAside();
     void remoteCommandsAreSavedOneByOne();
+    void remoteFileAppliedAgainChangesNothing();
     void foreignExceptionEndsAsRunTimeError();
 };
 
@@ -156,6 +157,28 @@ void TestPoisonPills::remoteCommandsAreSavedOneByOne()
     QCOMPARE(saved.Cell(0, clsSchedule::colName), u"Added"_s);
     QCOMPARE(folder.files(u"Remote"_s), QStringList());
     QVERIFY(QFile::exists(folder.path(u"Remote/Failed/add.xml"_s)));
+}
+
+// A kill after a remote file is saved but before it is deleted leaves the file, and the next start
+// applies it again: an add and a delete applied twice leave what they left once, without a failure.
+void TestPoisonPills::remoteFileAppliedAgainChangesNothing()
+{
+    Folder folder;
+    WriteFile(folder.path(u"Remote/old.xml"_s), "<ReportID>1</ReportID>\r\n<ReportName>Old</ReportName>\r\n");
+    for (int start = 1; start <= 2; ++start) {
+        WriteFile(folder.path(u"Remote/replace.xml"_s),
+                  "<DeleteReportID>1</DeleteReportID>\r\n<ReportID>7</ReportID>\r\n"
+                  "<ReportName>New</ReportName>\r\n");
+        Program program(folder.app.path());
+        QCOMPARE(program.tick(), 0);
+        QCOMPARE(folder.files(u"Remote"_s), QStringList());
+    }
+    QCOMPARE(folder.files(u"Remote/Failed"_s), QStringList());
+    clsSchedule saved(folder.app.path());
+    saved.Load(folder.path(u"Qorlo.XML"_s));
+    QCOMPARE(saved.Count(), 1);
+    QCOMPARE(saved.Cell(0, clsSchedule::colReportID), u"7"_s);
+    QCOMPARE(saved.Cell(0, clsSchedule::colName), u"New"_s);
 }
 
 // A view that runs out of memory while the tick paints the running row. The tick's failure reaches the
