@@ -91,10 +91,10 @@ void GroupTree::build()
     std::vector<GroupNode *> path(size_t(levels), nullptr);
     m_root.end = int(m_order.size());
     const auto add = [&](GroupNode &node) {
-        const std::vector<SummarySpec> &specs = m_formulas.summaries(node.level);
-        for (size_t slot = 0; slot < specs.size(); ++slot)
-            node.summaries[slot].add(context.valueOf(specs[slot].operand),
-                                     specs[slot].function == SummaryFunction::DistinctCount);
+        const std::vector<BoundSummary> &bound = m_formulas.summaries(node.level);
+        for (size_t slot = 0; slot < bound.size(); ++slot)
+            node.summaries[slot].add(context.valueOf(bound[slot].operand),
+                                     bound[slot].function == SummaryFunction::DistinctCount);
     };
     for (int position = 0; position < m_order.size(); ++position) {
         CheckStop();

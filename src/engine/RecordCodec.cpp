@@ -54,21 +54,21 @@ const char *TextStart(const char *at)
 void PutMoment(QByteArray &out, const QDateTime &moment)
 {
     // A named zone is kept as its offset at that moment.
-    const Qt::TimeSpec spec = moment.timeSpec() == Qt::TimeZone ? Qt::OffsetFromUTC : moment.timeSpec();
+    const Qt::TimeSpec zone = moment.timeSpec() == Qt::TimeZone ? Qt::OffsetFromUTC : moment.timeSpec();
     Put<qint64>(out, moment.date().toJulianDay());
     Put<qint32>(out, MillisecondsOf(moment.time()));
-    Put<qint8>(out, qint8(spec));
-    Put<qint32>(out, spec == Qt::OffsetFromUTC ? moment.offsetFromUtc() : 0);
+    Put<qint8>(out, qint8(zone));
+    Put<qint32>(out, zone == Qt::OffsetFromUTC ? moment.offsetFromUtc() : 0);
 }
 
 QDateTime TakeMoment(const char *&at)
 {
     const QDate date = QDate::fromJulianDay(Take<qint64>(at));
     const QTime time = QTime::fromMSecsSinceStartOfDay(Take<qint32>(at));
-    const auto spec = Qt::TimeSpec(Take<qint8>(at));
+    const auto zone = Qt::TimeSpec(Take<qint8>(at));
     const qint32 offset = Take<qint32>(at);
-    return spec == Qt::OffsetFromUTC ? QDateTime(date, time, Qt::OffsetFromUTC, offset)
-                                     : QDateTime(date, time, spec);
+    return zone == Qt::OffsetFromUTC ? QDateTime(date, time, Qt::OffsetFromUTC, offset)
+                                     : QDateTime(date, time, zone);
 }
 
 void PutValue(QByteArray &out, const QVariant &value)

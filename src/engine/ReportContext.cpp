@@ -82,13 +82,13 @@ QVariant ReportContext::summary(const SummaryRef &summary) const
         node = node->parent;
     if (!node || node->level != summary.level || summary.slot < 0)
         return QVariant();
-    const SummarySpec &spec = m_formulas.summaries(summary.level)[size_t(summary.slot)];
+    const BoundSummary &bound = m_formulas.summaries(summary.level)[size_t(summary.slot)];
     const Accumulator &own = node->summaries[size_t(summary.slot)];
-    if (spec.function != SummaryFunction::PercentOfSum)
-        return own.value(spec.function);
-    if (!node->parent || spec.parentSlot < 0)
+    if (bound.function != SummaryFunction::PercentOfSum)
+        return own.value(bound.function);
+    if (!node->parent || bound.parentSlot < 0)
         return 100.0;
-    const double whole = node->parent->summaries[size_t(spec.parentSlot)].sum();
+    const double whole = node->parent->summaries[size_t(bound.parentSlot)].sum();
     return whole != 0 ? QVariant(own.sum() / whole * 100) : QVariant();
 }
 

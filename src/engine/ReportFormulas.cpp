@@ -60,7 +60,7 @@ ReportFormulas::ReportFormulas(const ReportDefinition &definition, const RecordS
                      .arg(total.name, total.reset));
         const QString what = QStringLiteral("running total \"%1\"").arg(total.name);
         const NameRef operand = recordName(what, total.field);
-        m_runningTotals.push_back(RunningTotalSpec{*SummaryFunctionNamed(total.function), operand, reset});
+        m_runningTotals.push_back(BoundRunningTotal{*SummaryFunctionNamed(total.function), operand, reset});
         if (operand.kind == NameRef::FormulaField)
             m_operands.emplace_back(operand.index, what);
     }
@@ -199,18 +199,18 @@ QString ReportFormulas::summary(const QString &function, const NameRef &operand,
         return QStringLiteral("%1 takes a field or a formula field").arg(function);
     if (operand.kind == NameRef::FormulaField)
         m_operands.emplace_back(operand.index, QStringLiteral("summary %1").arg(function));
-    SummarySpec spec{*kind, operand, -1};
-    if (spec.function == SummaryFunction::PercentOfSum && level >= 0) {
+    BoundSummary wanted{*kind, operand, -1};
+    if (wanted.function == SummaryFunction::PercentOfSum && level >= 0) {
         SummaryRef parent;
         this->summary(QStringLiteral("sum"), operand, QString(), level - 1, parent);
-        spec.parentSlot = parent.slot;
+        wanted.parentSlot = parent.slot;
     }
-    std::vector<SummarySpec> &slots = m_slots[size_t(level + 1)];
+    std::vector<BoundSummary> &slots = m_slots[size_t(level + 1)];
     const auto same =
-        std::find_if(slots.begin(), slots.end(), [&](const SummarySpec &s) { return s.sameAs(spec); });
+        std::find_if(slots.begin(), slots.end(), [&](const BoundSummary &s) { return s.sameAs(wanted); });
     summary = {level, int(same - slots.begin())};
     if (same == slots.end())
-        slots.push_back(spec);
+        slots.push_back(wanted);
     return QString();
 }
 

@@ -12,7 +12,7 @@
 
 namespace Engine {
 
-struct RunningTotalSpec
+struct BoundRunningTotal
 {
     SummaryFunction function = SummaryFunction::Sum;
     NameRef operand;
@@ -64,11 +64,11 @@ public:
     int levels() const { return int(m_groups.size()); }
     const GroupRule &group(int level) const { return m_groups[size_t(level)]; }
     // The summaries kept for each group of a level, -1 for the report.
-    const std::vector<SummarySpec> &summaries(int level) const { return m_slots[size_t(level + 1)]; }
+    const std::vector<BoundSummary> &summaries(int level) const { return m_slots[size_t(level + 1)]; }
     // The <subtotal>s of a group level, or the <grandTotal>s at level -1.
     const std::vector<Subtotal> &subtotals(int level) const { return m_subtotals[size_t(level + 1)]; }
     const Formula &formulaField(int index) const { return m_formulaFields[size_t(index)]; }
-    const std::vector<RunningTotalSpec> &runningTotals() const { return m_runningTotals; }
+    const std::vector<BoundRunningTotal> &runningTotals() const { return m_runningTotals; }
     const QList<std::pair<NameRef, bool>> &recordSorts() const { return m_sorts; }
     const TextTemplate &pageHeader() const { return m_pageHeader; }
     const TextTemplate &pageFooter() const { return m_pageFooter; }
@@ -96,10 +96,10 @@ private:
     QStringList m_groupFields;
     Formula::ParameterLookup m_parameters;
     std::vector<Formula> m_formulaFields;
-    std::vector<RunningTotalSpec> m_runningTotals;
+    std::vector<BoundRunningTotal> m_runningTotals;
     std::vector<GroupRule> m_groups;
     QList<std::pair<NameRef, bool>> m_sorts;         // field, descending
-    std::vector<std::vector<SummarySpec>> m_slots;   // by level + 1
+    std::vector<std::vector<BoundSummary>> m_slots;  // by level + 1
     std::vector<std::vector<Subtotal>> m_subtotals;  // by level + 1
     std::vector<std::pair<int, QString>> m_operands; // formula fields summarized, and by which formula
     TextTemplate m_pageHeader;

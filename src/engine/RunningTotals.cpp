@@ -9,9 +9,9 @@ RunningTotals::RunningTotals(const ReportFormulas &formulas)
 
 void RunningTotals::startGroup(int level)
 {
-    const std::vector<RunningTotalSpec> &specs = m_formulas->runningTotals();
-    for (size_t i = 0; i < specs.size(); ++i) {
-        if (specs[i].resetLevel == level) {
+    const std::vector<BoundRunningTotal> &bound = m_formulas->runningTotals();
+    for (size_t i = 0; i < bound.size(); ++i) {
+        if (bound[i].resetLevel == level) {
             m_running[i] = Accumulator();
             m_values[qsizetype(i)] = QVariant();
         }
@@ -20,13 +20,13 @@ void RunningTotals::startGroup(int level)
 
 void RunningTotals::add(const ReportContext &context)
 {
-    const std::vector<RunningTotalSpec> &specs = m_formulas->runningTotals();
-    for (size_t i = 0; i < specs.size(); ++i) {
-        const bool distinct = specs[i].function == SummaryFunction::DistinctCount;
-        m_running[i].add(context.valueOf(specs[i].operand), distinct);
+    const std::vector<BoundRunningTotal> &bound = m_formulas->runningTotals();
+    for (size_t i = 0; i < bound.size(); ++i) {
+        const bool distinct = bound[i].function == SummaryFunction::DistinctCount;
+        m_running[i].add(context.valueOf(bound[i].operand), distinct);
         // A running share of a whole has no whole yet: it runs as a sum.
         const SummaryFunction shown =
-            specs[i].function == SummaryFunction::PercentOfSum ? SummaryFunction::Sum : specs[i].function;
+            bound[i].function == SummaryFunction::PercentOfSum ? SummaryFunction::Sum : bound[i].function;
         m_values[qsizetype(i)] = m_running[i].value(shown);
     }
 }

@@ -15,14 +15,14 @@ enum class SummaryFunction { Sum, Count, DistinctCount, Average, Minimum, Maximu
 // percentofsum (percent); any case.
 std::optional<SummaryFunction> SummaryFunctionNamed(const QString &name);
 
-struct SummarySpec
+struct BoundSummary
 {
     SummaryFunction function = SummaryFunction::Sum;
     NameRef operand;
     // PercentOfSum: the sum of the same operand one level up, which it is a share of.
     int parentSlot = -1;
 
-    bool sameAs(const SummarySpec &other) const
+    bool sameAs(const BoundSummary &other) const
     {
         return function == other.function && operand.kind == other.operand.kind &&
                operand.index == other.operand.index;
