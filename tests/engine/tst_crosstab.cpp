@@ -4,6 +4,8 @@
 #include "EngineExports.h"
 #include "SalesReport.h"
 #include "EngineOracles.h"
+#include "Files.h"
+#include "Readers.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/Codes.h"
@@ -57,7 +59,8 @@ void TestCrosstab::initTestCase()
 QStringList TestCrosstab::pages(const QString &layout)
 {
     const QString path = TestSupport::WriteReport(QDir(m_dir.path()), u"cross.rpt"_s, Head + layout);
-    return EngineOracles::PdfText(TestSupport::ExportBeside(m_application, path, PdfFormat)).split(u'\f');
+    return TestSupport::PdfText(TestSupport::ExportBeside(m_application, path, PdfFormat), 0, true)
+        .split(u'\f');
 }
 
 void TestCrosstab::cellsAndTotalsMatchTheDatabase()

@@ -4,6 +4,8 @@
 #include "EngineData.h"
 #include "SalesReport.h"
 #include "EngineOracles.h"
+#include "Files.h"
+#include "Readers.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/Report.h"
@@ -145,7 +147,7 @@ void TestExportContent::workbookDateTimesAndFormulas()
     QORLO_REQUIRE_PEER(!TestSupport::FindProgram(QStringLiteral("soffice")).isEmpty(),
                        QStringLiteral("LibreOffice (libreoffice-calc-nogui)"));
     const QString out = m_dir.filePath(QStringLiteral("converted"));
-    QVERIFY(LibreOfficeConvert({xls}, QStringLiteral("fods"), out, m_dir.path()));
+    QVERIFY(TestSupport::ConvertWithLibreOffice({xls}, QStringLiteral("fods"), out));
     const QString sheet = ReadUtf8(out + QStringLiteral("/f.fods"));
     QStringList formulas;
     const auto matches =

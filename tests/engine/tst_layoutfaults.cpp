@@ -4,6 +4,8 @@
 
 #include "EngineData.h"
 #include "EngineOracles.h"
+#include "Files.h"
+#include "Readers.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/Report.h"
@@ -131,8 +133,8 @@ void TestLayoutFaults::totalInTheFirstColumn()
 {
     QORLO_REQUIRE_PEER(!TestSupport::FindProgram(QStringLiteral("pdftotext")).isEmpty(),
                        QStringLiteral("poppler-utils"));
-    const QString pdf =
-        PdfText(exportReport(QStringLiteral("first-column-total"), PdfFormat, QStringLiteral("pdf")));
+    const QString pdf = TestSupport::PdfText(
+        exportReport(QStringLiteral("first-column-total"), PdfFormat, QStringLiteral("pdf")), 0, true);
     QCOMPARE(pdf, Golden(QStringLiteral("engine/golden/layout/first-column-total.31.pdf.txt"), pdf));
     // The label has a line of its own, and the count of orders stands under the order numbers.
     const QStringList lines = pdf.split(QLatin1Char('\n'));
@@ -164,12 +166,13 @@ void TestLayoutFaults::longTextsEndInEllipsisOrWrap()
 {
     QORLO_REQUIRE_PEER(!TestSupport::FindProgram(QStringLiteral("pdftotext")).isEmpty(),
                        QStringLiteral("poppler-utils"));
-    const QString pdf = PdfText(exportReport(QStringLiteral("long-text"), PdfFormat, QStringLiteral("pdf")));
+    const QString pdf = TestSupport::PdfText(
+        exportReport(QStringLiteral("long-text"), PdfFormat, QStringLiteral("pdf")), 0, true);
     QCOMPARE(pdf, Golden(QStringLiteral("engine/golden/layout/long-text.31.pdf.txt"), pdf));
     // The short column ends the note in "…"; the wrapped one shows every word on lines of its own.
     QVERIFY2(pdf.contains(QRegularExpression(QStringLiteral("Deliver to the back[^\\n]*…"))),
              qPrintable(pdf));
-    const QString flat = PdfText(m_dir.filePath(QStringLiteral("long-text.31.pdf")), false);
+    const QString flat = TestSupport::PdfText(m_dir.filePath(QStringLiteral("long-text.31.pdf")));
     for (const char *words : {"ring twice and", "porter to open the gate"})
         QVERIFY2(flat.contains(QLatin1String(words)), words);
     const QString html =
@@ -185,8 +188,8 @@ void TestLayoutFaults::wordProcessorKeepsColumns()
     const QString rtf = exportReport(QStringLiteral("long-text"), RichTextFormat, QStringLiteral("rtf"));
     QCOMPARE(ReadUtf8(rtf), Golden(QStringLiteral("engine/golden/layout/long-text.4.rtf"), ReadUtf8(rtf)));
     const QString out = m_dir.filePath(QStringLiteral("converted"));
-    QVERIFY(LibreOfficeConvert({rtf}, QStringLiteral("pdf"), out, m_dir.path()));
-    const QString text = PdfText(out + QStringLiteral("/long-text.4.pdf"));
+    QVERIFY(TestSupport::ConvertWithLibreOffice({rtf}, QStringLiteral("pdf"), out));
+    const QString text = TestSupport::PdfText(out + QStringLiteral("/long-text.4.pdf"), 0, true);
     // Every amount ends at the same place: no long note pushed it a tab stop to the right.
     QList<qsizetype> ends;
     for (const QString &line : text.split(QLatin1Char('\n')))
@@ -204,9 +207,10 @@ void TestLayoutFaults::charactersFromFallbackFonts()
                        QStringLiteral("poppler-utils"));
     const QString pdf = exportReport(QStringLiteral("long-text"), PdfFormat, QStringLiteral("pdf"));
     // pdftotext may name a shared glyph by its compatibility character; the normal form is the name.
-    QVERIFY2(PdfText(pdf).normalized(QString::NormalizationForm_KC).contains(ChineseName),
-             qPrintable(PdfText(pdf)));
-    const QString fonts = QString::fromUtf8(Output(QStringLiteral("pdffonts"), {pdf}).value_or(QByteArray()));
+    QVERIFY2(
+        TestSupport::PdfText(pdf, 0, true).normalized(QString::NormalizationForm_KC).contains(ChineseName),
+        qPrintable(TestSupport::PdfText(pdf, 0, true)));
+    const QString fonts = QString::fromUtf8(TestSupport::ProgramOutput(QStringLiteral("pdffonts"), {pdf}));
     // A Chinese name in the simplified Chinese face, not in whichever CJK face comes first.
     QVERIFY2(fonts.contains(QLatin1String("NotoSansCJKsc")) &&
                  !fonts.contains(QLatin1String("NotoSansCJKjp")),

@@ -5,6 +5,8 @@
 #include "EngineExports.h"
 #include "SalesReport.h"
 #include "EngineOracles.h"
+#include "Files.h"
+#include "Readers.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/Codes.h"
@@ -102,14 +104,13 @@ void TestPictures::picturesInThePdf()
 {
     const QString pdf = exportReport(u"photos"_s, Layout, PdfFormat);
     // pdfimages lists each picture once, the logo drawn twice included: logo, green, magenta.
-    const QString list =
-        QString::fromUtf8(EngineOracles::Output(u"pdfimages"_s, {u"-list"_s, pdf}).value_or(QByteArray()));
+    const QString list = QString::fromUtf8(TestSupport::ProgramOutput(u"pdfimages"_s, {u"-list"_s, pdf}));
     const QStringList images = list.split(u'\n', Qt::SkipEmptyParts).mid(2);
     QVERIFY2(images.size() >= 3, qPrintable(list));
     QVERIFY(list.contains(QRegularExpression(u"\\s200\\s+100\\s"_s)));
     QVERIFY(list.contains(QRegularExpression(u"\\s40\\s+30\\s"_s)));
     QVERIFY(list.contains(QRegularExpression(u"\\s120\\s+30\\s"_s)));
-    QVERIFY(EngineOracles::PdfText(pdf).contains(u"damaged"_s));
+    QVERIFY(TestSupport::PdfText(pdf, 0, true).contains(u"damaged"_s));
 
     // At 72 dpi a point is a pixel. The page header's logo fills 80 by 40 points at the right margin;
     // the report header's 100 by 50 at the centre; the photos keep their proportions in 48 by 36.
@@ -142,7 +143,7 @@ void TestPictures::picturesInHtmlAndRtf()
 
     const QString rtf = exportReport(u"photos"_s, Layout, RichTextFormat);
     const QString out = m_dir.filePath(u"converted"_s);
-    QVERIFY(EngineOracles::LibreOfficeConvert({rtf}, u"pdf"_s, out, m_dir.path()));
+    QVERIFY(TestSupport::ConvertWithLibreOffice({rtf}, u"pdf"_s, out));
     const QImage page = EngineOracles::FirstPageImage(QDir(out).filePath(u"photos.pdf"_s), m_dir.path(), 72);
     QVERIFY(!page.isNull());
     QVERIFY2(std::abs(EngineOracles::PixelsNear(page, Blue) - (80 * 40 + 100 * 50)) < 1200,

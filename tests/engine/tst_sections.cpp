@@ -5,6 +5,8 @@
 #include "EngineExports.h"
 #include "SalesReport.h"
 #include "EngineOracles.h"
+#include "Files.h"
+#include "Readers.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/Codes.h"
@@ -102,7 +104,7 @@ void TestSections::conditionsHideRecordsFieldsAndSections()
 void TestSections::noDataSectionStandsForTheRecords()
 {
     const QString pdf = exportReport(u"empty"_s, u"WHERE amount > 1e9"_s, Hidden, PdfFormat);
-    const QString text = EngineOracles::PdfText(pdf, false);
+    const QString text = TestSupport::PdfText(pdf);
     QVERIFY2(text.contains(u"Orders of 0 customers"_s), qPrintable(text));
     QVERIFY(text.indexOf(u"No orders."_s) > text.indexOf(u"Orders of 0"_s));
     QVERIFY(text.indexOf(u"End of report"_s) > text.indexOf(u"No orders."_s));

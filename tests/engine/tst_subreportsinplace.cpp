@@ -4,6 +4,8 @@
 #include "EngineExports.h"
 #include "SalesReport.h"
 #include "EngineOracles.h"
+#include "Files.h"
+#include "Readers.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/Codes.h"
@@ -82,10 +84,10 @@ QString TestSubreportsInPlace::exportReport(const QString &main, int format)
     const QString path = TestSupport::WriteReport(QDir(m_dir.path()), u"regions.rpt"_s, main);
     const QString target = TestSupport::ExportBeside(m_application, path, format);
     if (format == PdfFormat)
-        return EngineOracles::PdfText(target, false);
+        return TestSupport::PdfText(target);
     if (format == RichTextFormat) {
         const QString out = m_dir.filePath(u"converted"_s);
-        if (!EngineOracles::LibreOfficeConvert({target}, u"txt:Text"_s, out, m_dir.path()))
+        if (!TestSupport::ConvertWithLibreOffice({target}, u"txt:Text"_s, out))
             return QString();
         return EngineOracles::ReadUtf8(QDir(out).filePath(u"regions.txt"_s));
     }

@@ -1,77 +1,38 @@
 #pragma once
-// The independent readers that engine tests hold exports against (pdftotext, pdftoppm, xlrd,
-// LibreOffice), and expected files under tests/data that a deliberate change refreshes.
+// What engine tests hold exports against beyond Readers.h: xlrd's cell dump, page images drawn by
+// pdftoppm and their pixels, and expected files under tests/data that a deliberate change refreshes.
 
+#include "Files.h"
 #include "Peers.h"
 #include "TestMain.h"
 
 #include <QDir>
 #include <QFile>
 #include <QImage>
-#include <QProcess>
-#include <QUrl>
 
 namespace EngineOracles {
 
-// Runs a program to its end; its standard output when it succeeded, else nothing.
-inline std::optional<QByteArray> Output(const QString &program, const QStringList &arguments,
-                                        int timeoutMs = 60000)
-{
-    QProcess process;
-    process.start(program, arguments);
-    if (!process.waitForFinished(timeoutMs) || process.exitStatus() != QProcess::NormalExit ||
-        process.exitCode() != 0)
-        return std::nullopt;
-    return process.readAllStandardOutput();
-}
-
 inline QString ReadUtf8(const QString &path)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll())
-                                          : QStringLiteral("(missing file %1)").arg(path);
-}
-
-// pdftotext's reading of a PDF, by default keeping the layout of each line.
-inline QString PdfText(const QString &pdf, bool layout = true)
-{
-    QStringList arguments{pdf, QStringLiteral("-")};
-    if (layout)
-        arguments.prepend(QStringLiteral("-layout"));
-    return QString::fromUtf8(Output(QStringLiteral("pdftotext"), arguments).value_or(QByteArray()));
+    return QFile::exists(path) ? QString::fromUtf8(TestSupport::ReadFile(path))
+                               : QStringLiteral("(missing file %1)").arg(path);
 }
 
 // What xlrd reads from a workbook: a line per sheet, then a line per cell (tests/peers/xls_dump.py).
 inline QString XlsCells(const QString &xls)
 {
-    return QString::fromUtf8(
-        Output(TestSupport::DebianPython(), {TestSupport::PeerScript(QStringLiteral("xls_dump.py")), xls})
-            .value_or(QByteArray()));
-}
-
-// Converts the files into `format` ("pdf", "txt", "csv"...) in `outDir` with LibreOffice, in one call
-// (it takes seconds to start) and with a profile of its own under `work`.
-inline bool LibreOfficeConvert(const QStringList &files, const QString &format, const QString &outDir,
-                               const QString &work)
-{
-    const QString profile = QUrl::fromLocalFile(QDir(work).filePath(QStringLiteral("lo-profile"))).toString();
-    return Output(QStringLiteral("soffice"),
-                  QStringList{QStringLiteral("-env:UserInstallation=") + profile,
-                              QStringLiteral("--headless"), QStringLiteral("--convert-to"), format,
-                              QStringLiteral("--outdir"), outDir} +
-                      files,
-                  300000)
-        .has_value();
+    return QString::fromUtf8(TestSupport::ProgramOutput(
+        TestSupport::DebianPython(), {TestSupport::PeerScript(QStringLiteral("xls_dump.py")), xls}));
 }
 
 // Page 1 of a PDF as pdftoppm draws it at `dpi`; a null image when it cannot.
 inline QImage FirstPageImage(const QString &pdf, const QString &work, int dpi = 50)
 {
     const QString base = QDir(work).filePath(QFileInfo(pdf).completeBaseName() + QStringLiteral("-page"));
-    if (!Output(QStringLiteral("pdftoppm"),
-                {QStringLiteral("-png"), QStringLiteral("-r"), QString::number(dpi), QStringLiteral("-f"),
-                 QStringLiteral("1"), QStringLiteral("-l"), QStringLiteral("1"),
-                 QStringLiteral("-singlefile"), pdf, base}))
+    if (!TestSupport::RunProgram(QStringLiteral("pdftoppm"),
+                                 {QStringLiteral("-png"), QStringLiteral("-r"), QString::number(dpi),
+                                  QStringLiteral("-f"), QStringLiteral("1"), QStringLiteral("-l"),
+                                  QStringLiteral("1"), QStringLiteral("-singlefile"), pdf, base}))
         return QImage();
     return QImage(base + QStringLiteral(".png"));
 }
@@ -118,9 +79,7 @@ inline QString Golden(const QString &relative, const QString &actual)
     const QString path = TestSupport::DataFile(relative);
     if (qEnvironmentVariableIsSet("QORLO_WRITE_GOLDEN")) {
         QDir().mkpath(QFileInfo(path).path());
-        QFile file(path);
-        if (file.open(QIODevice::WriteOnly))
-            file.write(actual.toUtf8());
+        TestSupport::WriteFile(path, actual.toUtf8());
     }
     return ReadUtf8(path);
 }
