@@ -156,6 +156,9 @@ bool clsSendMail::StartTls()
 
 bool clsSendMail::Login()
 {
+    // The hello reply may come in pieces: an AUTH sent on the piece that offers it would get its
+    // prompt in one read with the reply's last line, and the prompt would go unanswered.
+    WaitForFlag(m_replyEnded, m_connectTimeout, false);
     if (!WaitForFlag(m_authOffered, 5, false)) {
         Q_EMIT Status(QStringLiteral("Login Not Supported by Host, Continuing..."));
         return true;

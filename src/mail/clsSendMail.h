@@ -228,5 +228,5 @@ private:
     QString m_remoteHost;
     bool m_socketError = false;
     QString m_certificateProblem;
-    bool m_replyEnded = false; // the last read ended a reply; only STARTTLS looks at it
+    bool m_replyEnded = false; // the last read ended a reply; STARTTLS and the login wait for it
 };

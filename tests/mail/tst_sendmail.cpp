@@ -304,6 +304,23 @@ void TestSendMail::authentication()
         QCOMPARE(events.statuses.last(), u"Host Login Failed!"_s);
         QCOMPARE(peer.messages().size(), 1);
     }
+    {
+        // The login waits for the end of the hello reply: its last line would otherwise come in one
+        // piece with the login prompt, which then goes unanswered.
+        SmtpPeer slow;
+        QORLO_START_PEER(
+            slow.start({u"--user"_s, u"alice"_s, u"--password"_s, u"s3cret"_s, u"--slow-hello"_s, u"0.3"_s}),
+            slow);
+        clsSendMail mail;
+        MailEvents events(mail);
+        AimAt(mail, slow.port());
+        mail.SetUseAuthentication(true);
+        mail.SetUsername(u"alice"_s);
+        mail.SetPassword(u"s3cret"_s);
+        mail.Send();
+        QVERIFY2(events.succeeded(), qPrintable(events.statuses.join(u" | "_s)));
+        QCOMPARE(slow.messages().size(), 1);
+    }
     SmtpPeer plain;
     QORLO_START_PEER(plain.start(), plain);
     clsSendMail mail;

@@ -3,8 +3,9 @@
 
 Prints READY once it listens. Options choose the behaviour under test: AUTH LOGIN with
 "Username:"/"Password:" prompts, RCPT refused with 550, the connection closed during DATA,
-a server that never answers, one that takes --delay seconds to accept each message, STARTTLS or
-implicit TLS with a given certificate.
+a server that never answers, one that takes --delay seconds to accept each message, one that sends
+the last line of its EHLO reply --slow-hello seconds after the others, STARTTLS or implicit TLS with a
+given certificate.
 """
 import argparse
 import asyncio
@@ -25,6 +26,28 @@ class PeerSMTP(SMTP):
     AuthLoginUsernameChallenge = "Username:"
     AuthLoginPasswordChallenge = "Password:"
     close_in_data = False
+    slow_hello = 0
+
+    async def push(self, status):
+        # The last line of the EHLO reply is held back until the next reply or --slow-hello seconds:
+        # a client that answers the AUTH offer before the reply has ended gets that line and the
+        # login prompt in one piece.
+        held = getattr(self, "held_line", None)
+        if self.slow_hello and status == "250 HELP":
+            self.held_line = status
+            self.release = asyncio.get_running_loop().call_later(
+                self.slow_hello, lambda: asyncio.ensure_future(self.release_held()))
+            return
+        if held:
+            self.release.cancel()
+            self.held_line = None
+            status = held + "\r\n" + status
+        await super().push(status)
+
+    async def release_held(self):
+        held, self.held_line = getattr(self, "held_line", None), None
+        if held:
+            await SMTP.push(self, held)
 
     async def smtp_AUTH(self, arg):
         # Mechanism names are case-insensitive: the client under test says "AUTH Login".
@@ -140,6 +163,7 @@ def main():
     parser.add_argument("--close-in-data", action="store_true")
     parser.add_argument("--silent", action="store_true")
     parser.add_argument("--delay", type=float, default=0)
+    parser.add_argument("--slow-hello", type=float, default=0)
     parser.add_argument("--starttls", nargs=2, metavar=("CERT", "KEY"))
     parser.add_argument("--tls", nargs=2, metavar=("CERT", "KEY"))
     args = parser.parse_args()
@@ -159,6 +183,7 @@ def main():
             kwargs.update(tls_context=make_context(*args.starttls))
         ssl_context = make_context(*args.tls) if args.tls else None
         PeerSMTP.close_in_data = args.close_in_data
+        PeerSMTP.slow_hello = args.slow_hello
         controller = PeerController(Recorder(args.folder, args.refuse_rcpt, args.delay), hostname="127.0.0.1",
                                     port=args.port, ssl_context=ssl_context, **kwargs)
         controller.start()
