@@ -7,6 +7,7 @@
 
 #include "core/Clock.h"
 #include "core/CommonFile.h"
+#include "core/StopRequest.h"
 #include "mail/MailDocument.h"
 #include "mail/SmtpLog.h"
 
@@ -89,6 +90,9 @@ void ProcessRemoteFolder(QorloGlobals &globals, const QString &path, const QStri
     if (files.isEmpty())
         return;
     for (const QString &name : files) {
+        // The files not reached wait for the next start; each one applied is saved already.
+        if (StopRequest::Requested())
+            break;
         const QString file = CommonFile::JoinPath(path, name);
         // Saved before the file goes: a crash at any moment leaves the file or the saved result.
         RecordFailure(
@@ -117,10 +121,15 @@ void ProcessMailFolder(QorloGlobals &globals, const QString &path, const QString
     const auto done = qScopeGuard([] { passRunning = false; });
     SmtpLog::StartSmtpLog(QStringLiteral("QorloMAIL processing inside QorloMANAGER"));
     for (const QString &name : files) {
+        if (StopRequest::Requested())
+            break;
         const QString file = CommonFile::JoinPath(path, name);
         bool valid = false;
         RecordFailure([&] { valid = ProcessMailDocument(globals.AppPath, file); },
                       [&](const QorloError &error) { SetAsideCommandFile(globals, file, logTag, error); });
+        // A stop cuts the send short without a word: the document stays for the next start.
+        if (StopRequest::Requested())
+            break;
         if (!valid)
             globals.View().SetStatusText(QStringLiteral("Invalid XML Doc"));
         QFile::remove(file);

@@ -70,6 +70,8 @@ void Dispatcher::Tick()
     RefreshStatusPages(Now());
     m_globals.DisplayCaption();
     PollCommandFolders(m_globals);
+    if (StopRequest::Requested())
+        return;
     BackupIfDue(m_globals.Schedule, [this] { m_globals.SaveWeb(); });
     if (!ApplyTimers() || !m_globals.Schedule.Active)
         return;

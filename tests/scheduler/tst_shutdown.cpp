@@ -1,5 +1,6 @@
 // SIGTERM while a report runs: the run stops at its next check instead of waiting its waits out, its
-// log entry says so, and the program closes as closing its window does.
+// log entry says so, and the program closes as closing its window does. SIGTERM during a long batch of
+// command files: the batch stops between two files.
 #include "AppObjects.h"
 #include "DaemonInstallation.h"
 #include "SalesReport.h"
@@ -23,6 +24,8 @@ class TestShutdown : public QObject
 private Q_SLOTS:
     void stopsDuringAReport();
     void stopsWhileTheEngineReads();
+    void stopsBetweenCommandFiles();
+    void mailDocumentStaysAtShutdown();
 };
 
 namespace {
@@ -108,6 +111,66 @@ void TestShutdown::stopsWhileTheEngineReads()
     QTest::qWait(1000);
     StopsAtShutdown(daemon, installed, 5000);
     QVERIFY(!QFile::exists(installed.path(u"Output/sales.csv"_s)));
+}
+
+// Two thousand command files take a minute to apply, each saved on its own; the signal ends the batch
+// after the file at hand, and the files not reached wait for the next start.
+void TestShutdown::stopsBetweenCommandFiles()
+{
+    DaemonInstallation installed(QStringLiteral(QORLO_DAEMON), FreePort());
+    clsSchedule schedule(installed.app.path());
+    schedule.Active = true;
+    schedule.Save(installed.path(u"Qorlo.XML"_s));
+    QVERIFY(QDir(installed.app.path()).mkdir(u"Remote"_s));
+    constexpr int kFiles = 2000;
+    const auto commandFile = [&](int number) { return installed.path(u"Remote/cmd-%1.xml"_s.arg(number)); };
+    for (int number = 1; number <= kFiles; ++number)
+        WriteFile(commandFile(number), "<ReportID>" + QByteArray::number(number) +
+                                           "</ReportID>\r\n<ReportFile>/bin/true</ReportFile>\r\n");
+    const auto waiting = [&] { return QDir(installed.path(u"Remote"_s)).entryList(QDir::Files).size(); };
+
+    QProcess daemon;
+    installed.start(daemon);
+    QVERIFY(daemon.waitForStarted(5000));
+    QVERIFY2(WaitUntil([&] { return waiting() < kFiles; }, 20000), daemon.readAllStandardError().constData());
+    ::kill(daemon.processId(), SIGTERM);
+    QVERIFY2(daemon.waitForFinished(5000), "the batch did not stop");
+    QCOMPARE(daemon.exitCode(), 0);
+    const qsizetype left = waiting();
+    QVERIFY(left > 0);
+
+    clsSchedule saved(installed.app.path());
+    saved.Load(installed.path(u"Qorlo.XML"_s));
+    QCOMPARE(saved.Count(), kFiles - left);
+    for (int number = 1; number <= kFiles; ++number)
+        QCOMPARE(saved.Confirm(QString::number(number)), !QFile::exists(commandFile(number)));
+    QCOMPARE(SavedLogEntries(installed.app.path()).size(), kFiles - left);
+}
+
+// A mail document whose send the signal cuts short stays for the next start instead of being taken
+// for sent.
+void TestShutdown::mailDocumentStaysAtShutdown()
+{
+    QTcpServer silent;
+    QVERIFY(silent.listen(QHostAddress::LocalHost));
+    DaemonInstallation installed(QStringLiteral(QORLO_DAEMON), silent.serverPort());
+    clsSchedule schedule(installed.app.path());
+    schedule.Active = true;
+    schedule.Save(installed.path(u"Qorlo.XML"_s));
+    QVERIFY(QDir(installed.app.path()).mkdir(u"Mail"_s));
+    const QString document = installed.path(u"Mail/note.xml"_s);
+    WriteFile(document, "<QorloMAILDoc>\r\n<Server>127.0.0.1</Server>\r\n<From>desk@example.com</From>\r\n"
+                        "<To>boss@example.com</To>\r\n<Subject>Stock note</Subject>\r\n</QorloMAILDoc>\r\n");
+
+    QProcess daemon;
+    installed.start(daemon);
+    QVERIFY(daemon.waitForStarted(5000));
+    QVERIFY2(WaitUntil([&] { return silent.hasPendingConnections(); }, 20000),
+             daemon.readAllStandardError().constData());
+    ::kill(daemon.processId(), SIGTERM);
+    QVERIFY2(daemon.waitForFinished(5000), "the send did not stop");
+    QCOMPARE(daemon.exitCode(), 0);
+    QVERIFY(QFile::exists(document));
 }
 
 QORLO_TEST_MAIN(TestShutdown)
