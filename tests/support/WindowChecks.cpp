@@ -4,6 +4,7 @@
 #include <QAbstractItemView>
 #include <QAbstractSpinBox>
 #include <QComboBox>
+#include <QDesktopServices>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -162,6 +163,18 @@ QStringList TabOrderFaults(const QWidget *window)
 QStringList WindowFaults(const QWidget *window)
 {
     return UnlabelledFields(window) + ClippedControls(window) + TabOrderFaults(window);
+}
+
+UrlReceiver::UrlReceiver(const QStringList &schemes) : m_schemes(schemes)
+{
+    for (const QString &scheme : m_schemes)
+        QDesktopServices::setUrlHandler(scheme, this, "open");
+}
+
+UrlReceiver::~UrlReceiver()
+{
+    for (const QString &scheme : m_schemes)
+        QDesktopServices::unsetUrlHandler(scheme);
 }
 
 } // namespace TestSupport

@@ -1,9 +1,12 @@
 #pragma once
 // What a person would find wrong on looking at a window: a field without a label, a window or a caption
 // cut short, and a Tab order that jumps against the reading order. Each finding is one line that names
-// the control by its object name.
+// the control by its object name. And the addresses a window asks the desktop to open.
 
+#include <QList>
+#include <QObject>
 #include <QStringList>
+#include <QUrl>
 
 class QWidget;
 
@@ -20,5 +23,21 @@ QStringList TabChain(const QWidget *window);
 QStringList TabOrderFaults(const QWidget *window);
 // All of the above.
 QStringList WindowFaults(const QWidget *window);
+
+// Takes the addresses of the given schemes that the desktop is asked to open, as a desktop program would.
+class UrlReceiver : public QObject
+{
+    Q_OBJECT
+public:
+    explicit UrlReceiver(const QStringList &schemes = {QStringLiteral("file")});
+    ~UrlReceiver() override;
+    QList<QUrl> opened;
+
+public Q_SLOTS:
+    void open(const QUrl &url) { opened.append(url); }
+
+private:
+    QStringList m_schemes;
+};
 
 } // namespace TestSupport

@@ -4,8 +4,12 @@
 
 #include "TestPrompter.h"
 #include "scheduler/QorloGlobals.h"
+#include "scheduler/ScheduleView.h"
 
 #include <QAbstractButton>
+#include <QAbstractItemView>
+#include <QAction>
+#include <QComboBox>
 #include <QTemporaryDir>
 #include <memory>
 
@@ -23,6 +27,43 @@ template <class Control = QWidget> Control *Child(const QObject *window, const c
 inline void Click(const QObject *window, const char *name)
 {
     Child<QAbstractButton>(window, name)->click();
+}
+
+inline void Trigger(const QObject *window, const char *name)
+{
+    Child<QAction>(window, name)->trigger();
+}
+
+// The texts of a grid's column, top to bottom.
+inline QStringList ColumnTexts(const QAbstractItemView *grid, int column = 0)
+{
+    QStringList texts;
+    for (int row = 0; row < grid->model()->rowCount(); ++row)
+        texts.append(grid->model()->index(row, column).data().toString());
+    return texts;
+}
+
+// The entries of a list, in order.
+inline QStringList ItemTexts(const QComboBox *list)
+{
+    QStringList texts;
+    for (int entry = 0; entry < list->count(); ++entry)
+        texts.append(list->itemText(entry));
+    return texts;
+}
+
+// The ReportIDs of the grid's rows, top to bottom.
+inline QStringList RowIDs(const ScheduleView &view)
+{
+    QStringList ids;
+    for (int row = 1; row < view.Rows(); ++row)
+        ids.append(view.RowReportID(row));
+    return ids;
+}
+
+inline void SelectItem(ScheduleView &view, const QString &reportID)
+{
+    view.SetSelectedRow(int(RowIDs(view).indexOf(reportID)) + 1);
 }
 
 struct GlobalsFixture

@@ -50,23 +50,11 @@ struct CalendarFixture : GlobalsFixture
         SaveNextTime(*file, reference);
         return file->NextRun();
     }
-    QStringList rows(const frmList &list) const
-    {
-        auto *grid = Child<QTableWidget>(&list, "fgList");
-        QStringList texts;
-        for (int row = 0; row < grid->rowCount(); ++row)
-            texts.append(grid->item(row, 0)->text());
-        return texts;
-    }
+    QStringList rows(const frmList &list) const { return ColumnTexts(Child<QTableWidget>(&list, "fgList")); }
 
     FixedClock clock{kNow};
     ClockGuard guard{clock};
 };
-
-void Trigger(const QObject *window, const char *name)
-{
-    Child<QAction>(window, name)->trigger();
-}
 
 } // namespace
 

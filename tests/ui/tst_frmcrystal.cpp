@@ -1,24 +1,22 @@
+#include "AppObjects.h"
 #include "EngineOracles.h"
 #include "Readers.h"
-#include "TestPrompter.h"
+#include "SalesReport.h"
+#include "WindowFixture.h"
 #include "TestMain.h"
 
 #include "core/QorloError.h"
 #include "core/TWReg.h"
 #include "engine/Codes.h"
 #include "engine/Report.h"
-#include "scheduler/Dispatcher.h"
-#include "scheduler/QorloGlobals.h"
 #include "ui/ItemWindows.h"
 #include "ui/ReportPageView.h"
 #include "ui/ReportViewer.h"
 #include "ui/frmAlert10.h"
 #include "ui/frmCrystal.h"
-#include "ui/frmMain.h"
 #include "ui/frmSchedule.h"
 
 #include <QAction>
-#include <QComboBox>
 #include <QDateTimeEdit>
 #include <QDialog>
 #include <QDir>
@@ -30,7 +28,6 @@
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QTemporaryDir>
 #include <QTimer>
 #include <QTreeWidget>
 
@@ -39,7 +36,7 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 // The demo folder copied, a schedule over it, and the viewers opened on its reports.
-struct ViewerFixture
+struct ViewerFixture : TestSupport::GlobalsFixture
 {
     ViewerFixture()
     {
@@ -58,14 +55,21 @@ struct ViewerFixture
             delete window.data();
     }
 
-    QString file(const QString &name) const { return dir.filePath(name); }
-    frmCrystal *view(const QString &name) { return frmCrystal::ViewFile(globals, file(name)); }
+    // A report over a table of the copied demo database, called S in `elements`.
+    QString report(const QString &name, const QString &elements, const QString &table = u"sales"_s)
+    {
+        return TestSupport::WriteReport(QDir(dir.path()), name,
+                                        u"<table name=\"S\" location=\"%1\" dll=\"sqlite\"><property "
+                                        "name=\"Database\">demo.db</property></table>\n"_s.arg(table) +
+                                            elements);
+    }
+    frmCrystal *view(const QString &name) { return frmCrystal::ViewFile(globals, path(name)); }
     // The copied demo database, on a connection of this fixture.
     QSqlDatabase db()
     {
         if (!QSqlDatabase::contains(dir.path())) {
             QSqlDatabase added = QSqlDatabase::addDatabase(u"QSQLITE"_s, dir.path());
-            added.setDatabaseName(file(u"demo.db"_s));
+            added.setDatabaseName(path(u"demo.db"_s));
             added.open();
         }
         return QSqlDatabase::database(dir.path());
@@ -82,10 +86,6 @@ struct ViewerFixture
         window.Viewer().ExportTo(Engine::PdfFormat, pdf);
         return pdf;
     }
-
-    QTemporaryDir dir;
-    TestSupport::TestPrompter prompter;
-    QorloGlobals globals{dir.path(), prompter};
 };
 
 // The words of a text, sorted: drawing order and line breaks differ between the model and pdftotext.
@@ -165,7 +165,7 @@ void TestFrmCrystal::demoReportsMatchTheirPdf()
     const QStringList reports = QDir(f.dir.path()).entryList({u"*.rpt"_s}, QDir::Files);
     QVERIFY(reports.size() >= 5);
     for (const QString &name : reports) {
-        if (EngineOracles::ReadUtf8(f.file(name)).contains(u"<parameter"_s))
+        if (EngineOracles::ReadUtf8(f.path(name)).contains(u"<parameter"_s))
             AnswerParameters([](QDialog &dialog) {
                 // A parameter without a default gets a region.
                 for (QLineEdit *edit : dialog.findChildren<QLineEdit *>()) {
@@ -284,10 +284,7 @@ void TestFrmCrystal::alertsNarrowTheView()
         if (f.count(u"SELECT count(*) FROM sales WHERE "_s + where) > 0)
             fired.append(name);
     }
-    QStringList listed;
-    for (int i = 0; i < alerts->cmbAlert->count(); ++i)
-        listed.append(alerts->cmbAlert->itemText(i));
-    QCOMPARE(listed, fired);
+    QCOMPARE(TestSupport::ItemTexts(alerts->cmbAlert), fired);
 
     const int all = f.count(u"SELECT count(*) FROM sales"_s);
     const QString csv = f.dir.filePath(u"narrowed.csv"_s);
@@ -328,18 +325,13 @@ void TestFrmCrystal::fiftyTwoAlertsOverrun()
     QString alerts;
     for (int i = 1; i <= 52; ++i)
         alerts += u"<alert name=\"Alert %1\">amount &gt; %2</alert>\n"_s.arg(i).arg(i);
-    QFile report(f.file(u"many.rpt"_s));
-    QVERIFY(report.open(QIODevice::WriteOnly));
-    report.write(
-        (u"<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<report version=\"1\"><title>Many</title>"
-         "<table name=\"Sales\" location=\"sales\" dll=\"sqlite\"><property name=\"Database\">demo.db"
-         "</property></table><query>SELECT id, amount FROM {Sales}</query><layout>"
-         "<column field=\"id\" caption=\"Order\" width=\"60\"/></layout>"_s +
-         alerts + u"</report>"_s)
-            .toUtf8());
-    report.close();
+    const QString many =
+        f.report(u"many.rpt"_s, u"<title>Many</title><query>SELECT id, amount FROM {S}</query>"
+                                "<layout><column field=\"id\" caption=\"Order\" width=\"60\"/>"
+                                "</layout>"_s +
+                                    alerts);
     auto *window = new frmCrystal(f.globals);
-    window->LoadTCReport(report.fileName(), false);
+    window->LoadTCReport(many, false);
     int error = 0;
     try {
         window->ViewReport();
@@ -376,8 +368,8 @@ void TestFrmCrystal::parametersReachTheQuery()
 
     // The item editor's preview takes the item's stored values and asks for none.
     clsSchedule &schedule = f.globals.Schedule;
-    schedule.AddNew();
-    schedule.SetFile(f.file(u"sales-parameters.rpt"_s));
+    TestSupport::AddItem(schedule, {QString(), u"Parameters"_s, f.path(u"sales-parameters.rpt"_s), u"D"_s,
+                                    u"1"_s, u"05-Mar-2026 07:30"_s});
     const QString id = schedule.ReportID();
     const QList<std::pair<QString, QString>> stored{
         {u"Regions"_s, u"East|North"_s}, {u"From"_s, u"2024-02-01"_s}, {u"To"_s, u"2024-02-29"_s}};
@@ -390,20 +382,13 @@ void TestFrmCrystal::parametersReachTheQuery()
     schedule.SetPosition(-1);
     const int storedCount = f.count(u"SELECT count(*) FROM sales WHERE region IN ('East', 'North') "
                                     "AND order_date BETWEEN '2024-02-01' AND '2024-02-29'"_s);
-    frmCrystal *preview = frmCrystal::PreviewItem(f.globals, id, f.file(u"sales-parameters.rpt"_s), nullptr);
+    frmCrystal *preview = frmCrystal::PreviewItem(f.globals, id, f.path(u"sales-parameters.rpt"_s), nullptr);
     QVERIFY(preview);
     QCOMPARE(preview->Report()->PrintingStatus().NumberOfRecordSelected(), storedCount);
     QCOMPARE(schedule.Position(), -1);
 
     // The same from the item editor's Preview, as a window of the editor.
     schedule.Find(id);
-    schedule.SetName(u"Parameters"_s);
-    schedule.SetSchedule(u"Y"_s);
-    schedule.SetNextRun(u"05-Mar-2026 07:30"_s);
-    schedule.SetFrequency(u"M"_s);
-    schedule.SetFreqTimes(u"1"_s);
-    schedule.SetDest(u"E"_s);
-    schedule.SetEmail(u"boss@example.com"_s);
     ItemWindows windows(f.globals, nullptr, nullptr);
     frmSchedule &editor = windows.Editor();
     editor.ShowSchedule();
@@ -416,16 +401,12 @@ void TestFrmCrystal::parametersReachTheQuery()
     QCOMPARE(f.prompter.take(), QStringList());
 
     // A value set by name is typed by its parameter: a number must be numeric.
-    QFile limited(f.file(u"limited.rpt"_s));
-    QVERIFY(limited.open(QIODevice::WriteOnly));
-    limited.write(R"(<?xml version="1.0" encoding="UTF-8"?>
-<report version="1"><title>Limited</title><table name="S" location="sales" dll="sqlite"><property name="Database">demo.db</property></table>
+    const QString limited = f.report(u"limited.rpt"_s, uR"(<title>Limited</title>
 <parameter name="Limit" type="7" prompt="Smallest amount"><default>0</default></parameter>
 <query>SELECT id, amount FROM {S} WHERE amount &gt;= {?Limit}</query>
-<layout><column field="id" caption="Id" width="60"/></layout></report>)");
-    limited.close();
+<layout><column field="id" caption="Id" width="60"/></layout>)"_s);
     auto *typed = new frmCrystal(f.globals);
-    typed->LoadTCReport(limited.fileName(), false);
+    typed->LoadTCReport(limited, false);
     typed->LoadTCParm(u"{?limit}"_s, u"many"_s);
     QCOMPARE(f.prompter.take(), QStringList{u"Error: ERROR: 'Limit' parameter must be numeric"_s});
     typed->LoadTCParm(u"{?Limit}"_s, u"1500"_s);
@@ -437,32 +418,11 @@ void TestFrmCrystal::parametersReachTheQuery()
 void TestFrmCrystal::windowOperations()
 {
     ViewerFixture f;
-    // View Report Now: the file the operator picks opens in a viewer; no file opens nothing.
-    f.globals.Viewer.ApplyStartDefaults();
-    Dispatcher dispatcher(f.globals);
-    frmMain main(f.globals, dispatcher);
-    auto *browse = main.findChild<QAction *>(u"mnuBrowse"_s);
-    QVERIFY(browse);
-    f.prompter.setNextFileNames({f.file(u"sales-by-region.rpt"_s)});
-    browse->trigger();
-    browse->trigger();
-    QCOMPARE(f.prompter.take(), QStringList(2, u"View Report Now: "_s + f.dir.path()));
-    QList<frmCrystal *> viewers;
-    for (QWidget *window : QApplication::topLevelWidgets()) {
-        if (auto *viewer = qobject_cast<frmCrystal *>(window))
-            viewers.append(viewer);
-    }
-    QCOMPARE(viewers.size(), 1);
-    QCOMPARE(viewers[0]->windowTitle(), u"Sales by Region and Product"_s);
-    viewers[0]->close();
-
     // Without a title the caption is the file name; a missing table is the engine's box, nothing shown.
-    QFile bare(f.file(u"untitled.rpt"_s));
-    QVERIFY(bare.open(QIODevice::WriteOnly));
-    bare.write(R"(<?xml version="1.0" encoding="UTF-8"?>
-<report version="1"><table name="T" location="no_such_table" dll="sqlite"><property name="Database">demo.db</property>
-</table><query>SELECT id FROM {T}</query><layout><column field="id" caption="Id" width="60"/></layout></report>)");
-    bare.close();
+    f.report(
+        u"untitled.rpt"_s,
+        uR"(<query>SELECT id FROM {S}</query><layout><column field="id" caption="Id" width="60"/></layout>)"_s,
+        u"no_such_table"_s);
     frmCrystal *untitled = f.view(u"untitled.rpt"_s);
     QCOMPARE(untitled->windowTitle(), u"untitled.rpt"_s);
     const QStringList boxes = f.prompter.take();
@@ -473,7 +433,7 @@ void TestFrmCrystal::windowOperations()
 
     // A missing file is the engine's box; the view goes on with nothing to show.
     auto *missing = new frmCrystal(f.globals);
-    missing->LoadTCReport(f.file(u"gone.rpt"_s), false);
+    missing->LoadTCReport(f.path(u"gone.rpt"_s), false);
     missing->ViewReport();
     QCOMPARE(f.prompter.take().size(), 1);
     QCOMPARE(missing->ErrorText(), QString());
@@ -483,7 +443,7 @@ void TestFrmCrystal::windowOperations()
     // The report date shows where the report prints its date.
     auto *dated = new frmCrystal(f.globals);
     dated->SetDate(dated->StringToDate(u"2020-05-01"_s));
-    dated->LoadTCReport(f.file(u"sales-by-region.rpt"_s), false);
+    dated->LoadTCReport(f.path(u"sales-by-region.rpt"_s), false);
     dated->ViewReport();
     QVERIFY2(ModelText(dated->Viewer().Pages(), 1).contains(u"2020"_s),
              qPrintable(ModelText(dated->Viewer().Pages(), 1)));
@@ -494,7 +454,6 @@ void TestFrmCrystal::windowOperations()
     // Without groups there is no tree to show, though it stays switched on.
     QVERIFY(untitled->ShowGroupTree() && untitled->Viewer().GroupTree().isHidden());
     // Refresh reads the database again.
-    QVERIFY(f.count(u"SELECT count(*) FROM sales"_s) > 0);
     QSqlQuery insert(f.db());
     QVERIFY2(
         insert.exec(u"INSERT INTO sales SELECT id + 100000, order_date, region, product, customer, quantity, "
@@ -519,15 +478,11 @@ void TestFrmCrystal::windowOperations()
     QCOMPARE(TWReg::ReadSettingNumber(u"Viewer"_s, u"WindowState"_s, -1), 0);
 
     // A long report is cancelled from the event loop, which keeps turning while it reads.
-    QFile big(f.file(u"big.rpt"_s));
-    QVERIFY(big.open(QIODevice::WriteOnly));
-    big.write(R"(<?xml version="1.0" encoding="UTF-8"?>
-<report version="1"><title>Big</title><table name="S" location="sales" dll="sqlite"><property name="Database">demo.db</property>
-</table><query>SELECT a.id AS id, b.customer AS customer FROM {S} a, {S} b</query>
-<layout><column field="id" caption="Id" width="60"/><column field="customer" caption="Customer" width="160"/></layout></report>)");
-    big.close();
+    const QString big = f.report(u"big.rpt"_s, uR"(<title>Big</title>
+<query>SELECT a.id AS id, b.customer AS customer FROM {S} a, {S} b</query>
+<layout><column field="id" caption="Id" width="60"/><column field="customer" caption="Customer" width="160"/></layout>)"_s);
     auto *cancelled = new frmCrystal(f.globals);
-    cancelled->LoadTCReport(big.fileName(), false);
+    cancelled->LoadTCReport(big, false);
     int ticks = 0;
     QTimer tick;
     QObject::connect(&tick, &QTimer::timeout, [&] {

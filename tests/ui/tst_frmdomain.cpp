@@ -1,14 +1,11 @@
 #include "WindowFixture.h"
 #include "TestMain.h"
 
-#include "scheduler/QorloGlobals.h"
 #include "ui/frmDomain.h"
 
 #include <QFile>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QTableWidget>
-#include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
 

@@ -16,7 +16,6 @@
 #include <QAction>
 #include <QComboBox>
 #include <QDateEdit>
-#include <QHeaderView>
 #include <QLineEdit>
 #include <QTableView>
 
@@ -53,13 +52,6 @@ struct LogFixture : GlobalsFixture
         globals.Log.DeleteLogDate = D(2026, 12, 31);
         globals.Log.Save();
     }
-    static QStringList column(const QTableView *view, int column)
-    {
-        QStringList texts;
-        for (int row = 0; row < view->model()->rowCount(); ++row)
-            texts.append(view->model()->index(row, column).data().toString());
-        return texts;
-    }
 
     FixedClock clock{kNow};
     ClockGuard guard{clock};
@@ -93,11 +85,11 @@ void TestFrmLog::filtersAndColumns()
         headings.append(grid->model()->headerData(column, Qt::Horizontal).toString());
     QCOMPARE(headings, (QStringList{u"ID"_s, u"Start"_s, u"Finish"_s, u"Description"_s, u"Pages"_s}));
     QCOMPARE(window.Filter(), qint16(0));
-    QCOMPARE(f.column(grid, 0), (QStringList{u"1"_s, u"2"_s, u"1"_s, u"3"_s, u"2"_s}));
-    QCOMPARE(f.column(grid, 1).first(), u"04-Mar-2026 08:00"_s);
-    QCOMPARE(f.column(grid, 2).first(), u"04-Mar-2026 08:01"_s);
+    QCOMPARE(ColumnTexts(grid, 0), (QStringList{u"1"_s, u"2"_s, u"1"_s, u"3"_s, u"2"_s}));
+    QCOMPARE(ColumnTexts(grid, 1).first(), u"04-Mar-2026 08:00"_s);
+    QCOMPARE(ColumnTexts(grid, 2).first(), u"04-Mar-2026 08:01"_s);
     // A page count shows only above 0.
-    QCOMPARE(f.column(grid, 4), (QStringList{u"3"_s, QString(), u"12"_s, QString(), QString()}));
+    QCOMPARE(ColumnTexts(grid, 4), (QStringList{u"3"_s, QString(), u"12"_s, QString(), QString()}));
 
     // The week reaches back to the Saturday before; the prior seven days to last Wednesday.
     const struct
@@ -114,7 +106,7 @@ void TestFrmLog::filtersAndColumns()
     };
     for (const auto &filter : filters) {
         Child<QAction>(&window, filter.entry)->trigger();
-        QCOMPARE(f.column(grid, 3), filter.texts);
+        QCOMPARE(ColumnTexts(grid, 3), filter.texts);
         QVERIFY(Child<QAction>(&window, filter.entry)->isChecked());
         QVERIFY(!Child<QAction>(&window, "mnuFilter0")->isChecked());
     }
@@ -174,7 +166,7 @@ void TestFrmLog::clearExportRefresh()
     WriteLogEntry(other, u"4"_s, D(2026, 3, 4, 9, 0), D(2026, 3, 4, 9, 5), QString(), u"Written elsewhere"_s,
                   1);
     Child<QAction>(&window, "mnuRefresh")->trigger();
-    QCOMPARE(f.column(grid, 3).last(), u"Written elsewhere"_s);
+    QCOMPARE(ColumnTexts(grid, 3).last(), u"Written elsewhere"_s);
 
     // Clear asks first; No keeps everything.
     Child<QAction>(&window, "mnuClear")->trigger();
@@ -192,7 +184,7 @@ void TestFrmLog::clearExportRefresh()
     f.addEntry(u"5"_s, D(2026, 3, 4, 9, 30), u"Added in memory"_s);
     Child<QAction>(&window, "mnuSave")->trigger();
     QCOMPARE(SavedLogEntries(f.dir.path()), QStringList{u"5|Added in memory"_s});
-    QCOMPARE(f.column(grid, 3), QStringList{u"Added in memory"_s});
+    QCOMPARE(ColumnTexts(grid, 3), QStringList{u"Added in memory"_s});
 }
 
 // A report run writes its entry; the viewer shows it without being asked.
@@ -217,9 +209,9 @@ void TestFrmLog::followsARunningSchedule()
     RunContext run = f.globals.Context();
     RunReport(run);
     const QString success = u"Sales: Successful output to "_s + f.path(u"Output/sales.csv"_s);
-    QVERIFY2(WaitUntil([&] { return f.column(grid, 3).contains(success); }, 5000),
-             qPrintable(f.column(grid, 3).join(u'|')));
-    QCOMPARE(f.column(grid, 0), (QStringList{u"1"_s, u"7"_s}));
+    QVERIFY2(WaitUntil([&] { return ColumnTexts(grid, 3).contains(success); }, 5000),
+             qPrintable(ColumnTexts(grid, 3).join(u'|')));
+    QCOMPARE(ColumnTexts(grid, 0), (QStringList{u"1"_s, u"7"_s}));
     QVERIFY(f.prompter.take().isEmpty());
 }
 
@@ -284,7 +276,7 @@ void TestFrmLog::measuresAndLogSettings()
     QCOMPARE(saved.DeleteLogDate, D(2026, 3, 5));
     QCOMPARE(f.globals.Log.Count(), saved.Count());
     again.ViewLog(0);
-    QCOMPARE(f.column(Child<QTableView>(&again, "fgView"), 3),
+    QCOMPARE(ColumnTexts(Child<QTableView>(&again, "fgView"), 3),
              (QStringList{u"Sales today"_s, u"Stock yesterday"_s, u"Sales on Saturday"_s,
                           u"Automatic delete of 2 items from log file"_s}));
 }

@@ -1,3 +1,4 @@
+#include "AppObjects.h"
 #include "Files.h"
 #include "TestClocks.h"
 #include "TestMain.h"
@@ -6,7 +7,6 @@
 #include "core/AppFolder.h"
 #include "core/DayDate.h"
 #include "scheduler/Dispatcher.h"
-#include "scheduler/QorloGlobals.h"
 #include "scheduler/SingleInstance.h"
 #include "scheduler/StartUp.h"
 #include "ui/frmMain.h"
@@ -19,7 +19,6 @@
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTableWidget>
-#include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -45,13 +44,7 @@ struct MainFixture : GlobalsFixture
             cells.append(text(tableRow, column));
         return cells;
     }
-    QStringList ids()
-    {
-        QStringList column;
-        for (int row = 1; row < window.Rows(); ++row)
-            column.append(window.RowReportID(row));
-        return column;
-    }
+    QStringList ids() { return RowIDs(window); }
     QAction *menu(const char *name) { return Child<QAction>(&window, name); }
     void trigger(const char *name) { menu(name)->trigger(); }
     clsViewer savedViewer() const
@@ -64,17 +57,6 @@ struct MainFixture : GlobalsFixture
     Dispatcher dispatcher{globals};
     frmMain window{globals, dispatcher};
 };
-
-void AddItem(clsSchedule &schedule, const QString &name, const QString &file, const QString &nextRun)
-{
-    schedule.AddNew();
-    schedule.SetName(name);
-    schedule.SetFile(file);
-    schedule.SetNextRun(nextRun);
-    schedule.SetSchedule(u"Y"_s);
-    schedule.SetFrequency(u"D"_s);
-    schedule.SetFreqTimes(u"1"_s);
-}
 
 const QString kCaption = u"QorloMANAGER - File and Report Manager "_s;
 
@@ -104,12 +86,12 @@ void TestFrmMain::gridShowsTheSchedule()
     const ClockGuard guard(clock);
     MainFixture f;
     clsSchedule &s = f.schedule;
-    AddItem(s, u"Sales"_s, f.path(u"sales.rpt"_s), u"03-Mar-2026 06:00"_s);
+    AddItem(s, {QString(), u"Sales"_s, f.path(u"sales.rpt"_s), u"D"_s, u"1"_s, u"03-Mar-2026 06:00"_s});
     s.SetDest(u"E"_s);
     s.SetEmail(u"boss@example.com"_s);
     s.SetLastRun(u"01-Mar-2026 06:00"_s);
-    AddItem(s, QString(), u"/reports/stock.rpt"_s, QString());
-    AddItem(s, u"Print"_s, u"/reports/print.rpt"_s, u"04-Mar-2026 07:30"_s);
+    AddItem(s, {QString(), QString(), u"/reports/stock.rpt"_s, u"D"_s, u"1"_s, QString()});
+    AddItem(s, {QString(), u"Print"_s, u"/reports/print.rpt"_s, u"D"_s, u"1"_s, u"04-Mar-2026 07:30"_s});
     s.SetDest(u"P"_s);
     s.SetPrinter(u"Office"_s);
     f.globals.Viewer.Viewer_ColDesc = 4500;
@@ -167,12 +149,9 @@ void TestFrmMain::sortOrdersTheGridOnly()
     const ClockGuard guard(clock);
     MainFixture f;
     clsSchedule &s = f.schedule;
-    AddItem(s, u"beta"_s, u"/r/b.rpt"_s, u"05-Mar-2026 08:00"_s);
-    s.SetReportID(u"10"_s);
-    AddItem(s, u"Alpha"_s, u"/r/a.rpt"_s, QString());
-    s.SetReportID(u"9"_s);
-    AddItem(s, u"alpha"_s, u"/r/c.rpt"_s, u"01-Mar-2026 07:00"_s);
-    s.SetReportID(u"100"_s);
+    AddItem(s, {u"10"_s, u"beta"_s, u"/r/b.rpt"_s, u"D"_s, u"1"_s, u"05-Mar-2026 08:00"_s});
+    AddItem(s, {u"9"_s, u"Alpha"_s, u"/r/a.rpt"_s, u"D"_s, u"1"_s, QString()});
+    AddItem(s, {u"100"_s, u"alpha"_s, u"/r/c.rpt"_s, u"D"_s, u"1"_s, u"01-Mar-2026 07:00"_s});
     f.globals.Viewer.SortCol = u"1"_s;
     f.globals.ViewTable();
     const auto sortIndex = [&s] {
@@ -214,8 +193,8 @@ void TestFrmMain::startStopRunNowAndTick()
     AppFolder::MakeWorkingFolders(f.dir.path());
     clsSchedule &s = f.schedule;
     const QString job = WriteScript(f.path(u"job.sh"_s), "exit 0");
-    AddItem(s, u"Overdue"_s, job, u"02-Mar-2026 08:00"_s);
-    AddItem(s, u"Later"_s, job, u"09-Mar-2026 08:00"_s);
+    AddItem(s, {QString(), u"Overdue"_s, job, u"D"_s, u"1"_s, u"02-Mar-2026 08:00"_s});
+    AddItem(s, {QString(), u"Later"_s, job, u"D"_s, u"1"_s, u"09-Mar-2026 08:00"_s});
     LoadMainWindow(f.globals);
     f.window.ApplyViewerSettings();
     QCOMPARE(f.window.windowTitle(), kCaption + u"(stopped)"_s);
@@ -334,7 +313,7 @@ void TestFrmMain::windowStateGoesToFormXml()
 void TestFrmMain::closeDoorAndComingToTheFront()
 {
     MainFixture f;
-    AddItem(f.schedule, u"Job"_s, u"/r/job.rpt"_s, QString());
+    AddItem(f.schedule, {QString(), u"Job"_s, u"/r/job.rpt"_s, u"D"_s, u"1"_s, QString()});
     f.globals.ViewTable();
     f.window.ApplyViewerSettings();
     f.window.show();
@@ -397,7 +376,7 @@ void TestFrmMain::duplicateAndDelete()
     QCOMPARE(f.prompter.take(), (QStringList{u"Duplicate Schedule Item: No item in Schedule to Duplicate"_s,
                                              u"Delete Schedule Item: No Item in Schedule to Delete"_s}));
     for (const QString &name : {u"Sales"_s, u"Stock"_s, u"Staff"_s})
-        AddItem(s, name, f.path(name + u".rpt"_s), u"03-Mar-2026 06:00"_s);
+        AddItem(s, {QString(), name, f.path(name + u".rpt"_s), u"D"_s, u"1"_s, u"03-Mar-2026 06:00"_s});
     s.ParmAddNew();
     s.SetParmReportID(u"1"_s);
     s.SetParmName(u"Region"_s);
@@ -512,7 +491,8 @@ void TestFrmMain::failingCommandKeepsTheProgram()
 {
     MainFixture f;
     for (int row = 0; row < clsSchedule::MaxItems; ++row)
-        AddItem(f.schedule, u"Item"_s, f.path(u"job.sh"_s), u"01-Mar-2026 10:00"_s);
+        AddItem(f.schedule,
+                {QString(), u"Item"_s, f.path(u"job.sh"_s), u"D"_s, u"1"_s, u"01-Mar-2026 10:00"_s});
     f.globals.ViewTable();
     f.window.SetSelectedRow(1);
     f.trigger("mnuDuplicate");
@@ -534,7 +514,7 @@ void TestFrmMain::itemPartEntries()
     f.globals.ViewTable();
     f.prompter.take();
     f.trigger("mnuPList");
-    AddItem(f.schedule, u"Job"_s, f.path(u"job.sh"_s), u"01-Mar-2026 10:00"_s);
+    AddItem(f.schedule, {QString(), u"Job"_s, f.path(u"job.sh"_s), u"D"_s, u"1"_s, u"01-Mar-2026 10:00"_s});
     f.globals.ViewTable();
     f.window.SetSelectedRow(0);
     f.trigger("mnuMultiRun");

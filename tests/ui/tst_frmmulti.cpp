@@ -1,21 +1,18 @@
 // The multi-run editor over the demo folder: the control file shown and checked with every warning, the
-// grid's commands and cell editors, and a file written by the window run by the real multi-run.
+// grid's commands and cell editors. The scenario test runs a file the window wrote.
 #include "CupsPeer.h"
 #include "DemoWindows.h"
 #include "SalesReport.h"
 #include "TestMain.h"
 
 #include "core/TWReg.h"
-#include "scheduler/ItemRouter.h"
 #include "store/clsViewer.h"
 #include "ui/frmMulti.h"
 
 #include <QAction>
 #include <QComboBox>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
 #include <QTableWidget>
 
 using namespace Qt::Literals::StringLiterals;
@@ -47,14 +44,8 @@ struct MultiApp : DemoWindows
             texts.append(grid()->horizontalHeaderItem(column)->text());
         return texts;
     }
-    QStringList parameters()
-    {
-        QStringList entries;
-        for (int entry = 0; entry < child<QComboBox>("cmbParameter")->count(); ++entry)
-            entries.append(child<QComboBox>("cmbParameter")->itemText(entry));
-        return entries;
-    }
-    void trigger(const char *name) { child<QAction>(name)->trigger(); }
+    QStringList parameters() { return ItemTexts(child<QComboBox>("cmbParameter")); }
+    void trigger(const char *name) { Trigger(&window(), name); }
     // A new row of the window's output and format.
     void newRow(const QString &value, const QString &destination, const QString &subject = QString())
     {
@@ -63,6 +54,15 @@ struct MultiApp : DemoWindows
         setCell(row, frmMulti::colValue, value);
         setCell(row, frmMulti::colDestination, destination);
         setCell(row, frmMulti::colSubject, subject);
+    }
+    // Item 3 on a report of one parameter, Region.
+    void openOneParameterReport()
+    {
+        SalesReport(QDir(dir.path()), u"one.rpt"_s, u"SELECT region FROM {Sales} WHERE region = {?Region}"_s,
+                    u"<parameter name=\"Region\" type=\"12\"/><layout><column field=\"region\"/></layout>"_s);
+        select(u"3"_s);
+        schedule.SetFile(path(u"one.rpt"_s));
+        open(u"3"_s);
     }
     void choose(const QString &output, const QString &format)
     {
@@ -80,7 +80,6 @@ private Q_SLOTS:
     void initTestCase() { NoPrintServer(); }
     void showsTheControlFile();
     void everyWarning();
-    void writesAFileTheMultiRunRuns();
     void gridCommands();
     void tableMapAndAllParameters();
     void cellEditors();
@@ -123,11 +122,7 @@ void TestFrmMulti::showsTheControlFile()
              QStringList{u"No parameters in report: Warning - Multi-run expects a report to "
                          "have at least one parameter"_s});
     QVERIFY(app.parameters().isEmpty());
-    SalesReport(QDir(app.dir.path()), u"one.rpt"_s, u"SELECT region FROM {Sales} WHERE region = {?Region}"_s,
-                u"<parameter name=\"Region\" type=\"12\"/><layout><column field=\"region\"/></layout>"_s);
-    app.select(u"3"_s);
-    app.schedule.SetFile(app.path(u"one.rpt"_s));
-    app.open(u"3"_s);
+    app.openOneParameterReport();
     QCOMPARE(app.parameters(), QStringList{u"{?Region}"_s});
 }
 
@@ -145,6 +140,7 @@ void TestFrmMulti::everyWarning()
     app.newRow(u"East"_s, u"boss@example.com"_s);
     app.newRow(u"West"_s, QString(), u"boss@example.com"_s);
     app.trigger("mnuNewComment");
+    app.setCell(4, frmMulti::colValue, u" checked"_s);
     app.choose(u"Printer"_s, u"Custom"_s);
     app.newRow(u"North"_s, QString());
     QCOMPARE(app.cell(2, frmMulti::colOutput), u"Both"_s);
@@ -175,50 +171,8 @@ void TestFrmMulti::everyWarning()
              (QStringList{u"\"{?Regions}\",\"North\",\"\",\"CSV File\",\"out.csv\",\"\""_s,
                           u"\"{?Regions}\",\"South\",\"E\",\"CSV File\",\"\",\"\""_s,
                           u"\"{?Regions}\",\"East\",\"B\",\"CSV File\",\"boss@example.com\",\"\""_s,
-                          u"\"{?Regions}\",\"West\",\"B\",\"CSV File\",\"\",\"boss@example.com\""_s, u"//"_s,
-                          u"\"{?Regions}\",\"North\",\"P\",\"\",\"\",\"\""_s, QString()}));
-}
-
-void TestFrmMulti::writesAFileTheMultiRunRuns()
-{
-    MultiApp app;
-    app.select(u"4"_s);
-    app.schedule.SetPrompt(QString());
-    app.open(u"4"_s);
-    app.choose(u"Disk File"_s, u"CSV File"_s);
-    app.trigger("mnuNewComment");
-    app.setCell(0, frmMulti::colValue, u" made by the window"_s);
-    for (const QString &region : {u"North"_s, u"South"_s, u"East;West"_s})
-        app.newRow(region, app.path(u"Output/mr/"_s + QString(region).remove(u';') + u".csv"_s));
-    Click(&app.window(), "cmdSave");
-    QVERIFY(app.prompter.messages.isEmpty());
-    const QString file = app.path(u"sales-parameters-mr.txt"_s);
-    QCOMPARE(QString::fromLatin1(ReadFile(file)).section(u"\r\n"_s, 0, 1),
-             u"// made by the window\r\n\"{?Regions}\",\"North\",\"D\",\"CSV File\",\""_s +
-                 app.path(u"Output/mr/North.csv"_s) + u"\",\"\""_s);
-    app.select(u"4"_s);
-    QCOMPARE(app.schedule.Prompt(), file);
-    QCOMPARE(app.saved()->Cell(3, clsSchedule::colPrompt), file);
-
-    // The real multi-run takes the file: one export for each line, each with its own regions.
-    RunScheduleItem(app.globals, u"4"_s);
-    QCOMPARE(app.globals.Log.CellAt(app.globals.Log.Count() - 1, clsLog::ColText),
-             u"Regional sales: MultiRun Completed (3 reports and  0 errors)"_s);
-    const auto regionsIn = [&](const QString &name) {
-        QStringList seen;
-        for (const QString &line :
-             QString::fromUtf8(ReadFile(app.path(u"Output/mr/"_s + name))).split(u"\r\n"_s)) {
-            for (const QString &region : {u"North"_s, u"South"_s, u"East"_s, u"West"_s}) {
-                if (line.contains(region) && !seen.contains(region))
-                    seen.append(region);
-            }
-        }
-        seen.sort();
-        return seen;
-    };
-    QCOMPARE(regionsIn(u"North.csv"_s), QStringList{u"North"_s});
-    QCOMPARE(regionsIn(u"South.csv"_s), QStringList{u"South"_s});
-    QCOMPARE(regionsIn(u"EastWest.csv"_s), (QStringList{u"East"_s, u"West"_s}));
+                          u"\"{?Regions}\",\"West\",\"B\",\"CSV File\",\"\",\"boss@example.com\""_s,
+                          u"// checked"_s, u"\"{?Regions}\",\"North\",\"P\",\"\",\"\",\"\""_s, QString()}));
 }
 
 void TestFrmMulti::gridCommands()
@@ -295,11 +249,7 @@ void TestFrmMulti::tableMapAndAllParameters()
     QCOMPARE(parameter->currentIndex(), 0);
 
     // With one parameter the table map brings "*ALL*"; with none it is chosen at once.
-    SalesReport(QDir(app.dir.path()), u"one.rpt"_s, u"SELECT region FROM {Sales} WHERE region = {?Region}"_s,
-                u"<parameter name=\"Region\" type=\"12\"/><layout><column field=\"region\"/></layout>"_s);
-    app.select(u"3"_s);
-    app.schedule.SetFile(app.path(u"one.rpt"_s));
-    app.open(u"3"_s);
+    app.openOneParameterReport();
     app.trigger("mnuTableMap");
     QCOMPARE(app.parameters(), (QStringList{u"{?Region}"_s, u"{$TableMap}"_s, u"*ALL*"_s}));
     app.select(u"3"_s);

@@ -1,12 +1,13 @@
+#include "AppObjects.h"
 #include "Files.h"
 #include "SalesReport.h"
 #include "TestClocks.h"
 #include "TestMain.h"
+#include "WindowChecks.h"
 #include "WindowFixture.h"
 
 #include "core/AppFolder.h"
 #include "scheduler/Dispatcher.h"
-#include "scheduler/QorloGlobals.h"
 #include "ui/ItemWindows.h"
 #include "ui/frmList.h"
 #include "ui/frmMulti.h"
@@ -16,19 +17,15 @@
 #include "ui/frmTableMap.h"
 
 #include <QAction>
-#include <QDesktopServices>
-#include <QMenu>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
-#include <QFile>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTabWidget>
 #include <QTableWidget>
-#include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -43,13 +40,7 @@ struct EditorFixture : GlobalsFixture
     // A report item mailed monthly from 5 March 2026 07:30; the cursor stays on it.
     QString addReport(const QString &name)
     {
-        schedule.AddNew();
-        schedule.SetName(name);
-        schedule.SetFile(dir.filePath(name + u".rpt"_s));
-        schedule.SetSchedule(u"Y"_s);
-        schedule.SetNextRun(u"05-Mar-2026 07:30"_s);
-        schedule.SetFrequency(u"M"_s);
-        schedule.SetFreqTimes(u"2"_s);
+        AddItem(schedule, {QString(), name, path(name + u".rpt"_s), u"M"_s, u"2"_s, u"05-Mar-2026 07:30"_s});
         schedule.SetDest(u"E"_s);
         schedule.SetEmail(u"boss@example.com"_s);
         return schedule.ReportID();
@@ -65,18 +56,6 @@ struct EditorFixture : GlobalsFixture
     FixedClock clock{QDateTime(QDate(2026, 3, 2), QTime(9, 0))};
     ClockGuard guard{clock};
     ItemWindows windows{globals, nullptr, nullptr};
-};
-
-// Records the pages the program asks the desktop to open.
-class UrlRecorder : public QObject
-{
-    Q_OBJECT
-public:
-    UrlRecorder() { QDesktopServices::setUrlHandler(u"file"_s, this, "open"); }
-    ~UrlRecorder() override { QDesktopServices::unsetUrlHandler(u"file"_s); }
-    QStringList opened;
-public Q_SLOTS:
-    void open(const QUrl &url) { opened.append(url.toLocalFile()); }
 };
 
 } // namespace
@@ -272,9 +251,9 @@ void TestFrmSchedule::reportMenu()
     QVERIFY(f.windows.Parameters().isVisible());
     QCOMPARE(Child<QTableWidget>(&f.windows.Parameters(), "fgPList")->item(0, 0)->text(), u"Region"_s);
 
-    UrlRecorder pages;
+    UrlReceiver pages;
     trigger("mnuHelp");
-    QCOMPARE(pages.opened, QStringList{f.dir.filePath(u"Help/schedule.htm"_s)});
+    QCOMPARE(pages.opened, QList<QUrl>{QUrl::fromLocalFile(f.path(u"Help/schedule.htm"_s))});
     QVERIFY(f.prompter.messages.isEmpty());
 }
 

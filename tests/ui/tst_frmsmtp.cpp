@@ -1,19 +1,18 @@
+// The mail settings window and the help message window, each sending through the SMTP peer.
 #include "Files.h"
 #include "SmtpPeer.h"
 #include "TestMain.h"
 #include "WindowFixture.h"
 
 #include "core/Ansi.h"
-
-#include "scheduler/QorloGlobals.h"
 #include "ui/frmSMTP.h"
+#include "ui/frmSendMail.h"
 
 #include <QCheckBox>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLineEdit>
 #include <QPlainTextEdit>
-#include <QPushButton>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -21,7 +20,7 @@ using namespace TestSupport;
 
 namespace {
 
-// An application folder with its global objects and the mail settings window over them.
+// An application folder with its global objects and mail settings, and the mail settings window over them.
 struct SmtpFixture : GlobalsFixture
 {
     SmtpFixture()
@@ -63,6 +62,7 @@ private Q_SLOTS:
     void fieldsChecksAndSave();
     void testMessageReachesTheServer();
     void failedTestMessage();
+    void helpMessageGoesToSupport();
 };
 
 void TestFrmSMTP::fieldsChecksAndSave()
@@ -190,6 +190,43 @@ void TestFrmSMTP::failedTestMessage()
     QVERIFY(!reason.isEmpty());
     QVERIFY2(f.smtpLog().contains(u"Send Failed - "_s + reason), qPrintable(f.smtpLog()));
     QCOMPARE(f.globals.Schedule.SMTPAuthentication, u"Yes"_s);
+}
+
+void TestFrmSMTP::helpMessageGoesToSupport()
+{
+    SmtpPeer peer;
+    QORLO_START_PEER(peer.start({u"--user"_s, u"clerk"_s, u"--password"_s, u"s3cret"_s}), peer);
+    SmtpFixture f;
+    f.globals.Schedule.SMTP_Port = peer.port();
+    frmSendMail window(f.globals);
+    auto *text = Child<QPlainTextEdit>(&window, "txtSend");
+
+    // An empty message is refused and closes the window.
+    window.open();
+    Click(&window, "cmdSend");
+    QCOMPARE(f.prompter.take(), QStringList{u"Send Help message: No Message to send"_s});
+    QVERIFY(!window.isVisible());
+    QVERIFY(peer.messages().isEmpty());
+    QVERIFY(!QFile::exists(f.path(u"SMTP.Log"_s)));
+
+    window.open();
+    text->setPlainText(u"The sales report stops at night.\nPlease help."_s);
+    Click(&window, "cmdSend");
+    QCOMPARE(f.prompter.take(), QStringList{u"SMTP Message: Message Sent"_s});
+    QVERIFY(!window.isVisible());
+    QCOMPARE(peer.messages().size(), 1);
+    const QString message = peer.messages().first();
+    QCOMPARE(Recipients(message), QStringList{QStringLiteral(QORLO_SUPPORT_MAILBOX)});
+    const QJsonObject envelope = SmtpPeer::envelopeOf(message);
+    QCOMPARE(envelope.value(u"mail_from"_s).toString(), u"scheduler@example.com"_s);
+    QCOMPARE(envelope.value(u"login"_s).toString(), u"clerk"_s);
+    const QByteArray raw = ReadFile(message);
+    QVERIFY2(raw.contains("Subject: QorloMANAGER help request \r\n"), raw.constData());
+    QVERIFY2(raw.contains("The sales report stops at night.") && raw.contains("Please help."),
+             raw.constData());
+    const QString log = f.smtpLog();
+    QVERIFY2(log.contains(u"Sending Help Message"_s), qPrintable(log));
+    QVERIFY2(log.contains(QStringLiteral("Message sent to " QORLO_SUPPORT_MAILBOX)), qPrintable(log));
 }
 
 QORLO_TEST_MAIN(TestFrmSMTP)

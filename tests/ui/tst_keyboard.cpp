@@ -1,5 +1,6 @@
-// Keyboard and focus as a desktop user expects them, one test for each fault found when the item editor
-// and the main window were tried with the keyboard.
+// Keyboard and focus as a desktop user expects them, over the faults found when the item editor and the
+// main window were tried with the keyboard.
+#include "AppObjects.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 #include "WindowChecks.h"
@@ -28,16 +29,10 @@ struct KeyboardApp : GlobalsFixture
     KeyboardApp()
     {
         globals.Viewer.ApplyStartDefaults();
-        for (const char *name : {"Sales", "Costs", "Stock"}) {
-            schedule.AddNew();
-            schedule.SetName(QLatin1String(name));
-            schedule.SetFile(dir.filePath(QLatin1String(name) + u".rpt"_s));
-            schedule.SetSchedule(u"Y"_s);
-            schedule.SetNextRun(u"05-Mar-2026 07:30"_s);
-            schedule.SetFrequency(u"D"_s);
-            schedule.SetFreqTimes(u"1"_s);
-            schedule.SetDest(u"D"_s);
-            schedule.SetLocation(dir.filePath(QLatin1String(name) + u".pdf"_s));
+        for (const QString &name : {u"Sales"_s, u"Costs"_s, u"Stock"_s}) {
+            AddItem(schedule,
+                    {QString(), name, path(name + u".rpt"_s), u"D"_s, u"1"_s, u"05-Mar-2026 07:30"_s});
+            schedule.SetLocation(path(name + u".pdf"_s));
         }
         globals.SaveSchedule();
     }
@@ -65,12 +60,9 @@ class TestKeyboard : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void returnPressesSaveNotFirst();
-    void tabFollowsTheReadingOrder();
-    void firstFieldHasTheFocus();
+    void tabsFollowTheReadingOrder();
+    void focusAndTab();
     void clickAfterADialogIsKept();
-    void destinationShowsItsTab();
-    void tabLeavesMultiLineFields();
-    void everyFieldHasItsLabel();
 };
 
 void TestKeyboard::returnPressesSaveNotFirst()
@@ -89,7 +81,9 @@ void TestKeyboard::returnPressesSaveNotFirst()
         QVERIFY2(!Child<QPushButton>(&editor, navigation)->autoDefault(), navigation);
 }
 
-void TestKeyboard::tabFollowsTheReadingOrder()
+// Each destination shows its tab; on every tab of every destination Tab follows the reading order and
+// each field has its label.
+void TestKeyboard::tabsFollowTheReadingOrder()
 {
     KeyboardApp app;
     frmSchedule &editor = app.editor();
@@ -97,33 +91,45 @@ void TestKeyboard::tabFollowsTheReadingOrder()
     QCOMPARE(chain.mid(0, 5), (QStringList{u"txtReportName"_s, u"txtReportFile"_s, u"txtDesc"_s, u"cmbDest"_s,
                                            u"cmbFormat"_s}));
     QCOMPARE(chain.last(), u"cmdExit"_s);
-    // Each destination's tabs in turn.
-    for (const QString &destination : {u"Disk File"_s, u"Email"_s, u"Printer"_s, u"MultiRun"_s}) {
+    auto *tabs = Child<QTabWidget>(&editor, "tbOutput");
+    QCOMPARE(tabs->tabText(tabs->currentIndex()), u"Disk"_s);
+    for (const auto &[destination, shown] :
+         {std::pair{u"Email"_s, u"Email"_s}, std::pair{u"Printer"_s, u"Printer"_s},
+          std::pair{u"MultiRun"_s, u"Multirun"_s}, std::pair{u"Disk File"_s, u"Disk"_s}}) {
         Child<QComboBox>(&editor, "cmbDest")->setCurrentText(destination);
-        auto *tabs = Child<QTabWidget>(&editor, "tbOutput");
+        QCOMPARE(tabs->tabText(tabs->currentIndex()), shown);
         for (int tab = 0; tab < tabs->count(); ++tab) {
             if (!tabs->isTabVisible(tab))
                 continue;
             tabs->setCurrentIndex(tab);
-            QVERIFY2(TabOrderFaults(&editor).isEmpty(), qPrintable(TabOrderFaults(&editor).join(u'\n')));
+            const QStringList faults = TabOrderFaults(&editor) + UnlabelledFields(&editor);
+            QVERIFY2(faults.isEmpty(), qPrintable(faults.join(u'\n')));
         }
     }
-    // Tab itself walks the chain from the first field.
-    Child<QLineEdit>(&editor, "txtReportName")->setFocus();
-    QTest::keyClick(&editor, Qt::Key_Tab);
-    QCOMPARE(QApplication::focusWidget()->objectName(), u"txtReportFile"_s);
 }
 
-void TestKeyboard::firstFieldHasTheFocus()
+// The first field has the focus, also when the editor opens again after the focus was elsewhere; Tab
+// walks the chain from it and leaves a multi-line field instead of typing into it.
+void TestKeyboard::focusAndTab()
 {
     KeyboardApp app;
+    frmSchedule &first = app.editor();
+    QCOMPARE(first.focusWidget(), Child<QWidget>(&first, "txtReportName"));
+    Child<QWidget>(&first, "txtEvery")->setFocus();
+    first.reject();
     frmSchedule &editor = app.editor();
     QCOMPARE(editor.focusWidget(), Child<QWidget>(&editor, "txtReportName"));
-    // Also when it opens again after the focus was elsewhere.
-    Child<QWidget>(&editor, "txtEvery")->setFocus();
-    editor.reject();
-    frmSchedule &again = app.editor();
-    QCOMPARE(again.focusWidget(), Child<QWidget>(&again, "txtReportName"));
+    QTest::keyClick(&editor, Qt::Key_Tab);
+    QCOMPARE(QApplication::focusWidget()->objectName(), u"txtReportFile"_s);
+
+    auto *description = Child<QPlainTextEdit>(&editor, "txtDesc");
+    description->setFocus();
+    QTest::keyClicks(description, u"Monthly"_s);
+    QTest::keyClick(description, Qt::Key_Tab);
+    QCOMPARE(description->toPlainText(), u"Monthly"_s);
+    QCOMPARE(QApplication::focusWidget()->objectName(), u"cmbDest"_s);
+    for (QPlainTextEdit *field : editor.findChildren<QPlainTextEdit *>())
+        QVERIFY2(field->tabChangesFocus(), qPrintable(field->objectName()));
 }
 
 void TestKeyboard::clickAfterADialogIsKept()
@@ -150,50 +156,6 @@ void TestKeyboard::clickAfterADialogIsKept()
     QCOMPARE(window.SelectedRow(), 3);
     QCOMPARE(grid->selectionModel()->selectedRows().size(), 1);
     QCOMPARE(grid->selectionModel()->selectedRows().first().row(), 2);
-}
-
-void TestKeyboard::destinationShowsItsTab()
-{
-    KeyboardApp app;
-    frmSchedule &editor = app.editor();
-    auto *tabs = Child<QTabWidget>(&editor, "tbOutput");
-    QCOMPARE(tabs->tabText(tabs->currentIndex()), u"Disk"_s);
-    for (const auto &[destination, tab] :
-         {std::pair{u"Email"_s, u"Email"_s}, std::pair{u"Printer"_s, u"Printer"_s},
-          std::pair{u"MultiRun"_s, u"Multirun"_s}, std::pair{u"Disk File"_s, u"Disk"_s}}) {
-        Child<QComboBox>(&editor, "cmbDest")->setCurrentText(destination);
-        QCOMPARE(tabs->tabText(tabs->currentIndex()), tab);
-    }
-}
-
-void TestKeyboard::tabLeavesMultiLineFields()
-{
-    KeyboardApp app;
-    frmSchedule &editor = app.editor();
-    auto *description = Child<QPlainTextEdit>(&editor, "txtDesc");
-    description->setFocus();
-    QTest::keyClicks(description, u"Monthly"_s);
-    QTest::keyClick(description, Qt::Key_Tab);
-    QCOMPARE(description->toPlainText(), u"Monthly"_s);
-    QCOMPARE(QApplication::focusWidget()->objectName(), u"cmbDest"_s);
-    for (QPlainTextEdit *field : editor.findChildren<QPlainTextEdit *>())
-        QVERIFY2(field->tabChangesFocus(), qPrintable(field->objectName()));
-}
-
-void TestKeyboard::everyFieldHasItsLabel()
-{
-    KeyboardApp app;
-    frmSchedule &editor = app.editor();
-    auto *tabs = Child<QTabWidget>(&editor, "tbOutput");
-    for (const QString &destination : {u"Email"_s, u"MultiRun"_s}) {
-        Child<QComboBox>(&editor, "cmbDest")->setCurrentText(destination);
-        for (int tab = 0; tab < tabs->count(); ++tab) {
-            if (!tabs->isTabVisible(tab))
-                continue;
-            tabs->setCurrentIndex(tab);
-            QVERIFY2(UnlabelledFields(&editor).isEmpty(), qPrintable(UnlabelledFields(&editor).join(u'\n')));
-        }
-    }
 }
 
 QORLO_TEST_MAIN(TestKeyboard)

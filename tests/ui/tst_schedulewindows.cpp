@@ -1,3 +1,4 @@
+#include "AppObjects.h"
 #include "Files.h"
 #include "TestClocks.h"
 #include "TestMain.h"
@@ -6,7 +7,6 @@
 #include "core/AppFolder.h"
 #include "core/DayDate.h"
 #include "scheduler/Dispatcher.h"
-#include "scheduler/QorloGlobals.h"
 #include "ui/frmAdv.h"
 #include "ui/frmBackup.h"
 #include "ui/frmMain.h"
@@ -19,8 +19,6 @@
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPushButton>
-#include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -33,14 +31,6 @@ const QDateTime kNow(QDate(2026, 3, 2), QTime(9, 30));
 
 struct WindowFixture : GlobalsFixture
 {
-    void addDailyItem(const QString &nextRun)
-    {
-        schedule.AddNew();
-        schedule.SetNextRun(nextRun);
-        schedule.SetSchedule(u"Y"_s);
-        schedule.SetFrequency(u"D"_s);
-        schedule.SetFreqTimes(u"1"_s);
-    }
     QString nextRun(clsSchedule &of, const QString &reportID)
     {
         of.Find(reportID);
@@ -116,10 +106,10 @@ void TestScheduleWindows::backupSettings()
 void TestScheduleWindows::advanceAnalyseAndProcess()
 {
     WindowFixture f;
-    f.addDailyItem(u"01-Mar-2026 08:00"_s);
-    f.addDailyItem(u"03-Mar-2026 14:00"_s);
-    f.addDailyItem(u"10-Mar-2026 08:00"_s);
-    f.addDailyItem(QString());
+    for (const QString &nextRun :
+         {u"01-Mar-2026 08:00"_s, u"03-Mar-2026 14:00"_s, u"10-Mar-2026 08:00"_s, QString()})
+        AddItem(f.schedule, {QString(), QString(), QString(), u"D"_s, u"1"_s, nextRun});
+    f.schedule.SetSchedule(u"Y"_s); // scheduled, without a time
     frmAdv window(f.globals);
     window.open();
     QCOMPARE(window.windowTitle(), u"Advance Schedule"_s);
@@ -168,7 +158,7 @@ void TestScheduleWindows::advanceAnalyseAndProcess()
 void TestScheduleWindows::menuEntriesOpenTheWindows()
 {
     WindowFixture f;
-    f.addDailyItem(u"10-Mar-2026 08:00"_s);
+    AddItem(f.schedule, {QString(), QString(), QString(), u"D"_s, u"1"_s, u"10-Mar-2026 08:00"_s});
     Dispatcher dispatcher(f.globals);
     frmMain mainWindow(f.globals, dispatcher);
     dispatcher.StartSchedule();

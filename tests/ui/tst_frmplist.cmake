@@ -1,1 +1,0 @@
-target_link_libraries(tst_frmplist PRIVATE Qt6::Sql)
