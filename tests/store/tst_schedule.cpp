@@ -7,7 +7,6 @@
 #include "store/clsSchedule.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
@@ -413,10 +412,8 @@ void TestSchedule::addFolder()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    for (const char *name : {"b.rpt", "A.RPT", "notes.txt", "c.rpt.bak"}) {
-        QFile f(dir.filePath(QString::fromLatin1(name)));
-        QVERIFY(f.open(QIODevice::WriteOnly));
-    }
+    for (const char *name : {"b.rpt", "A.RPT", "notes.txt", "c.rpt.bak"})
+        TestSupport::WriteFile(dir.filePath(QString::fromLatin1(name)), {});
     QDir(dir.path()).mkdir(u"sub.rpt"_s);
     clsSchedule s(u"/app"_s);
     AddItem(s, u"existing"_s);
