@@ -42,15 +42,15 @@ private:
 
     FixedClock m_clock{QDateTime(QDate(2026, 11, 21), QTime(12, 0))};
     ClockGuard m_guard{m_clock};
-    std::unique_ptr<QTemporaryDir> m_dir;
-    std::unique_ptr<clsSchedule> m_schedule;
+    std::optional<QTemporaryDir> m_dir;
+    std::optional<clsSchedule> m_schedule;
 };
 
 void TestNextRun::init()
 {
     SetNow(QDate(2026, 11, 21));
-    m_dir = std::make_unique<QTemporaryDir>();
-    m_schedule = std::make_unique<clsSchedule>(m_dir->path());
+    m_dir.emplace();
+    m_schedule.emplace(m_dir->path());
 }
 
 void TestNextRun::countingUnits()

@@ -1,4 +1,5 @@
 #include "core/HelpPages.h"
+#include "Files.h"
 #include "TestMain.h"
 
 #include <QDateTime>
@@ -20,18 +21,9 @@ namespace {
 
 void Write(const QString &path, const QByteArray &bytes, const QDateTime &modified)
 {
-    QDir().mkpath(path.section(u'/', 0, -2));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.write(bytes);
-    file.flush();
-    QVERIFY(file.setFileTime(modified, QFileDevice::FileModificationTime));
-}
-
-QByteArray Read(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    QDir().mkpath(QFileInfo(path).path());
+    QFile file(TestSupport::WriteFile(path, bytes));
+    QVERIFY(file.open(QIODevice::Append) && file.setFileTime(modified, QFileDevice::FileModificationTime));
 }
 
 } // namespace
@@ -57,10 +49,10 @@ void TestHelpPages::refreshCopiesMissingAndOtherVersions()
     Write(help + u"/notes.htm"_s, "the operator's own page", released);
 
     HelpPages::Refresh(source, help);
-    QCOMPARE(Read(help + u"/index.html"_s), "new index");
-    QCOMPARE(Read(help + u"/images/logo.png"_s), "logo");
-    QCOMPARE(Read(help + u"/schedule.htm"_s), "same version");
-    QCOMPARE(Read(help + u"/notes.htm"_s), "the operator's own page");
+    QCOMPARE(TestSupport::ReadFile(help + u"/index.html"_s), "new index");
+    QCOMPARE(TestSupport::ReadFile(help + u"/images/logo.png"_s), "logo");
+    QCOMPARE(TestSupport::ReadFile(help + u"/schedule.htm"_s), "same version");
+    QCOMPARE(TestSupport::ReadFile(help + u"/notes.htm"_s), "the operator's own page");
     QCOMPARE(QFileInfo(help + u"/index.html"_s).lastModified(),
              QFileInfo(source + u"/index.html"_s).lastModified());
 
@@ -68,8 +60,8 @@ void TestHelpPages::refreshCopiesMissingAndOtherVersions()
     Write(help + u"/index.html"_s, "edited", released.addDays(5));
     Write(source + u"/schedule.htm"_s, "upgraded schedule", released.addDays(1));
     HelpPages::Refresh(source, help);
-    QCOMPARE(Read(help + u"/index.html"_s), "new index");
-    QCOMPARE(Read(help + u"/schedule.htm"_s), "upgraded schedule");
+    QCOMPARE(TestSupport::ReadFile(help + u"/index.html"_s), "new index");
+    QCOMPARE(TestSupport::ReadFile(help + u"/schedule.htm"_s), "upgraded schedule");
 
     HelpPages::Refresh(dir.filePath(u"nothing-installed"_s), help);
     QCOMPARE(QDir(help).entryList(QDir::Files).size(), 3);

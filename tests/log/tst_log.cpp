@@ -2,7 +2,7 @@
 #include "core/QorloError.h"
 #include "log/LogExport.h"
 #include "log/clsLog.h"
-#include "Files.h"
+#include "AppObjects.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 
@@ -26,16 +26,6 @@ private Q_SLOTS:
 using namespace TestSupport;
 
 namespace {
-
-void AddRow(clsLog &log, const QString &id, double start, double finish, const QString &text, qint32 pages)
-{
-    log.AddNew();
-    log.SetReportID(id);
-    log.SetLogDate(start);
-    log.SetFinishDate(finish);
-    log.SetLogText(text);
-    log.SetPages(pages);
-}
 
 int RowsMarked(const clsLog &log, const QString &id)
 {
@@ -61,9 +51,9 @@ void TestLog::roundTrip()
     log.DeleteLogDate = kNov21 + 3; // retention not due
     log.CheckRetainLog = u"W"_s;
     log.WebLogSetting = u"Errors"_s;
-    AddRow(log, u"4"_s, kNov21 + 0.25, kNov21 + 0.26, u"Sent to a <b> & \"c\""_s, 3);
+    AddLogRow(log, u"4"_s, kNov21 + 0.25, kNov21 + 0.26, u"Sent to a <b> & \"c\""_s, 3);
     log.SetNextDate(u"28-Nov-2026 06:00"_s);
-    AddRow(log, u"5"_s, kNov21 + 0.3, 0, u"caf\u00e9\r\nline two \u20ac"_s, 12);
+    AddLogRow(log, u"5"_s, kNov21 + 0.3, 0, u"caf\u00e9\r\nline two \u20ac"_s, 12);
     log.Save();
     QCOMPARE(webPages, 1);
 
@@ -102,12 +92,12 @@ void TestLog::retention()
     const double mar1 = DayDate::FromParts(2026, 3, 1);
     clsLog log(app.path());
     log.ApplyStartDefaults(); // the check is due at the first save after a start
-    AddRow(log, u"1"_s, mar1 + 9.0 / 24, 0, u"after the cutoff"_s, 1);
-    AddRow(log, u"2"_s, mar1, 0, u"on the cutoff"_s, 1);
-    AddRow(log, u"3"_s, mar1 - 0.5, 0, u"before"_s, 1);
+    AddLogRow(log, u"1"_s, mar1 + 9.0 / 24, 0, u"after the cutoff"_s, 1);
+    AddLogRow(log, u"2"_s, mar1, 0, u"on the cutoff"_s, 1);
+    AddLogRow(log, u"3"_s, mar1 - 0.5, 0, u"before"_s, 1);
     // Entries written without a start (a missing file) age by their finish.
-    AddRow(log, u"4"_s, 0, mar1 - 1, u"Cannot find file /x.rpt"_s, 0);
-    AddRow(log, u"5"_s, 0, mar1 + 1, u"Cannot find file /y.rpt"_s, 0);
+    AddLogRow(log, u"4"_s, 0, mar1 - 1, u"Cannot find file /x.rpt"_s, 0);
+    AddLogRow(log, u"5"_s, 0, mar1 + 1, u"Cannot find file /y.rpt"_s, 0);
     log.Save();
     log.Locate(4);
     QCOMPARE(log.ReportID(), u"5"_s);
@@ -238,8 +228,8 @@ void TestLog::csvExport()
     QCOMPARE(LogExport::ExportLogCsv(log), u"No log entries to display"_s);
     QVERIFY(!QFile::exists(app.filePath(u"QorloLog.csv"_s)));
 
-    AddRow(log, u"DEL"_s, kNov21 + 0.5, kNov21 + 0.75, u"said \"hi\""_s, 0);
-    AddRow(log, u"3"_s, kNov21, 0, u"\u00e9"_s, 7);
+    AddLogRow(log, u"DEL"_s, kNov21 + 0.5, kNov21 + 0.75, u"said \"hi\""_s, 0);
+    AddLogRow(log, u"3"_s, kNov21, 0, u"\u00e9"_s, 7);
     const QString csv = app.filePath(u"QorloLog.csv"_s);
     QCOMPARE(LogExport::ExportLogCsv(log), csv + u" created"_s);
     QCOMPARE(ReadFile(csv),

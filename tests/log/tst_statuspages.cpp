@@ -1,5 +1,5 @@
 // The status pages livestat.htm and logstat.htm, compared line by line with hand-written pages.
-#include "Files.h"
+#include "AppObjects.h"
 #include "TestClocks.h"
 #include "TestMain.h"
 #include "core/Ansi.h"
@@ -14,6 +14,7 @@
 #include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
+using namespace TestSupport;
 
 namespace {
 
@@ -22,10 +23,7 @@ const QDateTime kNow(QDate(2026, 3, 18), QTime(15, 45));
 
 QStringList ExpectedLines(const char *name)
 {
-    QFile file(TestSupport::DataFile(u"log/web/"_s + QLatin1String(name)));
-    if (!file.open(QIODevice::ReadOnly))
-        return {u"missing fixture"_s};
-    QString text = QString::fromUtf8(file.readAll());
+    QString text = QString::fromUtf8(ReadFile(DataFile(u"log/web/"_s + QLatin1String(name))));
     text.replace(u"{COMPUTER}"_s, CommonFile::ComputerName());
     QStringList lines = text.split(u'\n');
     if (lines.last().isEmpty())
@@ -36,25 +34,12 @@ QStringList ExpectedLines(const char *name)
 // The page's lines; every line must end with CR LF.
 QStringList PageLines(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {u"missing page"_s};
-    const QByteArray bytes = file.readAll();
+    const QByteArray bytes = ReadFile(path);
     if (!bytes.endsWith("\r\n") || bytes.count('\n') != bytes.count("\r\n"))
-        return {u"line ends are not CR LF"_s};
+        return {u"no page, or line ends that are not CR LF"_s};
     QStringList lines = Ansi::Decode(bytes).split(u"\r\n"_s);
     lines.removeLast();
     return lines;
-}
-
-void AddRow(clsLog &log, const char *id, double start, double finish, const char *text)
-{
-    log.AddNew();
-    log.SetReportID(QLatin1String(id));
-    log.SetLogDate(start);
-    if (finish != 0)
-        log.SetFinishDate(finish);
-    log.SetLogText(QLatin1String(text));
 }
 
 // The ReportIDs in the rows of a log page.
@@ -145,12 +130,12 @@ void TestStatusPages::logPage()
     clsLog log(m_app.path());
     log.DeleteLogDate = D(2027, 1, 1); // no retention in this test
     log.WebLogSetting = u"Last 7 Days"_s;
-    AddRow(log, "12", D(2026, 3, 10, 8, 0), D(2026, 3, 10, 8, 5), "Before the week");
-    AddRow(log, "13", D(2026, 3, 11, 7, 0), D(2026, 3, 11, 7, 10), "Last 7 days edge");
-    AddRow(log, "14", D(2026, 3, 14, 23, 50), D(2026, 3, 15, 0, 2), "Finished on Sunday");
-    AddRow(log, "15", D(2026, 3, 18, 9, 0), 0, "Still running");
-    AddRow(log, "DEL", D(2026, 3, 18, 9, 30), D(2026, 3, 18, 9, 31), "Removed row");
-    AddRow(log, "16", D(2026, 3, 18, 10, 0), D(2026, 3, 18, 10, 20), "Sales & Co");
+    AddLogRow(log, u"12"_s, D(2026, 3, 10, 8, 0), D(2026, 3, 10, 8, 5), u"Before the week"_s);
+    AddLogRow(log, u"13"_s, D(2026, 3, 11, 7, 0), D(2026, 3, 11, 7, 10), u"Last 7 days edge"_s);
+    AddLogRow(log, u"14"_s, D(2026, 3, 14, 23, 50), D(2026, 3, 15, 0, 2), u"Finished on Sunday"_s);
+    AddLogRow(log, u"15"_s, D(2026, 3, 18, 9, 0), 0, u"Still running"_s);
+    AddLogRow(log, u"DEL"_s, D(2026, 3, 18, 9, 30), D(2026, 3, 18, 9, 31), u"Removed row"_s);
+    AddLogRow(log, u"16"_s, D(2026, 3, 18, 10, 0), D(2026, 3, 18, 10, 20), u"Sales & Co"_s);
 
     // The log's own save writes the page once the writer is installed.
     log.Save();
@@ -175,8 +160,8 @@ void TestStatusPages::logPage()
     // "This Week" on a Sunday: that day's rows only.
     m_clock.set(QDateTime(QDate(2026, 3, 15), QTime(12, 0)));
     log.Clear();
-    AddRow(log, "17", D(2026, 3, 14, 22, 0), D(2026, 3, 14, 23, 55), "Saturday");
-    AddRow(log, "14", D(2026, 3, 14, 23, 50), D(2026, 3, 15, 0, 2), "Sunday");
+    AddLogRow(log, u"17"_s, D(2026, 3, 14, 22, 0), D(2026, 3, 14, 23, 55), u"Saturday"_s);
+    AddLogRow(log, u"14"_s, D(2026, 3, 14, 23, 50), D(2026, 3, 15, 0, 2), u"Sunday"_s);
     QCOMPARE(shown("This Week"), u"14"_s);
 }
 
@@ -187,7 +172,7 @@ void TestStatusPages::pageText()
     schedule.LastReport = u"Caf\u00e9 \u20ac"_s;
     schedule.LastReportMsg = u"\u03a9 "_s + QString::fromUcs4(U"\U0001F600");
     SaveWeb(schedule, false, D(2026, 3, 19));
-    const QByteArray bytes = TestSupport::ReadFile(Page("livestat.htm"));
+    const QByteArray bytes = ReadFile(Page("livestat.htm"));
     QVERIFY(bytes.contains("Most recent report was Caf\xe9 \x80(Report ID=)</br>\r\n"));
     QVERIFY(bytes.contains("<i>&#937; &#128512;</i></p>\r\n"));
 }
@@ -217,7 +202,8 @@ void TestStatusPages::hostileTexts()
     QVERIFY(live.contains(u"Command folder /a&lt;b&gt; is not read</br>"_s));
 
     clsLog log(m_app.path());
-    AddRow(log, "<b>1</b>", D(2026, 3, 18, 10, 0), D(2026, 3, 18, 10, 1), "<img src=x onerror=alert(1)>");
+    AddLogRow(log, u"<b>1</b>"_s, D(2026, 3, 18, 10, 0), D(2026, 3, 18, 10, 1),
+              u"<img src=x onerror=alert(1)>"_s);
     log.WebLogSetting = u"<script>"_s;
     const QString logPage = LogStatusLines(log).join(u'\n');
     QVERIFY2(!logPage.contains(u"<img"_s) && !logPage.contains(u"<script"_s) && !logPage.contains(u"<b>1"_s),

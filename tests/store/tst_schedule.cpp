@@ -7,7 +7,6 @@
 #include "store/clsSchedule.h"
 
 #include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
@@ -35,9 +34,8 @@ private Q_SLOTS:
     void cursorMinusOne();
     void positionFindConfirm();
     void addNewAndIds();
-    void deletedHighestIdIsReused();
     void duplicateAndDelete();
-    void itemLimit();
+    void tableLimits();
     void columnsAndDerivedProperties();
     void printerCopiesAndPageCount();
     void sortIndexMoves();
@@ -46,7 +44,6 @@ private Q_SLOTS:
     void bulkEdit();
     void notifyEmailList();
     void parameters();
-    void parameterLimit();
     void collections();
     void domains();
 };
@@ -177,21 +174,18 @@ void TestSchedule::addNewAndIds()
     QCOMPARE(s.NextReportID(), 8);
     s.SetReportID(u"2147483647"_s);
     QCOMPARE(ErrorOf([&] { s.NextReportID(); }), 6);
-}
 
-void TestSchedule::deletedHighestIdIsReused()
-{
-    clsSchedule s(u"/app"_s);
+    // The highest ID, deleted, is reused; one in the middle is not.
+    clsSchedule five(u"/app"_s);
     for (int i = 0; i < 5; ++i)
-        s.AddNew();
-    s.Delete(u"5"_s);
-    QCOMPARE(s.Count(), 4);
-    s.AddNew();
-    QCOMPARE(s.ReportID(), u"5"_s);
-    // A deleted ID in the middle is not reused.
-    s.Delete(u"2"_s);
-    s.AddNew();
-    QCOMPARE(s.ReportID(), u"6"_s);
+        five.AddNew();
+    five.Delete(u"5"_s);
+    QCOMPARE(five.Count(), 4);
+    five.AddNew();
+    QCOMPARE(five.ReportID(), u"5"_s);
+    five.Delete(u"2"_s);
+    five.AddNew();
+    QCOMPARE(five.ReportID(), u"6"_s);
 }
 
 void TestSchedule::duplicateAndDelete()
@@ -236,7 +230,8 @@ void TestSchedule::duplicateAndDelete()
     QVERIFY(s.Confirm(u"3"_s));
 }
 
-void TestSchedule::itemLimit()
+// 2001 items, 3001 parameter rows, 2001 collection rows.
+void TestSchedule::tableLimits()
 {
     clsSchedule s(u"/app"_s);
     for (int i = 0; i < 2001; ++i)
@@ -250,6 +245,16 @@ void TestSchedule::itemLimit()
     QCOMPARE(s.Position(), 999);
     QCOMPARE(ErrorOf([&] { s.Cell(2001, 0); }), 9);
     QCOMPARE(ErrorOf([&] { s.Field(41); }), 9);
+
+    for (int i = 0; i < 3001; ++i)
+        s.ParmAddNew();
+    QCOMPARE(s.ParmCount(), 3001);
+    QCOMPARE(ErrorOf([&] { s.ParmAddNew(); }), 9);
+    QCOMPARE(ErrorOf([&] { s.ParmUpdate(u"1"_s, u"x"_s, QString(), QString(), QString()); }), 9);
+    QCOMPARE(s.ParmCount(), 3001);
+    for (int i = 0; i < 2001; ++i)
+        s.NewCollectionItem();
+    QCOMPARE(ErrorOf([&] { s.NewCollectionItem(); }), 9);
 }
 
 void TestSchedule::columnsAndDerivedProperties()
@@ -270,18 +275,15 @@ void TestSchedule::columnsAndDerivedProperties()
     QCOMPARE(s.DestName(), u"/out/x.pdf"_s);
     s.SetEmail(u"a@example.com"_s);
     s.SetPrinter(u"PDF"_s);
-    s.SetDest(u"E"_s);
-    QCOMPARE(s.DestDesc(), u"EMail"_s);
-    QCOMPARE(s.DestName(), u"a@example.com"_s);
-    s.SetDest(u"P"_s);
-    QCOMPARE(s.DestDesc(), u"Printer"_s);
-    QCOMPARE(s.DestName(), u"PDF"_s);
-    s.SetDest(u"M"_s);
-    QCOMPARE(s.DestDesc(), u"MultiRun"_s);
-    QCOMPARE(s.DestName(), u"MultiRun"_s);
-    s.SetDest(u"e"_s);
-    QCOMPARE(s.DestDesc(), u"Unknown"_s);
-    QCOMPARE(s.DestName(), QString());
+    const QString dests[][3] = {{u"E"_s, u"EMail"_s, u"a@example.com"_s},
+                                {u"P"_s, u"Printer"_s, u"PDF"_s},
+                                {u"M"_s, u"MultiRun"_s, u"MultiRun"_s},
+                                {u"e"_s, u"Unknown"_s, QString()}};
+    for (const auto &[dest, desc, name] : dests) {
+        s.SetDest(dest);
+        QCOMPARE(s.DestDesc(), desc);
+        QCOMPARE(s.DestName(), name);
+    }
     s.SetDest(u"E"_s);
     s.SetFile(u"COLLECTION"_s);
     QCOMPARE(s.DestName(), QString());
@@ -350,11 +352,10 @@ void TestSchedule::printerCopiesAndPageCount()
 {
     clsSchedule s(u"/app"_s);
     s.AddNew();
-    QCOMPARE(s.PrinterCopies(), qint16(1)); // empty
-    s.SetField(clsSchedule::colPrinterCopies, u"0"_s);
-    QCOMPARE(s.PrinterCopies(), qint16(1));
-    s.SetField(clsSchedule::colPrinterCopies, u"-3"_s);
-    QCOMPARE(s.PrinterCopies(), qint16(1));
+    for (const QString &none : {QString(), u"0"_s, u"-3"_s}) {
+        s.SetField(clsSchedule::colPrinterCopies, none);
+        QCOMPARE(s.PrinterCopies(), qint16(1));
+    }
     s.SetPrinterCopies(3);
     QCOMPARE(s.Field(clsSchedule::colPrinterCopies), u"3"_s);
     QCOMPARE(s.PrinterCopies(), qint16(3));
@@ -407,10 +408,8 @@ void TestSchedule::addFolder()
 {
     QTemporaryDir dir;
     QVERIFY(dir.isValid());
-    for (const char *name : {"b.rpt", "A.RPT", "notes.txt", "c.rpt.bak"}) {
-        QFile f(dir.filePath(QString::fromLatin1(name)));
-        QVERIFY(f.open(QIODevice::WriteOnly));
-    }
+    for (const char *name : {"b.rpt", "A.RPT", "notes.txt", "c.rpt.bak"})
+        TestSupport::WriteFile(dir.filePath(QString::fromLatin1(name)), {});
     QDir(dir.path()).mkdir(u"sub.rpt"_s);
     clsSchedule s(u"/app"_s);
     AddItem(s, u"existing"_s);
@@ -556,20 +555,6 @@ void TestSchedule::parameters()
     QCOMPARE(s.ParmReportCount(u"2"_s), qint16(0));
     s.ParmLocate(-1);
     QCOMPARE(ErrorOf([&] { s.SetParmValue(QString()); }), 9);
-}
-
-void TestSchedule::parameterLimit()
-{
-    clsSchedule s(u"/app"_s);
-    for (int i = 0; i < 3001; ++i)
-        s.ParmAddNew();
-    QCOMPARE(s.ParmCount(), 3001);
-    QCOMPARE(ErrorOf([&] { s.ParmAddNew(); }), 9);
-    QCOMPARE(ErrorOf([&] { s.ParmUpdate(u"1"_s, u"x"_s, QString(), QString(), QString()); }), 9);
-    QCOMPARE(s.ParmCount(), 3001);
-    for (int i = 0; i < 2001; ++i)
-        s.NewCollectionItem();
-    QCOMPARE(ErrorOf([&] { s.NewCollectionItem(); }), 9);
 }
 
 void TestSchedule::collections()

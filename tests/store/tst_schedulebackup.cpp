@@ -21,11 +21,6 @@ namespace {
 
 const QDateTime kNow(QDate(2026, 3, 14), QTime(10, 30));
 
-void Touch(const QString &path)
-{
-    WriteFile(path, QByteArray());
-}
-
 } // namespace
 
 class TestScheduleBackup : public QObject
@@ -54,7 +49,7 @@ void TestScheduleBackup::backupStep()
 {
     QTemporaryDir app;
     QVERIFY(QDir(app.path()).mkdir(u"Backup"_s));
-    Touch(app.filePath(u"Backup/Qorlo20260201.xml"_s));
+    WriteFile(app.filePath(u"Backup/Qorlo20260201.xml"_s), {});
     clsSchedule schedule(app.path()); // BackupDate starts a day ago: due at once
     schedule.AddNew();
     schedule.SetName(u"Sales"_s);
@@ -142,7 +137,7 @@ void TestScheduleBackup::purge()
                      u"Qorlo20260212.xml"_s, u"Qorlo20261501.xml"_s, u"Qorlo2025.xml"_s};
     kept.sort();
     for (const QString &name : kept + QStringList{u"Qorlo20260211.xml"_s, u"Qorlo20250101.XML"_s})
-        Touch(folder.filePath(name));
+        WriteFile(folder.filePath(name), {});
     PurgeOldFiles(pattern);
     QCOMPARE(FileNames(folder.path()), kept);
 
@@ -150,7 +145,7 @@ void TestScheduleBackup::purge()
     const QString many = folder.filePath(u"many"_s);
     QVERIFY(QDir(folder.path()).mkdir(u"many"_s));
     for (int day = 0; day < 100; ++day)
-        Touch(many + DayDate::ToDate(D(2025, 6, 1) + day).toString(u"'/Qorlo'yyyyMMdd'.xml'"_s));
+        WriteFile(many + DayDate::ToDate(D(2025, 6, 1) + day).toString(u"'/Qorlo'yyyyMMdd'.xml'"_s), {});
     PurgeOldFiles(many + u"/Qorlo*.xml"_s);
     QCOMPARE(FileNames(many).size(), 9);
     PurgeOldFiles(many + u"/Qorlo*.xml"_s);
@@ -163,7 +158,7 @@ void TestScheduleBackup::purgeUndeletable()
         QSKIP("root deletes in a read-only folder too");
     QTemporaryDir folder;
     const QString pattern = folder.path() + u"/Qorlo*.xml"_s;
-    Touch(folder.filePath(u"Qorlo20250101.xml"_s));
+    WriteFile(folder.filePath(u"Qorlo20250101.xml"_s), {});
     QVERIFY(QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::ExeOwner));
     const int error = ErrorOf([&] { PurgeOldFiles(pattern); });
     QFile::setPermissions(folder.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);

@@ -36,6 +36,18 @@ inline void AddItem(clsSchedule &schedule, const ItemFields &item)
     schedule.SetNextRun(item.nextRun);
 }
 
+// A new row of the log; a finish of 0 leaves it empty.
+inline void AddLogRow(clsLog &log, const QString &id, double start, double finish, const QString &text,
+                      qint32 pages = 0)
+{
+    log.AddNew();
+    log.SetReportID(id);
+    log.SetLogDate(start);
+    log.SetFinishDate(finish);
+    log.SetLogText(text);
+    log.SetPages(pages);
+}
+
 // The given columns of every row of the log, joined by `separator`.
 inline QStringList LogEntries(const clsLog &log,
                               const QList<clsLog::Column> &columns = {clsLog::ColReportID, clsLog::ColText},
