@@ -2,19 +2,11 @@
 // database's own sums, stacks of the products within each region, a pie in each region's footer.
 
 #include "EngineExports.h"
-#include "SalesReport.h"
 #include "EngineOracles.h"
 #include "Files.h"
-#include "Readers.h"
 #include "TestMain.h"
-#include "engine/Application.h"
-#include "engine/Codes.h"
-#include "engine/EngineError.h"
-#include "engine/Report.h"
 
-#include <QRegularExpression>
 #include <QSqlQuery>
-#include <QTemporaryDir>
 
 using namespace Engine;
 using namespace Qt::Literals::StringLiterals;
@@ -89,37 +81,25 @@ private Q_SLOTS:
     void faultsNameTheChart();
 
 private:
-    QString exportReport(const QString &name, const QString &layout, int format);
-    QList<double> regionSums();
+    QString exportReport(const QString &name, const QString &layout, int format)
+    {
+        return m_reports.exportReport(name, Head + layout, format);
+    }
 
-    QTemporaryDir m_dir;
-    Application m_application;
+    TestSupport::ReportFolder m_reports;
 };
 
 void TestCharts::initTestCase()
 {
-    QVERIFY(m_dir.isValid());
-    QVERIFY(TestSupport::UseDemoDatabase(QDir(m_dir.path())));
+    QVERIFY(TestSupport::UseDemoDatabase(QDir(m_reports.dir.path())));
 }
 
-QString TestCharts::exportReport(const QString &name, const QString &layout, int format)
-{
-    const QString path = TestSupport::WriteReport(QDir(m_dir.path()), name + u".rpt"_s, Head + layout);
-    return TestSupport::ExportBeside(m_application, path, format);
-}
-
-QList<double> TestCharts::regionSums()
+void TestCharts::barsStandAsHighAsTheSums()
 {
     QSqlQuery query(u"SELECT SUM(amount) FROM sales GROUP BY region ORDER BY region"_s);
     QList<double> sums;
     while (query.next())
         sums.append(query.value(0).toDouble());
-    return sums;
-}
-
-void TestCharts::barsStandAsHighAsTheSums()
-{
-    const QList<double> sums = regionSums();
     QCOMPARE(sums.size(), 4);
     for (const QString &type : {u"bar"_s, u"stackedbar"_s}) {
         // Without series a stacked bar is a plain one.
@@ -128,7 +108,7 @@ void TestCharts::barsStandAsHighAsTheSums()
             ChartLayout(u"<chart type=\"%1\" group=\"region\" value=\"Sum(amount)\" title=\"By region\" "
                         "width=\"500\" height=\"300\"/>"_s.arg(type)),
             PdfFormat);
-        const QImage page = EngineOracles::FirstPageImage(pdf, m_dir.path(), 100);
+        const QImage page = EngineOracles::FirstPageImage(pdf, m_reports.dir.path(), 100);
         const QList<int> heights = BarHeights(page, FirstSeries);
         QCOMPARE(heights.size(), sums.size());
         // The axis starts at 0, so heights keep the sums' proportions.
@@ -141,7 +121,7 @@ void TestCharts::barsStandAsHighAsTheSums()
         u"line"_s,
         ChartLayout(u"<chart type=\"line\" group=\"region\" series=\"product\" value=\"Sum(amount)\"/>"_s),
         PdfFormat);
-    QCOMPARE(SeriesHues(EngineOracles::FirstPageImage(lines, m_dir.path(), 100), 30), 5);
+    QCOMPARE(SeriesHues(EngineOracles::FirstPageImage(lines, m_reports.dir.path(), 100), 30), 5);
 }
 
 void TestCharts::stacksAndPiesInGroupFooters()
@@ -157,7 +137,7 @@ void TestCharts::stacksAndPiesInGroupFooters()
 </layout>)xml"_s;
     const QString pdf = exportReport(u"stacks"_s, layout, PdfFormat);
     // Stacks: as high as each region's sum, of five products each.
-    const QImage page = EngineOracles::FirstPageImage(pdf, m_dir.path(), 100);
+    const QImage page = EngineOracles::FirstPageImage(pdf, m_reports.dir.path(), 100);
     QCOMPARE(SeriesHues(page, 600), 5);
     // One stacked bar and a pie a region, each a picture of its own.
     const QString list = QString::fromUtf8(TestSupport::ProgramOutput(u"pdfimages"_s, {u"-list"_s, pdf}));
@@ -176,28 +156,27 @@ void TestCharts::stacksAndPiesInGroupFooters()
 
 void TestCharts::faultsNameTheChart()
 {
-    const auto fault = [&](const QString &chart, const QString &where) {
-        try {
-            exportReport(
-                u"fault"_s,
-                uR"(<layout><group field="region">%1</group><group field="product"/>%2</layout>)"_s.arg(
-                    where == u"footer" ? u"<footer>%1</footer>"_s.arg(chart) : QString(),
-                    where == u"report" ? u"<reportHeader>%1</reportHeader>"_s.arg(chart) : QString()),
-                PdfFormat);
-        } catch (const EngineError &error) {
-            return error.description();
-        }
-        return u"(no failure)"_s;
-    };
-    QVERIFY2(
-        fault(u"<chart group=\"region\" value=\"Sum(amount)\"/>"_s, u"footer"_s)
-            .contains(u"The chart of footer of group \"region\" draws the groups of \"region\", which are no "
-                      "groups below it; it may draw: product"_s),
-        qPrintable(fault(u"<chart group=\"region\" value=\"Sum(amount)\"/>"_s, u"footer"_s)));
-    QVERIFY(fault(u"<chart type=\"donut\" group=\"region\" value=\"Sum(amount)\"/>"_s, u"report"_s)
-                .contains(u"chart type \"donut\" is not bar, stackedbar, line or pie"_s));
-    QVERIFY(fault(u"<chart group=\"region\" value=\"Sum(amont)\"/>"_s, u"report"_s)
-                .contains(u"unknown field \"amont\""_s));
+    const struct
+    {
+        QString footer, reportHeader, message;
+    } faults[] = {
+        {u"<chart group=\"region\" value=\"Sum(amount)\"/>"_s, QString(),
+         u"The chart of footer of group \"region\" draws the groups of \"region\", which are no "
+         "groups below it; it may draw: product"_s},
+        {QString(), u"<chart type=\"donut\" group=\"region\" value=\"Sum(amount)\"/>"_s,
+         u"chart type \"donut\" is not bar, stackedbar, line or pie"_s},
+        {QString(), u"<chart group=\"region\" value=\"Sum(amont)\"/>"_s, u"unknown field \"amont\""_s}};
+    for (const auto &fault : faults) {
+        const QString failure =
+            TestSupport::FailureOf([&] {
+                exportReport(
+                    u"fault"_s,
+                    uR"(<layout><group field="region"><footer>%1</footer></group><group field="product"/>
+<reportHeader>%2</reportHeader></layout>)"_s.arg(fault.footer, fault.reportHeader),
+                    PdfFormat);
+            }).description;
+        QVERIFY2(failure.contains(fault.message), qPrintable(failure));
+    }
 }
 
 QORLO_TEST_MAIN(TestCharts)

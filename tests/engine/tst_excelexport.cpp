@@ -1,7 +1,7 @@
-#include "SalesReport.h"
 #include "Files.h"
 #include "Peers.h"
 #include "Readers.h"
+#include "SalesReport.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/Report.h"
@@ -9,7 +9,6 @@
 #include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
-
 using namespace Engine;
 using namespace TestSupport;
 
@@ -56,51 +55,31 @@ void TestExcelExport::initTestCase()
     QORLO_REQUIRE_PEER(XlrdInstalled(), u"python3-xlrd"_s);
 }
 
-// The totals and every record of the demo reports, typed, are compared with the database in tst_demogolden.
+// The totals and every record of the demo reports, typed, are compared with the database in
+// tst_demogolden; here the headings and group rows.
 void TestExcelExport::headingsAndGroupRows()
 {
     const QStringList lines = readBack(exportDemo(Excel80Format, u"report.xls"_s), {0, 1, 2, 3});
-    QVERIFY2(lines.size() == 5, qPrintable(lines.join(QLatin1Char('\n'))));
-    QVERIFY(lines[0].startsWith(QLatin1String("Sheet1 ")));
+    QVERIFY2(lines.size() == 5, qPrintable(lines.join(u'\n')));
+    QVERIFY(lines[0].startsWith(u"Sheet1 "_s));
     // The group fields lead every row.
     QCOMPARE(lines[1], u"1:Region|1:Product|1:Date|1:Customer|1:Qty|1:Amount"_s);
     QCOMPARE(lines[2],
              u"1:Region: East|0:|0:|0:|0:|0:"_s); // xlrd pads a row to the sheet's width
     QCOMPARE(lines[3], u"1:Product: Doohickey|0:|0:|0:|0:|0:"_s);
-    QVERIFY2(
-        lines[4].startsWith(QLatin1String("1:East|1:Doohickey|3:45292.0|1:Fox \"Retail\"|2:27.0|2:1485.0")),
-        qPrintable(lines[4]));
-
-    // The totals rows hold the sums as numbers in their columns.
-    const QStringList all = readBack(m_dir.filePath(u"report.xls"_s), [] {
-        QList<int> rows;
-        for (int r = 0; r < 3200; ++r)
-            rows.append(r);
-        return rows;
-    }());
-    auto amountOf = [&all](const QString &label) {
-        for (const QString &line : all) {
-            if (line.startsWith(u"1:"_s + label + QLatin1Char('|')))
-                return line.section(QLatin1String("|2:"), 1);
-        }
-        return QString();
-    };
-    QCOMPARE(amountOf(u"Total East"_s).section(QLatin1Char('|'), 0, 0), u"15051.0"_s);
-    QVERIFY(qFuzzyCompare(amountOf(u"Total East"_s).section(QLatin1String("|2:"), 1).toDouble(), 335021.5));
-    QCOMPARE(amountOf(u"Grand total"_s).section(QLatin1Char('|'), 0, 0), u"62513.0"_s);
-    QVERIFY(qFuzzyCompare(amountOf(u"Grand total"_s).section(QLatin1String("|2:"), 1).toDouble(), 1364680.5));
+    QVERIFY2(lines[4].startsWith(u"1:East|1:Doohickey|3:45292.0|1:Fox \"Retail\"|2:27.0|2:1485.0"_s),
+             qPrintable(lines[4]));
 }
 
 void TestExcelExport::dataOnlyTypedCells()
 {
     const QStringList lines = readBack(exportDemo(ExcelDataOnlyFormat, u"data.xls"_s), {0, 1, 3000});
-    QVERIFY2(lines.size() == 4, qPrintable(lines.join(QLatin1Char('\n'))));
+    QVERIFY2(lines.size() == 4, qPrintable(lines.join(u'\n')));
     QCOMPARE(lines[0], u"Sheet1 3001"_s);
     QCOMPARE(lines[1], u"1:Region|1:Product|1:Date|1:Customer|1:Qty|1:Amount"_s);
-    QVERIFY2(
-        lines[2].startsWith(QLatin1String("1:East|1:Doohickey|3:45292.0|1:Fox \"Retail\"|2:27.0|2:1485.0")),
-        qPrintable(lines[2]));
-    QVERIFY(lines[3].startsWith(QLatin1String("1:West|1:Widget|3:")));
+    QVERIFY2(lines[2].startsWith(u"1:East|1:Doohickey|3:45292.0|1:Fox \"Retail\"|2:27.0|2:1485.0"_s),
+             qPrintable(lines[2]));
+    QVERIFY(lines[3].startsWith(u"1:West|1:Widget|3:"_s));
 }
 
 void TestExcelExport::rowsContinueOnFurtherSheets()

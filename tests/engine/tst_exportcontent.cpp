@@ -2,10 +2,9 @@
 // time cells in workbooks, and totals as worksheet formulas, read back by xlrd and LibreOffice.
 
 #include "EngineData.h"
-#include "SalesReport.h"
 #include "EngineOracles.h"
-#include "Files.h"
 #include "Readers.h"
+#include "SalesReport.h"
 #include "TestMain.h"
 #include "engine/Application.h"
 #include "engine/Report.h"
@@ -14,6 +13,7 @@
 #include <QTemporaryDir>
 
 using namespace Engine;
+using namespace Qt::Literals::StringLiterals;
 using namespace EngineOracles;
 
 namespace {
@@ -21,7 +21,7 @@ namespace {
 // Orders of the west and one southern order, by region and city, with an optional extra element.
 QString Body(const QString &extra = QString())
 {
-    return QStringLiteral(R"(<title>Orders by City</title>
+    return uR"(<title>Orders by City</title>
 <table name="Orders" location="orders" dll="sqlite"><property name="Database">orders.db</property></table>
 <query>SELECT id, region, city, customer, amount, ordered_at FROM {Orders}
 WHERE region = 'West' OR id = 127 ORDER BY region, city, id</query>
@@ -40,13 +40,7 @@ WHERE region = 'West' OR id = 127 ORDER BY region, city, id</query>
   </group>
   <grandTotal field="amount"/>
 </layout>
-)") + extra;
-}
-
-QByteArray Bytes(const QString &path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+)"_s + extra;
 }
 
 } // namespace
@@ -71,11 +65,10 @@ private:
 void TestExportContent::initTestCase()
 {
     QVERIFY(m_dir.isValid());
-    QVERIFY(EngineData::MakeOrders(m_dir.filePath(QStringLiteral("orders.db"))));
+    QVERIFY(EngineData::MakeOrders(m_dir.filePath(u"orders.db"_s)));
     const QDir dir(m_dir.path());
-    TestSupport::WriteReport(dir, QStringLiteral("cities.rpt"), Body());
-    TestSupport::WriteReport(dir, QStringLiteral("cities-utf8.rpt"),
-                             Body(QStringLiteral("<export encoding=\"utf-8\"/>")));
+    TestSupport::WriteReport(dir, u"cities.rpt"_s, Body());
+    TestSupport::WriteReport(dir, u"cities-utf8.rpt"_s, Body(u"<export encoding=\"utf-8\"/>"_s));
 }
 
 QString TestExportContent::exportTo(const QString &report, int format, const QString &name,
@@ -85,8 +78,6 @@ QString TestExportContent::exportTo(const QString &report, int format, const QSt
     ExportOptions &settings = opened->ExportOptions();
     settings.FormatType = format;
     settings.DiskFileName = m_dir.filePath(name);
-    settings.CharFieldDelimiter = QStringLiteral(",");
-    settings.CharStringDelimiter = QStringLiteral("\"");
     if (options)
         options(settings);
     opened->Export(false);
@@ -95,8 +86,7 @@ QString TestExportContent::exportTo(const QString &report, int format, const QSt
 
 void TestExportContent::separatedValuesCarryGroupFieldsInWindows1252()
 {
-    const QByteArray csv =
-        Bytes(exportTo(QStringLiteral("cities.rpt"), CharSeparatedFormat, QStringLiteral("c.csv")));
+    const QByteArray csv = ReadBytes(exportTo(u"cities.rpt"_s, CharSeparatedFormat, u"c.csv"_s));
     const QList<QByteArray> lines = csv.split('\n');
     QCOMPARE(lines.value(0), QByteArray("\"Region\",\"city\",\"No.\",\"Customer\",\"Ordered\",\"Amount\"\r"));
     // Every row names its groups; Ł, ś and the Chinese name are not in Windows-1252 and become "?".
@@ -110,8 +100,7 @@ void TestExportContent::separatedValuesCarryGroupFieldsInWindows1252()
     QVERIFY(!csv.startsWith("\xEF\xBB\xBF"));
 
     // The text of the pages, too.
-    const QByteArray text =
-        Bytes(exportTo(QStringLiteral("cities.rpt"), TextFormat, QStringLiteral("t.txt")));
+    const QByteArray text = ReadBytes(exportTo(u"cities.rpt"_s, TextFormat, u"t.txt"_s));
     QVERIFY2(text.contains("Krak\xF3w") && text.contains("???") && !text.contains("\xEF\xBB\xBF"),
              text.constData());
 }
@@ -120,55 +109,53 @@ void TestExportContent::utf8WhenTheReportAsks()
 {
     for (const int format :
          {CharSeparatedFormat, TabSeparatedTextFormat, TextFormat, PaginatedTextFormat, RecordFormat}) {
-        const QByteArray file =
-            Bytes(exportTo(QStringLiteral("cities-utf8.rpt"), format, QStringLiteral("u.%1").arg(format)));
+        const QByteArray file = ReadBytes(exportTo(u"cities-utf8.rpt"_s, format, u"u.%1"_s.arg(format)));
         QVERIFY2(file.startsWith("\xEF\xBB\xBF"), qPrintable(QString::number(format)));
         const QString text = QString::fromUtf8(file.mid(3));
-        QVERIFY2(text.contains(EngineData::ChineseName) && text.contains(QStringLiteral("Łukasz Wiśniewski")),
+        QVERIFY2(text.contains(EngineData::ChineseName) && text.contains(u"Łukasz Wiśniewski"_s),
                  qPrintable(text));
     }
 }
 
 void TestExportContent::workbookDateTimesAndFormulas()
 {
-    QORLO_REQUIRE_PEER(QFileInfo::exists(TestSupport::DebianPython()), QStringLiteral("python3-xlrd"));
-    const QString xls = exportTo(QStringLiteral("cities.rpt"), Excel80TabularFormat, QStringLiteral("f.xls"),
-                                 [](ExportOptions &options) {
-                                     options.ExcelTabHasColumnHeadings = true;
-                                     options.ExcelUseWorksheetFunctions = true;
-                                 });
+    QORLO_REQUIRE_PEER(QFileInfo::exists(TestSupport::DebianPython()), u"python3-xlrd"_s);
+    const QString xls =
+        exportTo(u"cities.rpt"_s, Excel80TabularFormat, u"f.xls"_s, [](ExportOptions &options) {
+            options.ExcelTabHasColumnHeadings = true;
+            options.ExcelUseWorksheetFunctions = true;
+        });
     const QString cells = XlsCells(xls);
-    QCOMPARE(cells, Golden(QStringLiteral("engine/golden/exports/cities.30.xls.txt"), cells));
+    QCOMPARE(cells, Golden(u"engine/golden/exports/cities.30.xls.txt"_s, cells));
     // The time of day stays in the cell and its format.
     QVERIFY2(cells.contains(QRegularExpression(
-                 QStringLiteral("E\\d+ date [\\d.]+ 2024-04-07 09:30:00 fmt=\"dd-mmm-yyyy hh:mm:ss\""))),
+                 u"E\\d+ date [\\d.]+ 2024-04-07 09:30:00 fmt=\"dd-mmm-yyyy hh:mm:ss\""_s)),
              qPrintable(cells));
 
-    QORLO_REQUIRE_PEER(!TestSupport::FindProgram(QStringLiteral("soffice")).isEmpty(),
-                       QStringLiteral("LibreOffice (libreoffice-calc-nogui)"));
-    const QString out = m_dir.filePath(QStringLiteral("converted"));
-    QVERIFY(TestSupport::ConvertWithLibreOffice({xls}, QStringLiteral("fods"), out));
-    const QString sheet = ReadUtf8(out + QStringLiteral("/f.fods"));
+    QORLO_REQUIRE_PEER(!TestSupport::FindProgram(u"soffice"_s).isEmpty(),
+                       u"LibreOffice (libreoffice-calc-nogui)"_s);
+    const QString out = m_dir.filePath(u"converted"_s);
+    QVERIFY(TestSupport::ConvertWithLibreOffice({xls}, u"fods"_s, out));
+    const QString sheet = ReadUtf8(out + u"/f.fods"_s);
     QStringList formulas;
-    const auto matches =
-        QRegularExpression(QStringLiteral("table:formula=\"of:=([^\"]+)\"")).globalMatch(sheet);
+    const auto matches = QRegularExpression(u"table:formula=\"of:=([^\"]+)\""_s).globalMatch(sheet);
     for (auto it = matches; it.hasNext();)
         formulas.append(it.next().captured(1));
     // A city's totals over its records; a region's over its cities' totals; the grand total over the
     // regions' totals. Row 1 holds the captions.
-    const QStringList expected{QStringLiteral("COUNT([.C4])"),
-                               QStringLiteral("SUM([.F4])"), // South, Kraków
-                               QStringLiteral("SUM([.C5])"),
-                               QStringLiteral("SUM([.F5])"), // South
-                               QStringLiteral("COUNT([.C9:.C10])"),
-                               QStringLiteral("SUM([.F9:.F10])"), // West, Gdańsk
-                               QStringLiteral("COUNT([.C13])"),
-                               QStringLiteral("SUM([.F13])"), // West, Kraków
-                               QStringLiteral("COUNT([.C16:.C17])"),
-                               QStringLiteral("SUM([.F16:.F17])"), // West, Łódź
-                               QStringLiteral("SUM([.C11];[.C14];[.C18])"),
-                               QStringLiteral("SUM([.F11];[.F14];[.F18])"), // West
-                               QStringLiteral("SUM([.F6];[.F19])")};        // grand total
+    const QStringList expected{u"COUNT([.C4])"_s,
+                               u"SUM([.F4])"_s, // South, Kraków
+                               u"SUM([.C5])"_s,
+                               u"SUM([.F5])"_s, // South
+                               u"COUNT([.C9:.C10])"_s,
+                               u"SUM([.F9:.F10])"_s, // West, Gdańsk
+                               u"COUNT([.C13])"_s,
+                               u"SUM([.F13])"_s, // West, Kraków
+                               u"COUNT([.C16:.C17])"_s,
+                               u"SUM([.F16:.F17])"_s, // West, Łódź
+                               u"SUM([.C11];[.C14];[.C18])"_s,
+                               u"SUM([.F11];[.F14];[.F18])"_s, // West
+                               u"SUM([.F6];[.F19])"_s};        // grand total
     QCOMPARE(formulas, expected);
 }
 

@@ -10,7 +10,6 @@
 #include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
-
 using namespace Engine;
 
 class TestPaginator : public QObject

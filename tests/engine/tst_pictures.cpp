@@ -3,20 +3,14 @@
 // show them.
 
 #include "EngineExports.h"
-#include "SalesReport.h"
 #include "EngineOracles.h"
 #include "Files.h"
 #include "Readers.h"
 #include "TestMain.h"
-#include "engine/Application.h"
-#include "engine/Codes.h"
-#include "engine/EngineError.h"
-#include "engine/Report.h"
 
 #include <QBuffer>
 #include <QRegularExpression>
 #include <QSqlQuery>
-#include <QTemporaryDir>
 
 using namespace Engine;
 using namespace Qt::Literals::StringLiterals;
@@ -59,20 +53,25 @@ private Q_SLOTS:
     void faultsNameThePicture();
 
 private:
-    QString exportReport(const QString &name, const QString &layout, int format);
+    QString exportReport(const QString &name, const QString &layout, int format)
+    {
+        return m_reports.exportReport(name, uR"(<title>Photos</title>
+<table name="Photos" location="photos" dll="sqlite"><property name="Database">photos.db</property></table>
+<query>SELECT id, name, photo FROM {Photos} ORDER BY id</query>
+)"_s + layout,
+                                      format);
+    }
 
-    QTemporaryDir m_dir;
-    Application m_application;
+    TestSupport::ReportFolder m_reports;
 };
 
 void TestPictures::initTestCase()
 {
-    QVERIFY(m_dir.isValid());
     QImage logo(200, 100, QImage::Format_RGB32);
     logo.fill(Blue);
-    QVERIFY(logo.save(m_dir.filePath(u"logo.png"_s)));
+    QVERIFY(logo.save(m_reports.path(u"logo.png"_s)));
     QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s);
-    db.setDatabaseName(m_dir.filePath(u"photos.db"_s));
+    db.setDatabaseName(m_reports.path(u"photos.db"_s));
     QVERIFY(db.open());
     QSqlQuery query(db);
     QVERIFY(query.exec(u"CREATE TABLE photos (id INTEGER, name TEXT, photo BLOB)"_s));
@@ -90,16 +89,6 @@ void TestPictures::initTestCase()
     }
 }
 
-QString TestPictures::exportReport(const QString &name, const QString &layout, int format)
-{
-    const QString path =
-        TestSupport::WriteReport(QDir(m_dir.path()), name + u".rpt"_s, uR"(<title>Photos</title>
-<table name="Photos" location="photos" dll="sqlite"><property name="Database">photos.db</property></table>
-<query>SELECT id, name, photo FROM {Photos} ORDER BY id</query>
-)"_s + layout);
-    return TestSupport::ExportBeside(m_application, path, format);
-}
-
 void TestPictures::picturesInThePdf()
 {
     const QString pdf = exportReport(u"photos"_s, Layout, PdfFormat);
@@ -114,7 +103,7 @@ void TestPictures::picturesInThePdf()
 
     // At 72 dpi a point is a pixel. The page header's logo fills 80 by 40 points at the right margin;
     // the report header's 100 by 50 at the centre; the photos keep their proportions in 48 by 36.
-    const QImage page = EngineOracles::FirstPageImage(pdf, m_dir.path(), 72);
+    const QImage page = EngineOracles::FirstPageImage(pdf, m_reports.dir.path(), 72);
     QVERIFY(!page.isNull());
     const int headerLogo = EngineOracles::PixelsNear(page, Blue, QRect(420, 30, 150, 60));
     QVERIFY2(std::abs(headerLogo - 80 * 40) < 300, qPrintable(QString::number(headerLogo)));
@@ -142,9 +131,10 @@ void TestPictures::picturesInHtmlAndRtf()
     QCOMPARE(colors.count(Green), 1);
 
     const QString rtf = exportReport(u"photos"_s, Layout, RichTextFormat);
-    const QString out = m_dir.filePath(u"converted"_s);
+    const QString out = m_reports.path(u"converted"_s);
     QVERIFY(TestSupport::ConvertWithLibreOffice({rtf}, u"pdf"_s, out));
-    const QImage page = EngineOracles::FirstPageImage(QDir(out).filePath(u"photos.pdf"_s), m_dir.path(), 72);
+    const QImage page =
+        EngineOracles::FirstPageImage(QDir(out).filePath(u"photos.pdf"_s), m_reports.dir.path(), 72);
     QVERIFY(!page.isNull());
     QVERIFY2(std::abs(EngineOracles::PixelsNear(page, Blue) - (80 * 40 + 100 * 50)) < 1200,
              qPrintable(QString::number(EngineOracles::PixelsNear(page, Blue))));
@@ -153,25 +143,21 @@ void TestPictures::picturesInHtmlAndRtf()
 
 void TestPictures::faultsNameThePicture()
 {
-    const auto fault = [&](const QString &layout) {
-        try {
-            exportReport(u"fault"_s, layout, PdfFormat);
-        } catch (const EngineError &error) {
-            return error.description();
-        }
-        return u"(no failure)"_s;
-    };
-    const QString missing =
-        fault(u"<layout><reportHeader><picture file=\"nologo.png\"/></reportHeader></layout>"_s);
-    QVERIFY2(missing.contains(
-                 u"the picture file %1 cannot be read as PNG or JPEG"_s.arg(m_dir.filePath(u"nologo.png"_s))),
-             qPrintable(missing));
-    const QString unknown = fault(u"<layout><details><picture field=\"foto\"/></details></layout>"_s);
-    QVERIFY2(unknown.contains(u"The picture of details shows the field \"foto\", which the report does not "
-                              "have; the nearest are: photo"_s),
-             qPrintable(unknown));
-    QVERIFY(fault(u"<layout><pageHeader><picture field=\"photo\"/></pageHeader></layout>"_s)
-                .contains(u"a picture in the page header comes from a file"_s));
+    const QStringList faults[] = {
+        {u"<reportHeader><picture file=\"nologo.png\"/></reportHeader>"_s,
+         u"the picture file %1 cannot be read as PNG or JPEG"_s.arg(m_reports.path(u"nologo.png"_s))},
+        {u"<details><picture field=\"foto\"/></details>"_s,
+         u"The picture of details shows the field \"foto\", which the report does not have; the nearest "
+         "are: photo"_s},
+        {u"<pageHeader><picture field=\"photo\"/></pageHeader>"_s,
+         u"a picture in the page header comes from a file"_s}};
+    for (const QStringList &fault : faults) {
+        const QString failure =
+            TestSupport::FailureOf([&] {
+                exportReport(u"fault"_s, u"<layout>%1</layout>"_s.arg(fault[0]), PdfFormat);
+            }).description;
+        QVERIFY2(failure.contains(fault[1]), qPrintable(failure));
+    }
 }
 
 QORLO_TEST_MAIN(TestPictures)

@@ -1,13 +1,11 @@
 // Printing through CUPS to a private server: the printer list, jobs and their ends, the page sink
 // and a whole report.
-#include "engine/Application.h"
 #include "engine/Codes.h"
-#include "engine/EngineError.h"
-#include "engine/Report.h"
 #include "engine/page/CupsPrinter.h"
 #include "engine/page/PdfPageSink.h"
 #include "engine/page/PrintPageSink.h"
 #include "CupsPeer.h"
+#include "EngineExports.h"
 #include "Files.h"
 #include "PageSample.h"
 #include "Readers.h"
@@ -16,7 +14,6 @@
 #include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
-
 using namespace Engine;
 using namespace TestSupport;
 
@@ -135,13 +132,9 @@ void TestPrintCups::reportOnUnknownPrinterFails()
     auto report = application.OpenReport(QStringLiteral(QORLO_SOURCE_DIR "/demo/region-summary.rpt"));
     report->ParameterFields().Item(1).AddCurrentValue(u"North"_s);
     report->SelectPrinter(QString(), u"NoSuchPrinter"_s, QString());
-    try {
-        report->PrintOut(false, 1);
-        QFAIL("a printer that does not exist cannot print");
-    } catch (const EngineError &error) {
-        QCOMPARE(error.number(), int(EngineError::PrintFailed));
-        QVERIFY(!error.description().isEmpty());
-    }
+    const EngineFailure failure = FailureOf([&] { report->PrintOut(false, 1); });
+    QCOMPARE(failure.number, int(EngineError::PrintFailed));
+    QVERIFY(!failure.description.isEmpty());
     QCOMPARE(report->PrintingStatus().Progress(), int(ProgressFailed));
 }
 

@@ -1,15 +1,9 @@
 #include "DatabasePeers.h"
+#include "EngineExports.h"
 #include "Peers.h"
-#include "SalesReport.h"
 #include "TestMain.h"
-#include "engine/Application.h"
-#include "engine/EngineError.h"
-#include "engine/Report.h"
-
-#include <QTemporaryDir>
 
 using namespace Qt::Literals::StringLiterals;
-
 using namespace Engine;
 using namespace TestSupport;
 
@@ -17,6 +11,7 @@ class TestRecords : public QObject
 {
     Q_OBJECT
 private Q_SLOTS:
+    void init();
     void sqliteBindsEveryValueType();
     void multiValuedListsStayData();
     void readFailuresCarryTheDriversMessage();
@@ -27,14 +22,13 @@ private Q_SLOTS:
     void postgresServer();
 
 private:
+    // Each test's own folder, with the fixture's sales.db.
+    std::unique_ptr<QTemporaryDir> m_dir;
+    QDir m_folder;
+
     static QString errorOf(Report &report)
     {
-        try {
-            report.ReadRecords();
-        } catch (const EngineError &error) {
-            return error.description();
-        }
-        return QString();
+        return FailureOf([&] { report.ReadRecords(); }).description;
     }
     static QVariantList column(const Report &report, int field)
     {
@@ -45,12 +39,17 @@ private:
     }
 };
 
+void TestRecords::init()
+{
+    m_dir = std::make_unique<QTemporaryDir>();
+    m_folder.setPath(m_dir->path());
+    MakeSalesDatabase(m_folder.filePath(u"sales.db"_s));
+}
+
 void TestRecords::sqliteBindsEveryValueType()
 {
-    QTemporaryDir dir;
-    MakeSalesDatabase(dir.filePath(u"sales.db"_s));
     const QString path = SalesReport(
-        QDir(dir.path()), u"types.rpt"_s,
+        m_folder, u"types.rpt"_s,
         u"SELECT {?Num} AS num, {?Money} AS money, {?Flag} AS flag, {?Day} AS day, {?Moment} AS moment, "
         "{?At} AS at, {?Text} AS text, '{?Num}' AS literal"_s,
         u"<parameter name=\"Num\" type=\"7\"/><parameter name=\"Money\" type=\"8\"/>"
@@ -83,10 +82,8 @@ void TestRecords::sqliteBindsEveryValueType()
 
 void TestRecords::multiValuedListsStayData()
 {
-    QTemporaryDir dir;
-    MakeSalesDatabase(dir.filePath(u"sales.db"_s));
     const QString path =
-        SalesReport(QDir(dir.path()), u"list.rpt"_s,
+        SalesReport(m_folder, u"list.rpt"_s,
                     u"SELECT id, customer FROM {Sales} WHERE customer IN ({?Names}) AND order_date >= "
                     "{?From} ORDER BY id"_s,
                     u"<parameter name=\"Names\" type=\"12\" multiple=\"true\"/>"
@@ -102,7 +99,7 @@ void TestRecords::multiValuedListsStayData()
     QCOMPARE(column(*report, 0), (QVariantList{3, 6}));
 
     // The table is still whole: the texts above reached it as data.
-    const QString count = SalesReport(QDir(dir.path()), u"count.rpt"_s, u"SELECT * FROM {Sales}"_s);
+    const QString count = SalesReport(m_folder, u"count.rpt"_s, u"SELECT * FROM {Sales}"_s);
     auto all = application.OpenReport(count);
     all->ReadRecords();
     QCOMPARE(all->PrintingStatus().NumberOfRecordSelected(), 6);
@@ -113,37 +110,33 @@ void TestRecords::multiValuedListsStayData()
 
 void TestRecords::readFailuresCarryTheDriversMessage()
 {
-    QTemporaryDir dir;
-    const QDir folder(dir.path());
-    MakeSalesDatabase(dir.filePath(u"sales.db"_s));
     Application application;
-    auto syntax = application.OpenReport(SalesReport(folder, u"s.rpt"_s, u"SELEC id FROM {Sales}"_s));
+    auto syntax = application.OpenReport(SalesReport(m_folder, u"s.rpt"_s, u"SELEC id FROM {Sales}"_s));
     QVERIFY(syntax->Database().Tables().Item(1).TestConnectivity());
     const QString syntaxError = errorOf(*syntax);
     QVERIFY2(syntaxError.startsWith(u"The query failed: "_s) && syntaxError.contains(u"syntax error"_s),
              qPrintable(syntaxError));
     QCOMPARE(syntax->PrintingStatus().Progress(), int(ProgressFailed));
-    auto table = application.OpenReport(SalesReport(folder, u"t.rpt"_s, u"SELECT * FROM {Nope}"_s));
+    auto table = application.OpenReport(SalesReport(m_folder, u"t.rpt"_s, u"SELECT * FROM {Nope}"_s));
     QCOMPARE(errorOf(*table), u"The query names the unknown table {Nope}"_s);
-    auto parameter = application.OpenReport(SalesReport(folder, u"p.rpt"_s, u"SELECT {?Nope}"_s));
+    auto parameter = application.OpenReport(SalesReport(m_folder, u"p.rpt"_s, u"SELECT {?Nope}"_s));
     QCOMPARE(errorOf(*parameter), u"The query names the unknown parameter {?Nope}"_s);
 
-    auto layout = application.OpenReport(SalesReport(folder, u"l.rpt"_s, u"SELECT id FROM {Sales}"_s,
+    auto layout = application.OpenReport(SalesReport(m_folder, u"l.rpt"_s, u"SELECT id FROM {Sales}"_s,
                                                      u"<layout><group field=\"regoin\"/></layout>"_s));
-    QCOMPARE(
-        errorOf(*layout),
-        u"The layout of "_s + folder.filePath(u"l.rpt"_s) +
-            QStringLiteral(" names the field \"regoin\", which the query does not return; the nearest are: "
-                           "id"));
+    QCOMPARE(errorOf(*layout),
+             u"The layout of "_s + m_folder.filePath(u"l.rpt"_s) +
+                 u" names the field \"regoin\", which the query does not return; the nearest are: "
+                 "id"_s);
 
-    auto missing = application.OpenReport(SalesReport(folder, u"m.rpt"_s, u"SELECT 1"_s));
+    auto missing = application.OpenReport(SalesReport(m_folder, u"m.rpt"_s, u"SELECT 1"_s));
     missing->Database().Tables().Item(1).ConnectionProperties().Item(1).setValue(u"gone.db"_s);
     QVERIFY(!missing->Database().Tables().Item(1).TestConnectivity());
-    QCOMPARE(
-        missing->Database().Tables().Item(1).lastError(),
-        u"Cannot open the SQLite database %1: the file does not exist"_s.arg(folder.filePath(u"gone.db"_s)));
+    QCOMPARE(missing->Database().Tables().Item(1).lastError(),
+             u"Cannot open the SQLite database %1: the file does not exist"_s.arg(
+                 m_folder.filePath(u"gone.db"_s)));
     QCOMPARE(errorOf(*missing), missing->Database().Tables().Item(1).lastError());
-    QVERIFY(!QFile::exists(folder.filePath(u"gone.db"_s))); // never created by a read
+    QVERIFY(!QFile::exists(m_folder.filePath(u"gone.db"_s))); // never created by a read
 
     // Log-off forgets a log-on once.
     QVERIFY(syntax->Database().Tables().Item(1).TestConnectivity());
@@ -153,11 +146,8 @@ void TestRecords::readFailuresCarryTheDriversMessage()
 
 void TestRecords::savedDataSelectionAndAlerts()
 {
-    QTemporaryDir dir;
-    const QDir folder(dir.path());
-    MakeSalesDatabase(dir.filePath(u"sales.db"_s));
     const QString path =
-        SalesReport(folder, u"alerts.rpt"_s, u"SELECT id, region, amount, paid FROM {Sales} ORDER BY id"_s,
+        SalesReport(m_folder, u"alerts.rpt"_s, u"SELECT id, region, amount, paid FROM {Sales} ORDER BY id"_s,
                     u"<alert name=\"Big\">amount &gt;= 1500</alert>"
                     "<alert name=\"Unpaid\">not paid</alert>"
                     "<groupSelection>region &lt;&gt; 'East'</groupSelection>"_s);
@@ -180,10 +170,10 @@ void TestRecords::savedDataSelectionAndAlerts()
     report->setGroupSelectionFormula(opening);
 
     report->ExportOptions().FormatType = CrystalReportFormat;
-    report->ExportOptions().DiskFileName = folder.filePath(u"saved.rpt"_s);
+    report->ExportOptions().DiskFileName = m_folder.filePath(u"saved.rpt"_s);
     report->Export(false);
-    QVERIFY(QFile::remove(folder.filePath(u"sales.db"_s)));
-    auto saved = application.OpenReport(folder.filePath(u"saved.rpt"_s));
+    QVERIFY(QFile::remove(m_folder.filePath(u"sales.db"_s)));
+    auto saved = application.OpenReport(m_folder.filePath(u"saved.rpt"_s));
     QVERIFY(saved->HasSavedData());
     saved->ReadRecords(); // from the saved rows: the database is gone
     QCOMPARE(saved->records().count(), 6);
@@ -194,7 +184,7 @@ void TestRecords::savedDataSelectionAndAlerts()
     saved->DiscardSavedData();
     QVERIFY(!saved->HasSavedData());
     QCOMPARE(saved->PrintingStatus().NumberOfRecordSelected(), 0);
-    QVERIFY(errorOf(*saved).contains(QLatin1String("the file does not exist")));
+    QVERIFY(errorOf(*saved).contains(u"the file does not exist"_s));
 }
 
 void TestRecords::subreportTakesLinkedValues()
@@ -227,8 +217,7 @@ void TestRecords::demoAlertsAgreeWithSql()
     report->ReadRecords();
     QCOMPARE(report->PrintingStatus().NumberOfRecordSelected(), 3000);
     // The same conditions counted by the database itself, through a second report on the demo data.
-    QTemporaryDir dir;
-    const QString counts = WriteReport(QDir(dir.path()), u"counts.rpt"_s,
+    const QString counts = WriteReport(m_folder, u"counts.rpt"_s,
                                        uR"(
 <table name="Sales" location="sales" dll="sqlite"><property name="Database">%1</property></table>
 <query>SELECT SUM(amount &gt;= 2000), SUM(amount &gt;= 1500 AND NOT paid),
@@ -247,12 +236,9 @@ void TestRecords::demoAlertsAgreeWithSql()
 void TestRecords::odbcDataSource()
 {
     QORLO_REQUIRE_PEER(OdbcInstalled(), u"libsqliteodbc and the Qt ODBC driver"_s);
-    QTemporaryDir dir;
-    const QDir folder(dir.path());
-    MakeSalesDatabase(dir.filePath(u"sales.db"_s));
-    MakeOdbcDataSource(dir.path(), u"QorloSales"_s, dir.filePath(u"sales.db"_s));
+    MakeOdbcDataSource(m_folder.path(), u"QorloSales"_s, m_folder.filePath(u"sales.db"_s));
 
-    const QString path = WriteReport(folder, u"odbc.rpt"_s, uR"(
+    const QString path = WriteReport(m_folder, u"odbc.rpt"_s, uR"(
 <table name="Sales" location="sales" dll="odbc"><property name="DSN">QorloSales</property></table>
 <parameter name="Regions" type="12" multiple="true"/><parameter name="Min" type="7"/>
 <query>SELECT id FROM {Sales} WHERE region IN ({?Regions}) AND amount &gt; {?Min} ORDER BY id</query>)"_s);
@@ -284,8 +270,7 @@ void TestRecords::postgresServer()
                  "INSERT INTO sales VALUES (1, '2024-01-05', 'North', 120.5), (2, '2024-01-20', 'South', 80),"
                  "(3, '2024-02-02', 'North', 1500.25), (4, '2024-03-01', 'it''s; --', 5);"_s),
              qPrintable(server.error()));
-    QTemporaryDir dir;
-    const QString path = WriteReport(QDir(dir.path()), u"pg.rpt"_s, uR"(
+    const QString path = WriteReport(m_folder, u"pg.rpt"_s, uR"(
 <table name="Sales" location="public.sales" dll="psql">
   <property name="Server">127.0.0.1</property><property name="Port">%1</property>
   <property name="Database">postgres</property><property name="User ID">postgres</property>

@@ -6,12 +6,12 @@
 #include "PageSample.h"
 #include "TestMain.h"
 
-#include <QFile>
+#include <QDir>
 #include <QTemporaryDir>
 #include <limits>
+#include <memory>
 
 using namespace Qt::Literals::StringLiterals;
-
 using namespace Engine;
 
 class TestRenderBadInput : public QObject
@@ -19,6 +19,7 @@ class TestRenderBadInput : public QObject
     Q_OBJECT
 private Q_SLOTS:
     void hostileGeometry();
+    void unwritableTargets();
 };
 
 namespace {
@@ -76,8 +77,8 @@ void TestRenderBadInput::hostileGeometry()
     const QString markup = QString::fromUtf8(Render(html, htmlFile));
     // In a cell of the page's table, or placed on its own where it overlaps another.
     for (const QString &expected : texts)
-        QVERIFY2(markup.contains(QLatin1Char('>') + expected + u"</td>"_s) ||
-                     markup.contains(QLatin1Char('>') + expected + u"</div>"_s),
+        QVERIFY2(markup.contains(u'>' + expected + u"</td>"_s) ||
+                     markup.contains(u'>' + expected + u"</div>"_s),
                  qPrintable(expected));
     QVERIFY(!markup.contains(u"nan"_s));
 
@@ -91,6 +92,24 @@ void TestRenderBadInput::hostileGeometry()
     const QString pdfFile = dir.filePath(u"out.pdf"_s);
     PdfPageSink pdf(pdfFile);
     QVERIFY(Render(pdf, pdfFile).startsWith("%PDF-"));
+}
+
+// Each renderer names a target it cannot write, and leaves nothing behind.
+void TestRenderBadInput::unwritableTargets()
+{
+    QTemporaryDir dir;
+    const QString file = dir.filePath(u"missing/out"_s);
+    std::unique_ptr<PageSink> sinks[] = {std::make_unique<TextPageSink>(file, TextPageOptions{}),
+                                         std::make_unique<HtmlPageSink>(file, HtmlPageOptions{false, false}),
+                                         std::make_unique<HtmlPageSink>(file, HtmlPageOptions{true, true}),
+                                         std::make_unique<RtfPageSink>(file),
+                                         std::make_unique<PdfPageSink>(file)};
+    for (const auto &sink : sinks) {
+        PageSample::Render(*sink, PageSample::Setup(false), 2);
+        QVERIFY(sink->failed());
+        QVERIFY2(sink->errorString().startsWith(u"Cannot write "_s + file), qPrintable(sink->errorString()));
+    }
+    QCOMPARE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot), QStringList());
 }
 
 QORLO_TEST_MAIN(TestRenderBadInput)

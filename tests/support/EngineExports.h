@@ -1,8 +1,10 @@
 #pragma once
-// Engine tests' shortcuts: the demo database as the default connection, and a report exported beside
-// its file.
+// Engine tests' shortcuts: the demo database as the default connection, a report exported beside its
+// file, a folder of such reports, and the engine error a call raises.
 
+#include "SalesReport.h"
 #include "engine/Application.h"
+#include "engine/EngineError.h"
 #include "engine/Report.h"
 
 #include <QDir>
@@ -10,6 +12,7 @@
 #include <QFileInfo>
 #include <QSqlDatabase>
 #include <QString>
+#include <QTemporaryDir>
 
 namespace TestSupport {
 
@@ -38,6 +41,38 @@ inline QString ExportBeside(Engine::Application &application, const QString &rep
     options.HTMLFileName = target;
     opened->Export(false);
     return target;
+}
+
+// A test's own folder of report files, each exported beside itself.
+struct ReportFolder
+{
+    QTemporaryDir dir;
+    Engine::Application application;
+
+    QString path(const QString &name) const { return dir.filePath(name); }
+    // Writes NAME.rpt with `body` and exports it in `format`; the file written.
+    QString exportReport(const QString &name, const QString &body, int format)
+    {
+        return ExportBeside(application, WriteReport(QDir(dir.path()), name + QStringLiteral(".rpt"), body),
+                            format);
+    }
+};
+
+// The engine error a call raises: its number (0 for none) and description.
+struct EngineFailure
+{
+    int number = 0;
+    QString description = QStringLiteral("(no failure)");
+};
+
+template <class Call> EngineFailure FailureOf(Call &&call)
+{
+    try {
+        call();
+    } catch (const Engine::EngineError &error) {
+        return {error.number(), error.description()};
+    }
+    return {};
 }
 
 } // namespace TestSupport

@@ -12,10 +12,15 @@
 
 namespace EngineOracles {
 
+// The file's bytes; a note that it is missing, which no expected file holds, when it is.
+inline QByteArray ReadBytes(const QString &path)
+{
+    return QFile::exists(path) ? TestSupport::ReadFile(path) : "(missing file " + path.toUtf8() + ')';
+}
+
 inline QString ReadUtf8(const QString &path)
 {
-    return QFile::exists(path) ? QString::fromUtf8(TestSupport::ReadFile(path))
-                               : QStringLiteral("(missing file %1)").arg(path);
+    return QString::fromUtf8(ReadBytes(path));
 }
 
 // What xlrd reads from a workbook: a line per sheet, then a line per cell (tests/peers/xls_dump.py).
@@ -74,14 +79,19 @@ inline int PixelsNear(const QImage &image, const QColor &color, QRect area = QRe
 
 // The expected file below tests/data; with QORLO_WRITE_GOLDEN set, `actual` replaces it first, so
 // that a deliberate change is written and then reviewed as a difference.
-inline QString Golden(const QString &relative, const QString &actual)
+inline QByteArray GoldenBytes(const QString &relative, const QByteArray &actual)
 {
     const QString path = TestSupport::DataFile(relative);
     if (qEnvironmentVariableIsSet("QORLO_WRITE_GOLDEN")) {
         QDir().mkpath(QFileInfo(path).path());
-        TestSupport::WriteFile(path, actual.toUtf8());
+        TestSupport::WriteFile(path, actual);
     }
-    return ReadUtf8(path);
+    return ReadBytes(path);
+}
+
+inline QString Golden(const QString &relative, const QString &actual)
+{
+    return QString::fromUtf8(GoldenBytes(relative, actual.toUtf8()));
 }
 
 // The expected picture below tests/data, written the same way as Golden.

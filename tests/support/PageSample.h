@@ -33,6 +33,12 @@ inline QString Name(int row)
     }
 }
 
+// The first column of row `row`: R001, R002, ...
+inline QString RowLabel(int row)
+{
+    return QStringLiteral("R%1").arg(row, 3, 10, QLatin1Char('0'));
+}
+
 inline QString Amount(int row)
 {
     return QString::number(row * 12.5, 'f', 2);
@@ -53,7 +59,7 @@ inline Engine::Page TablePage(int number, int pageCount)
     for (int i = 0; i < RowsPerPage; ++i) {
         const int row = (number - 1) * RowsPerPage + i + 1;
         const double y = 100 + i * 16;
-        page.texts.append(Text(40, y, 60, QStringLiteral("R%1").arg(row, 3, 10, QLatin1Char('0'))));
+        page.texts.append(Text(40, y, 60, RowLabel(row)));
         page.texts.append(Text(120, y, 200, Name(row)));
         page.texts.append(Text(340, y, 100, Amount(row), Qt::AlignRight));
     }
