@@ -1,7 +1,8 @@
 // The help pages: every link of them leads to a page that is there, they lie beside the built programs
 // as beside installed ones, and a program started from the build folder copies them into its Help
 // folder.
-#include "AppTestSupport.h"
+#include "Files.h"
+#include "Peers.h"
 #include "TestMain.h"
 
 #include <QDir>
@@ -38,7 +39,7 @@ void TestHelpFolder::linksLeadToStagedPages()
     const QRegularExpression picture(uR"(^guide/screenshots/frm[A-Za-z]+\.png$)"_s);
     QStringList broken;
     for (const QString &page : pages) {
-        const QString text = QString::fromUtf8(AppTest::ReadFile(kSource + u'/' + page));
+        const QString text = QString::fromUtf8(ReadFile(kSource + u'/' + page));
         QVERIFY2(QFile::exists(kStaged + u'/' + page), qPrintable(page));
         for (auto match = link.globalMatch(text); match.hasNext();) {
             const QString target = match.next().captured(2);
@@ -64,14 +65,14 @@ void TestHelpFolder::programFromTheBuildFolderCopiesThem()
 {
     QTemporaryDir home;
     QTemporaryDir app;
-    QProcessEnvironment environment = AppTest::DaemonEnvironment(home.path());
+    QProcessEnvironment environment = OwnProgramEnvironment(home.path());
     environment.insert(u"QORLO_APP_FOLDER"_s, app.path());
     PeerProcess daemon;
     QVERIFY2(daemon.start(QStringLiteral(QORLO_DAEMON), {}, QString(), 5000, environment),
              qPrintable(daemon.error()));
     // The start-up has ended with the first status page; the pages were copied before it.
-    QVERIFY(AppTest::WaitForText(app.filePath(u"Web/livestat.htm"_s), "The schedule is currently", 15000));
-    QVERIFY(AppTest::ReadFile(app.filePath(u"Help/index.html"_s)).contains("QorloMANAGER Help"));
+    QVERIFY(WaitForText(app.filePath(u"Web/livestat.htm"_s), "The schedule is currently", 15000));
+    QVERIFY(ReadFile(app.filePath(u"Help/index.html"_s)).contains("QorloMANAGER Help"));
     for (const char *page : {"connect.htm", "log.htm", "help.css", "guide/index.html"})
         QVERIFY2(QFile::exists(app.filePath(u"Help/"_s + QLatin1String(page))), page);
     daemon.stop();

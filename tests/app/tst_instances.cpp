@@ -1,4 +1,5 @@
-#include "AppTestSupport.h"
+#include "Files.h"
+#include "Peers.h"
 #include "TestMain.h"
 
 #include <QDir>
@@ -27,9 +28,9 @@ struct UnitCommand
 
 UnitCommand InstanceCommand(const QString &home, const QString &instance)
 {
-    UnitCommand command{QString(), AppTest::DaemonEnvironment(home)};
-    const QString unit = QString::fromUtf8(
-        AppTest::ReadFile(QStringLiteral(QORLO_SOURCE_DIR) + u"/dist/qorlomanagerd@.service"_s));
+    UnitCommand command{QString(), OwnProgramEnvironment(home)};
+    const QString unit =
+        QString::fromUtf8(ReadFile(QStringLiteral(QORLO_SOURCE_DIR) + u"/dist/qorlomanagerd@.service"_s));
     for (QString line : unit.split(u'\n')) {
         line.replace(u"%h"_s, home).replace(u"%i"_s, instance);
         if (line.startsWith(u"ExecStart="_s))
@@ -47,21 +48,16 @@ UnitCommand InstanceCommand(const QString &home, const QString &instance)
 void WriteSchedule(const QString &folder, const QByteArray &name)
 {
     QDir().mkpath(folder);
-    QFile script(folder + u"/job.sh"_s);
-    script.open(QIODevice::WriteOnly);
-    script.write("#!/bin/sh\npwd >> ran.txt\n");
-    script.close();
-    script.setPermissions(script.permissions() | QFile::ExeOwner);
-    QFile schedule(folder + u"/Qorlo.XML"_s);
-    schedule.open(QIODevice::WriteOnly);
-    schedule.write("<Schedule>\r\n<Current_Version>\r\n<Schedule_State>Active</Schedule_State>\r\n"
-                   "<AutoRun>Set</AutoRun>\r\n</Current_Version>\r\n<Report_Schedule>\r\n<Report>\r\n"
-                   "<ReportID>1</ReportID>\r\n<ReportName>" +
-                   name +
-                   "</ReportName>\r\n<ReportFile>job.sh</ReportFile>\r\n"
-                   "<ReportSchedule>Y</ReportSchedule>\r\n<ReportFrequency>Day(s)</ReportFrequency>\r\n"
-                   "<FreqTimes>1</FreqTimes>\r\n<NextRun>01-Jan-2026 00:00</NextRun>\r\n</Report>\r\n"
-                   "</Report_Schedule>\r\n</Schedule>\r\n");
+    WriteScript(folder + u"/job.sh"_s, "pwd >> ran.txt");
+    WriteFile(folder + u"/Qorlo.XML"_s,
+              "<Schedule>\r\n<Current_Version>\r\n<Schedule_State>Active</Schedule_State>\r\n"
+              "<AutoRun>Set</AutoRun>\r\n</Current_Version>\r\n<Report_Schedule>\r\n<Report>\r\n"
+              "<ReportID>1</ReportID>\r\n<ReportName>" +
+                  name +
+                  "</ReportName>\r\n<ReportFile>job.sh</ReportFile>\r\n"
+                  "<ReportSchedule>Y</ReportSchedule>\r\n<ReportFrequency>Day(s)</ReportFrequency>\r\n"
+                  "<FreqTimes>1</FreqTimes>\r\n<NextRun>01-Jan-2026 00:00</NextRun>\r\n</Report>\r\n"
+                  "</Report_Schedule>\r\n</Schedule>\r\n");
 }
 
 } // namespace
@@ -88,17 +84,15 @@ void TestInstances::templateUnitRunsOneScheduleEachFolder()
              qPrintable(stockDaemon.error()));
 
     for (const QString &folder : {salesFolder, stockFolder}) {
-        QVERIFY2(
-            AppTest::WaitForText(folder + u"/QorloLog.XML"_s, "Successful Execute of Application", 20000),
-            qPrintable(folder));
-        QCOMPARE(AppTest::ReadFile(folder + u"/ran.txt"_s), folder.toUtf8() + '\n');
-        QVERIFY(
-            AppTest::WaitForText(folder + u"/Web/livestat.htm"_s, "The schedule is currently active", 5000));
+        QVERIFY2(WaitForText(folder + u"/QorloLog.XML"_s, "Successful Execute of Application", 20000),
+                 qPrintable(folder));
+        QCOMPARE(ReadFile(folder + u"/ran.txt"_s), folder.toUtf8() + '\n');
+        QVERIFY(WaitForText(folder + u"/Web/livestat.htm"_s, "The schedule is currently active", 5000));
     }
-    QVERIFY(AppTest::ReadFile(salesFolder + u"/QorloLog.XML"_s).contains("Sales figures"));
-    QVERIFY(!AppTest::ReadFile(salesFolder + u"/QorloLog.XML"_s).contains("Stock levels"));
-    QVERIFY(AppTest::WaitForText(stockFolder + u"/Web/logstat.htm"_s, "Stock levels", 5000));
-    QVERIFY(!AppTest::ReadFile(stockFolder + u"/Web/logstat.htm"_s).contains("Sales figures"));
+    QVERIFY(ReadFile(salesFolder + u"/QorloLog.XML"_s).contains("Sales figures"));
+    QVERIFY(!ReadFile(salesFolder + u"/QorloLog.XML"_s).contains("Stock levels"));
+    QVERIFY(WaitForText(stockFolder + u"/Web/logstat.htm"_s, "Stock levels", 5000));
+    QVERIFY(!ReadFile(stockFolder + u"/Web/logstat.htm"_s).contains("Sales figures"));
 
     // A third process on the sales folder, named through another path, is refused.
     QVERIFY(QFile::link(salesFolder, home.path() + u"/sales-link"_s));
@@ -117,7 +111,7 @@ void TestInstances::templateUnitRunsOneScheduleEachFolder()
         QCOMPARE(daemon->process()->exitCode(), 0);
     }
     for (const QString &folder : {salesFolder, stockFolder})
-        QVERIFY(AppTest::ReadFile(folder + u"/Web/livestat.htm"_s).contains("QorloMANAGER shutdown at "));
+        QVERIFY(ReadFile(folder + u"/Web/livestat.htm"_s).contains("QorloMANAGER shutdown at "));
 }
 
 QORLO_TEST_MAIN(TestInstances)

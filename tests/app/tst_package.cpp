@@ -1,4 +1,5 @@
-#include "AppTestSupport.h"
+#include "Files.h"
+#include "Peers.h"
 #include "TestMain.h"
 
 #include <QDir>
@@ -94,21 +95,17 @@ void TestPackage::installedPackageRunsTheExample()
     // The installed program on a copy of the installed example, as an operator would try it.
     const QString app = work.filePath(u"example"_s);
     QCOMPARE(Run(u"cp"_s, {u"-a"_s, root + u"/usr/share/doc/qorlomanager/examples"_s, app}).exitCode, 0);
-    QProcessEnvironment environment = AppTest::DaemonEnvironment(work.filePath(u"home"_s));
+    QProcessEnvironment environment = OwnProgramEnvironment(work.filePath(u"home"_s));
     environment.insert(u"QORLO_APP_FOLDER"_s, app);
     PeerProcess daemon;
     QVERIFY2(daemon.start(root + u"/usr/bin/qorlomanagerd"_s, {}, QString(), 5000, environment),
              qPrintable(daemon.error()));
-    QString report;
-    const QDeadlineTimer deadline(90000);
-    while (report.isEmpty() && !deadline.hasExpired()) {
-        QTest::qWait(500);
-        report = OnlyFile(app + u"/Output"_s, u"sales-*.pdf"_s);
-    }
-    QVERIFY2(!report.isEmpty(), AppTest::ReadFile(app + u"/QorloLog.XML"_s).constData());
-    QVERIFY(AppTest::WaitForText(report, "%%EOF", 10000));
-    QVERIFY(AppTest::ReadFile(report).startsWith("%PDF-"));
-    QVERIFY(AppTest::WaitForText(app + u"/QorloLog.XML"_s, "Successful output to Output/sales-", 10000));
+    const auto written = [&] { return !OnlyFile(app + u"/Output"_s, u"sales-*.pdf"_s).isEmpty(); };
+    QVERIFY2(WaitUntil(written, 90000), ReadFile(app + u"/QorloLog.XML"_s).constData());
+    const QString report = OnlyFile(app + u"/Output"_s, u"sales-*.pdf"_s);
+    QVERIFY(WaitForText(report, "%%EOF", 10000));
+    QVERIFY(ReadFile(report).startsWith("%PDF-"));
+    QVERIFY(WaitForText(app + u"/QorloLog.XML"_s, "Successful output to Output/sales-", 10000));
     QVERIFY(QFile::exists(app + u"/Help/guide/index.html"_s));
     QVERIFY(QFile::exists(app + u"/Help/connect.htm"_s));
     daemon.stop();

@@ -168,51 +168,43 @@ void TestMXQuery::craftedAnswers()
 
 void TestMXQuery::answersThatStopTheWalk()
 {
-    {
-        CraftedDns dns([](const QByteArray &query) -> QByteArray {
-            return Reply(query, 2) + Record(kQuestionPointer, 5, Labels(u"alias.example.com"_s) + '\0') +
-                   Record(kQuestionPointer, 15, Mx(10, Labels(u"mx.example.com"_s) + '\0'));
-        });
-        useServer(dns);
-        QCOMPARE(modMXQuery::ResolveMX(u"example.com"_s), QString());
-        QVERIFY(modMXQuery::MXRecords().isEmpty());
-        QVERIFY(!dns.query().isEmpty());
-    }
-    {
+    // The number of answers and their records, the best host and the number of records kept.
+    const std::tuple<int, QByteArray, QString, qsizetype> cases[] = {
+        // A CNAME first: the walk reads no MX record.
+        {2,
+         Record(kQuestionPointer, 5, Labels(u"alias.example.com"_s) + '\0') +
+             Record(kQuestionPointer, 15, Mx(10, Labels(u"mx.example.com"_s) + '\0')),
+         QString(), 0},
         // An owner name spelled out instead of a pointer puts the walk off its track.
-        CraftedDns dns([](const QByteArray &query) -> QByteArray {
-            const QByteArray owner = Labels(u"example.com"_s) + '\0';
-            return Reply(query, 1) + Record(owner, 15, Mx(10, Labels(u"mx"_s) + kQuestionPointer));
-        });
+        {1, Record(Labels(u"example.com"_s) + '\0', 15, Mx(10, Labels(u"mx"_s) + kQuestionPointer)),
+         QString(), 0},
+        // A host name ending in a zero byte leaves the position one short: only the first record counts.
+        {2,
+         Record(kQuestionPointer, 15, Mx(20, Labels(u"mx2.example.com"_s) + '\0')) +
+             Record(kQuestionPointer, 15, Mx(10, Labels(u"mx1"_s) + kQuestionPointer)),
+         u"mx2.example.com"_s, 1}};
+    for (const auto &[answers, records, best, kept] : cases) {
+        CraftedDns dns(
+            [&](const QByteArray &query) -> QByteArray { return Reply(query, answers) + records; });
         useServer(dns);
-        QCOMPARE(modMXQuery::ResolveMX(u"example.com"_s), QString());
+        QCOMPARE(modMXQuery::ResolveMX(u"example.com"_s), best);
+        QCOMPARE(modMXQuery::MXRecords().size(), kept);
         QVERIFY(!dns.query().isEmpty());
     }
-    {
-        // A host name ending in a zero byte leaves the position one short: only the first record counts.
-        CraftedDns dns([](const QByteArray &query) -> QByteArray {
-            return Reply(query, 2) +
-                   Record(kQuestionPointer, 15, Mx(20, Labels(u"mx2.example.com"_s) + '\0')) +
-                   Record(kQuestionPointer, 15, Mx(10, Labels(u"mx1"_s) + kQuestionPointer));
-        });
-        useServer(dns);
-        QCOMPARE(modMXQuery::ResolveMX(u"example.com"_s), u"mx2.example.com"_s);
-        QCOMPARE(modMXQuery::MXRecords().size(), 1);
-    }
-    // A pointer to itself and a name running past the packet end the reading without harm.
-    QString text;
+    // A pointer to itself and a name running past the packet end the reading without harm; only 192 is
+    // a pointer: 193 is taken as a label length.
+    const auto read = [](const char *hex, int &position) {
+        QString text;
+        modMXQuery::ReadDomainName(QByteArray::fromHex(hex), position, text);
+        return text;
+    };
     int position = 0;
-    modMXQuery::ReadDomainName(QByteArray::fromHex("c000"), position, text);
+    read("c000", position);
     QCOMPARE(position, 2);
     position = 0;
-    text.clear();
-    modMXQuery::ReadDomainName(QByteArray::fromHex("05616263"), position, text);
-    QCOMPARE(text, u"abc\u0000\u0000"_s);
-    // Only 192 is a pointer: 193 is taken as a label length.
+    QCOMPARE(read("05616263", position), u"abc\u0000\u0000"_s);
     position = 0;
-    text.clear();
-    modMXQuery::ReadDomainName(QByteArray::fromHex("c100"), position, text);
-    QCOMPARE(text.size(), 193);
+    QCOMPARE(read("c100", position).size(), 193);
 }
 
 void TestMXQuery::silentServerAndRefusals()

@@ -42,10 +42,7 @@ struct MultiApp : RunObjects
     {
         addSalesItem(smtpPort);
         schedule.SetDest(u"M"_s);
-        schedule.ParmAddNew();
-        schedule.SetParmReportID(u"7"_s);
-        schedule.SetParmName(u"Least"_s);
-        schedule.SetParmValue(u"1000"_s);
+        storeParameter(u"7"_s, u"Least"_s, u"1000"_s);
         const QString db = path(u"sales.db"_s);
         {
             QSqlDatabase sql = QSqlDatabase::addDatabase(u"QSQLITE"_s, db);

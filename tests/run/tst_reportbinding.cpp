@@ -43,13 +43,6 @@ struct Fixture : RunObjects
         state.report = state.application->OpenReport(path);
         return *state.report;
     }
-    void store(const QString &reportID, const QString &name, const QString &value)
-    {
-        schedule.ParmAddNew();
-        schedule.SetParmReportID(reportID);
-        schedule.SetParmName(name);
-        schedule.SetParmValue(value);
-    }
 };
 
 QString Table(const QString &name, const QString &properties)
@@ -133,10 +126,10 @@ void TestReportBinding::storedParameters()
     for (const auto &[name, type, value, expected] : cases) {
         body += u"<parameter name=\"%1\" type=\"%2\" multiple=\"true\"/>"_s.arg(name).arg(type);
         // Stored in small letters: a field is found by its name in any case.
-        f.store(u"7"_s, name.toLower(), value);
+        f.storeParameter(u"7"_s, name.toLower(), value);
     }
-    f.store(u"7"_s, u"Nobody"_s, u"x"_s);
-    f.store(u"8"_s, u"Text"_s, u"another item's"_s);
+    f.storeParameter(u"7"_s, u"Nobody"_s, u"x"_s);
+    f.storeParameter(u"8"_s, u"Text"_s, u"another item's"_s);
 
     Engine::Report &report = f.open(body);
     SetParameters(f.run, QString());

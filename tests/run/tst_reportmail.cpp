@@ -1,4 +1,5 @@
 #include "AppObjects.h"
+#include "SalesReport.h"
 #include "SmtpPeer.h"
 #include "TestClocks.h"
 #include "TestMain.h"
@@ -12,8 +13,6 @@
 
 #include <QDir>
 #include <QJsonArray>
-#include <QSqlDatabase>
-#include <QSqlQuery>
 
 using namespace Qt::Literals::StringLiterals;
 
@@ -48,37 +47,6 @@ private:
 
 namespace {
 
-const char kReport[] = R"(<?xml version="1.0" encoding="UTF-8"?>
-<report version="1">
-  <title>Sales by Region</title>
-  <table name="Sales" location="sales" dll="sqlite"><property name="Database">sales.db</property></table>
-  <parameter name="Region" type="12" multiple="true" prompt="Regions"/>
-  <query>SELECT region, customer, amount FROM {Sales} WHERE region IN ({?Region}) ORDER BY region, customer</query>
-  <layout>
-    <page size="A4" orientation="portrait"/>
-    <pageFooter>Page {PageNumber} of {TotalPages}</pageFooter>
-    <column field="customer" caption="Customer" width="160"/>
-    <column field="amount" caption="Amount" width="90" align="right" format="#,##0.00"/>
-    <group field="region" caption="Region: {value}" newPage="true"><subtotal field="amount"/></group>
-    <grandTotal field="amount"/>
-  </layout>
-</report>
-)";
-
-void WriteDatabase(const QString &path)
-{
-    {
-        QSqlDatabase db = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"reportmail"_s);
-        db.setDatabaseName(path);
-        db.open();
-        QSqlQuery query(db);
-        query.exec(u"CREATE TABLE sales (id INTEGER PRIMARY KEY, region TEXT, customer TEXT, amount REAL)"_s);
-        query.exec(u"INSERT INTO sales (region, customer, amount) VALUES ('North', 'Alder Ltd', 120.5), "
-                   "('North', 'Birch plc', 80), ('South', 'Cedar & Sons', 42.25)"_s);
-    }
-    QSqlDatabase::removeDatabase(u"reportmail"_s);
-}
-
 QString BodyText(const QJsonObject &parsed)
 {
     return PartOf(parsed, 0).value(u"text"_s).toString();
@@ -91,8 +59,14 @@ void TestReportMail::initTestCase()
     ShortMailTimeouts();
     m_peerUp = m_peer.start();
     QVERIFY2(m_peerUp || !m_peer.timedOut(), qPrintable(m_peer.error()));
-    WriteDatabase(m_reports.filePath(u"sales.db"_s));
-    m_report = m_engine.OpenReport(WriteFile(m_reports.filePath(u"sales.rpt"_s), kReport));
+    // North and South on a page each.
+    MakeSalesDatabase(m_reports.filePath(u"sales.db"_s));
+    m_report = m_engine.OpenReport(SalesReport(
+        QDir(m_reports.path()), u"sales.rpt"_s,
+        u"SELECT region, customer, amount FROM {Sales} WHERE region IN ({?Region}) ORDER BY region, customer"_s,
+        u"<parameter name=\"Region\" type=\"12\" multiple=\"true\"/><layout>"
+        "<column field=\"customer\" width=\"160\"/><column field=\"amount\" width=\"90\"/>"
+        "<group field=\"region\" newPage=\"true\"/></layout>"_s));
     Engine::ParameterFieldDefinition &region = m_report->ParameterFields().Item(1);
     region.AddCurrentValue(u"North"_s);
     region.AddCurrentValue(u"South"_s);
@@ -134,11 +108,11 @@ void TestReportMail::reportByFormat_data()
     const QStringList none;
     QTest::newRow("csv in body") << u"In Body"_s << int(Engine::CharSeparatedFormat) << u"csv"_s
                                  << u"text/plain"_s << none
-                                 << u"'North'|'Alder Ltd'|120.5\n'North'|'Birch plc'|80\n"_s;
+                                 << u"'North'|'Acme Ltd'|120.5\n'North'|'O''Brien \"Tools\"'|1500.25\n"_s;
     QTest::newRow("text in body") << u"In Body"_s << int(Engine::TextFormat) << u"txt"_s << u"text/plain"_s
-                                  << none << u"Cedar & Sons"_s;
+                                  << none << u"O'Brien \"Tools\""_s;
     QTest::newRow("html page in body")
-        << u"In Body"_s << int(Engine::HtmlFormat) << u"html"_s << u"text/html"_s << none << u"Alder Ltd"_s;
+        << u"In Body"_s << int(Engine::HtmlFormat) << u"html"_s << u"text/html"_s << none << u"Acme Ltd"_s;
     QTest::newRow("html pages in body")
         << u"In Body"_s << int(Engine::DhtmlFormat) << u"html"_s << u"multipart/related"_s
         << QStringList{u"sales2.html"_s} << u"\"cid:sales2.html\""_s;
@@ -236,31 +210,27 @@ void TestReportMail::scheduleForTheMailCode()
     // A send that fails is written in the run log against the running item, with its next run; the
     // line end of the mail client's error list becomes a blank in the one-line entry.
     MailApp app(1);
-    SendReportMail({app.schedule, app.log, m_report.get()}, QStringLiteral("not an address"), QString(),
-                   QString());
+    SendReportMail({app.schedule, app.log, m_report.get()}, u"not an address"_s, QString(), QString());
     QCOMPARE(app.logEntries(), QStringList{QStringLiteral("7|Sales: Error Sending Email (Missing or Invalid "
                                                           "Recipient E-mail Address )|02-Mar-2026 06:00")});
 
-    app.schedule.SMTPAuthentication = QStringLiteral("Yes");
-    app.schedule.SMTPUser = QStringLiteral("mailer");
-    app.schedule.SMTPPassword = QStringLiteral("s3cret");
-    app.schedule.SMTP_Encryption = QStringLiteral("STARTTLS");
+    app.schedule.SMTPAuthentication = u"Yes"_s;
+    app.schedule.SMTPUser = u"mailer"_s;
+    app.schedule.SMTPPassword = u"s3cret"_s;
+    app.schedule.SMTP_Encryption = u"STARTTLS"_s;
     const SmtpSettings settings = MailSources::ServerSettings(app.schedule);
     QCOMPARE(QStringList({settings.server, settings.from, QString::number(settings.port), settings.encryption,
                           settings.authentication, settings.user, settings.password}),
-             QStringList({QStringLiteral("127.0.0.1"), QStringLiteral("scheduler@example.com"),
-                          QStringLiteral("1"), QStringLiteral("STARTTLS"), QStringLiteral("Yes"),
-                          QStringLiteral("mailer"), QStringLiteral("s3cret")}));
+             QStringList({u"127.0.0.1"_s, u"scheduler@example.com"_s, u"1"_s, u"STARTTLS"_s, u"Yes"_s,
+                          u"mailer"_s, u"s3cret"_s}));
 
     // Address lists: the schedule's folder and shortcuts; a missing list is logged against the item
     // processed when it is found missing.
-    app.schedule.SaveDomain(9, QStringLiteral("example.net"));
+    app.schedule.SaveDomain(9, u"example.net"_s);
     const AddressList::Sources sources = MailSources::ListSources(app.schedule, app.log);
-    app.schedule.ProcessingID = QStringLiteral("17");
-    QCOMPARE(AddressList::ExpandAddressList(QStringLiteral("a@9;<gone.lst>"), sources),
-             QStringLiteral("a@example.net;<gone.lst>"));
-    QCOMPARE(app.logEntries().last(),
-             QStringLiteral("17|Cannot find list file: ") + app.path(QStringLiteral("gone.lst")) + u'|');
+    app.schedule.ProcessingID = u"17"_s;
+    QCOMPARE(AddressList::ExpandAddressList(u"a@9;<gone.lst>"_s, sources), u"a@example.net;<gone.lst>"_s);
+    QCOMPARE(app.logEntries().last(), u"17|Cannot find list file: "_s + app.path(u"gone.lst"_s) + u'|');
 }
 
 void TestReportMail::noDataChoices()

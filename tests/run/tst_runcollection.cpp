@@ -23,21 +23,10 @@ private Q_SLOTS:
 
 namespace {
 
+// An item due on 01-Apr-2026 06:00.
 void AddItem(clsSchedule &schedule, const QString &id, const QString &name, const QString &file)
 {
-    schedule.AddNew();
-    schedule.SetReportID(id);
-    schedule.SetName(name);
-    schedule.SetFile(file);
-    schedule.SetNextRun(u"01-Apr-2026 06:00"_s);
-}
-
-void AddParameter(clsSchedule &schedule, const QString &id, const QString &value)
-{
-    schedule.ParmAddNew();
-    schedule.SetParmReportID(id);
-    schedule.SetParmName(u"Region"_s);
-    schedule.SetParmValue(value);
+    TestSupport::AddItem(schedule, {id, name, file, u"D"_s, u"1"_s, u"01-Apr-2026 06:00"_s});
 }
 
 void AddMember(clsSchedule &schedule, const QString &collection, const QString &member)
@@ -74,8 +63,8 @@ void TestRunCollection::membersRunInOrder()
     schedule.SetLocation(app.path(u"Output/%c/sales.csv"_s));
     AddItem(schedule, u"3"_s, u"Step"_s, app.path(u"step.sh"_s));
     AddItem(schedule, u"4"_s, u"Global"_s, app.path(u"command.xml"_s));
-    AddParameter(schedule, u"1"_s, u"South"_s);
-    AddParameter(schedule, u"2"_s, u"North"_s);
+    app.storeParameter(u"1"_s, u"Region"_s, u"South"_s);
+    app.storeParameter(u"2"_s, u"Region"_s, u"North"_s);
     AddMember(schedule, u"1"_s, u"3"_s);
     AddMember(schedule, u"9"_s, u"2"_s); // another collection's row
     AddMember(schedule, u"1"_s, u"2"_s);

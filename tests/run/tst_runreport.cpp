@@ -119,10 +119,7 @@ void TestRunReport::runsThatEndEarly()
     RunApp parameter;
     parameter.writeReport(u"SELECT customer FROM {Sales} WHERE amount > {?Least}"_s,
                           u"<parameter name=\"Least\" type=\"7\"/>"_s);
-    parameter.schedule.ParmAddNew();
-    parameter.schedule.SetParmReportID(u"7"_s);
-    parameter.schedule.SetParmName(u"least"_s);
-    parameter.schedule.SetParmValue(u"many"_s);
+    parameter.storeParameter(u"7"_s, u"least"_s, u"many"_s);
     parameter.runItem();
     QCOMPARE(parameter.logEntries(), QStringList{u"7|Sales: ERROR: Parameter must be numeric"_s});
 

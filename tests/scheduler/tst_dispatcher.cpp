@@ -52,28 +52,41 @@ double At(int day, int hour, int minute)
     return DayDate::FromParts(2026, 11, 23 + day, hour, minute);
 }
 
+// An application folder with its working folders and the script a.sh, the clock at 23-Nov-2026 10:00,
+// and the program's objects on it, every question answered Yes.
+struct Program
+{
+    Program()
+    {
+        AppFolder::MakeWorkingFolders(app.path());
+        WriteScript(app.filePath(u"a.sh"_s), "true");
+    }
+
+    QTemporaryDir app;
+    FixedClock clock{DayDate::ToDateTime(At(0, 10, 0))};
+    ClockGuard guard{clock};
+    TestPrompter prompter{true};
+    QorloGlobals globals{app.path(), prompter};
+    clsSchedule &schedule = globals.Schedule;
+};
+
 } // namespace
 
 // A week of ticks one minute apart over applications, a missing file, a report, a global process, a
 // one-off item, an unscheduled one and an overdue one, behind a start timer and ended by a stop timer.
 void TestDispatcher::simulatedWeek()
 {
-    QTemporaryDir app;
-    AppFolder::MakeWorkingFolders(app.path());
+    Program program;
+    auto &[app, clock, guard, prompter, globals, schedule] = program;
+    clock.set(DayDate::ToDateTime(At(0, 8, 0)));
     QDir(app.path()).mkdir(u"my tools"_s);
     const QString argsFile = app.filePath(u"global-args.txt"_s);
     WriteScript(app.filePath(u"my tools/global.sh"_s), "printf '%s|' \"$@\" >> '" + argsFile.toUtf8() + "'");
     TWReg::SaveApplicationValue(u"QorloGLOBAL"_s, app.filePath(u"my tools/global.sh"_s));
-    for (const char *name : {"a.sh", "b.sh", "c.sh"})
+    for (const char *name : {"b.sh", "c.sh"})
         WriteScript(app.filePath(QLatin1String(name)), "true");
     WriteFile(app.filePath(u"sales.rpt"_s), "<Report/>");
     WriteFile(app.filePath(u"cmd doc.xml"_s), "<Doc/>");
-
-    FixedClock clock(DayDate::ToDateTime(At(0, 8, 0)));
-    ClockGuard guard(clock);
-    TestPrompter prompter(true);
-    QorloGlobals globals(app.path(), prompter);
-    clsSchedule &schedule = globals.Schedule;
     const QString missing = app.filePath(u"missing.exe"_s);
     const QString global = app.filePath(u"cmd doc.xml"_s);
     AddItem(schedule,
@@ -182,15 +195,9 @@ void TestDispatcher::simulatedWeek()
 // The timers' edge cases, with the caption and menu state they leave.
 void TestDispatcher::timersAndCaption()
 {
-    QTemporaryDir app;
-    AppFolder::MakeWorkingFolders(app.path());
-    WriteScript(app.filePath(u"a.sh"_s), "true");
-    FixedClock clock(DayDate::ToDateTime(At(0, 10, 0)));
-    ClockGuard guard(clock);
-    TestPrompter prompter(true);
-    QorloGlobals globals(app.path(), prompter);
+    Program program;
+    auto &[app, clock, guard, prompter, globals, schedule] = program;
     auto &view = static_cast<ListScheduleView &>(globals.View());
-    clsSchedule &schedule = globals.Schedule;
     globals.Log.ApplyStartDefaults();
 
     globals.ViewTable();
@@ -246,14 +253,8 @@ void TestDispatcher::timersAndCaption()
 // Run Now and the editors: refusals during a run, NextRun kept, the schedule stopped and restarted.
 void TestDispatcher::runNowAndEditing()
 {
-    QTemporaryDir app;
-    AppFolder::MakeWorkingFolders(app.path());
-    WriteScript(app.filePath(u"a.sh"_s), "true");
-    FixedClock clock(DayDate::ToDateTime(At(0, 10, 0)));
-    ClockGuard guard(clock);
-    TestPrompter prompter(true);
-    QorloGlobals globals(app.path(), prompter);
-    clsSchedule &schedule = globals.Schedule;
+    Program program;
+    auto &[app, clock, guard, prompter, globals, schedule] = program;
     AddItem(schedule, {u"1"_s, u"AppA"_s, app.filePath(u"a.sh"_s), u"D"_s, u"1"_s, u"25-Nov-2026 09:00"_s});
     AddItem(schedule, {u"2"_s, u"AppB"_s, app.filePath(u"a.sh"_s), u"D"_s, u"1"_s, u"25-Nov-2026 09:00"_s});
     schedule.Active = true;
@@ -298,10 +299,8 @@ void TestDispatcher::runNowAndEditing()
 // in SMTP.Log; a remote document that fails ends the tick through the fatal box and stays in place.
 void TestDispatcher::commandFolders()
 {
-    QTemporaryDir app;
-    AppFolder::MakeWorkingFolders(app.path());
-    TestPrompter prompter(true);
-    QorloGlobals globals(app.path(), prompter);
+    Program program;
+    auto &[app, clock, guard, prompter, globals, schedule] = program;
     globals.Log.ApplyStartDefaults();
     Dispatcher dispatcher(globals, 50);
     WriteFile(app.filePath(u"Remote/hold.LCK"_s), "");

@@ -42,7 +42,10 @@ namespace {
 struct Start
 {
     explicit Start(const QString &appPath) : globals(appPath, prompter) {}
-    bool run() { return StartUp(globals, instance, dispatcher, globals.PathOf(u"qorlomanagerd"_s)); }
+    bool run(const QString &program = u"qorlomanagerd"_s)
+    {
+        return StartUp(globals, instance, dispatcher, globals.PathOf(program));
+    }
 
     TestPrompter prompter{true};
     QorloGlobals globals;
@@ -63,16 +66,13 @@ void TestStartUp::initTestCase()
 void TestStartUp::firstStartAndSecondInstance()
 {
     QTemporaryDir app;
-    TestPrompter prompter(true);
-    QorloGlobals globals(app.path(), prompter);
-    SingleInstance instance;
-    Dispatcher dispatcher(globals);
-    QVERIFY(StartUp(globals, instance, dispatcher, app.filePath(u"qorlomanagerd"_s)));
-    QCOMPARE(prompter.messages,
+    Start first(app.path());
+    QVERIFY(first.run());
+    QCOMPARE(first.prompter.messages,
              (QStringList{u"Printer Setup: Warning - No printers configured"_s,
                           u"QorloMANAGER: No Data in Schedule"_s,
                           u"SMTP Server settings: Please enter your mail connection details"_s}));
-    QVERIFY(prompter.questions.isEmpty());
+    QVERIFY(first.prompter.questions.isEmpty());
     QCOMPARE(QDir(app.path()).entryList(QDir::Dirs | QDir::NoDotAndDotDot, QDir::Name),
              (QStringList{u"Backup"_s, u"Help"_s, u"Mail"_s, u"Multirun"_s, u"Output"_s, u"Remote"_s,
                           u"SMTP"_s, u"Spool"_s, u"Web"_s}));
@@ -83,12 +83,9 @@ void TestStartUp::firstStartAndSecondInstance()
     QCOMPARE(TWReg::ReadApplicationValue(u"RemoteFolder"_s), app.filePath(u"Remote"_s));
     QCOMPARE(TWReg::ReadApplicationValue(u"LogFolder"_s), app.filePath(u"Remote"_s));
 
-    TestPrompter secondPrompter(true);
-    QorloGlobals second(app.path() + u"/Web/.."_s, secondPrompter);
-    SingleInstance secondInstance;
-    Dispatcher secondDispatcher(second);
-    QVERIFY(!StartUp(second, secondInstance, secondDispatcher, app.filePath(u"qorlomanagerd"_s)));
-    QCOMPARE(secondPrompter.messages,
+    Start second(app.path() + u"/Web/.."_s);
+    QVERIFY(!second.run());
+    QCOMPARE(second.prompter.messages,
              QStringList{u"QorloMANAGER: QorloMANAGER already running\r\n"
                          u"Resume previous instance or wait 5 minutes and try again"_s});
 }
@@ -110,14 +107,13 @@ void TestStartUp::savedStateAndElection()
                                                    "RetainLog>\r\n<CheckRetainLog>M</CheckRetainLog>\r\n"
                                                    "</LogHeader>\r\n</QorloLogDoc>\r\n");
     }
-    TestPrompter prompter(true);
-    prompter.answer = false;
-    QorloGlobals globals(app.path(), prompter);
-    SingleInstance instance;
-    Dispatcher dispatcher(globals);
-    QVERIFY(StartUp(globals, instance, dispatcher, app.filePath(u"qorlomanager"_s)));
-    QCOMPARE(prompter.questions, QStringList{u"Previously active: Schedule was active prior to shutdown\r\n"
-                                             u"Do you wish to activate Schedule?"_s});
+    Start start(app.path());
+    start.prompter.answer = false;
+    QVERIFY(start.run(u"qorlomanager"_s));
+    QorloGlobals &globals = start.globals;
+    QCOMPARE(start.prompter.questions,
+             QStringList{u"Previously active: Schedule was active prior to shutdown\r\n"
+                         u"Do you wish to activate Schedule?"_s});
     QVERIFY(!globals.Schedule.Active);
     QCOMPARE(globals.Schedule.Count(), 1);
     QCOMPARE(globals.Log.RetainLog, 30);

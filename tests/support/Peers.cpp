@@ -1,5 +1,7 @@
 #include "Peers.h"
 
+#include "Files.h"
+
 #include <QDeadlineTimer>
 #include <QStandardPaths>
 #include <QTcpServer>
@@ -36,6 +38,21 @@ QString DebianPython()
 QString PeerScript(const QString &name)
 {
     return QStringLiteral(QORLO_PEERS_DIR "/") + name;
+}
+
+QProcessEnvironment OwnProgramEnvironment(const QString &home)
+{
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(u"HOME"_s, home);
+    environment.insert(u"XDG_CONFIG_HOME"_s, home + u"/.config"_s);
+    environment.insert(u"CUPS_SERVER"_s, u"127.0.0.1:"_s + QString::number(FreePort()));
+    environment.remove(u"QORLO_APP_FOLDER"_s);
+    return environment;
+}
+
+bool WaitForText(const QString &file, const QByteArray &text, int ms)
+{
+    return WaitUntil([&] { return ReadFile(file).contains(text); }, ms);
 }
 
 QString FindProgram(const QString &name, const QStringList &extraFolders)

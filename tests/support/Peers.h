@@ -20,6 +20,11 @@ QString DebianPython();
 QString PeerScript(const QString &name);
 // The program's path when it is installed, else empty.
 QString FindProgram(const QString &name, const QStringList &extraFolders = {});
+// The environment for one of this project's programs started by a test: its own HOME and settings
+// below `home`, and no print server, so that its start-up warns and goes on at once.
+QProcessEnvironment OwnProgramEnvironment(const QString &home);
+// Pumps events until a file that a started program writes holds `text`; false when `ms` ran out first.
+bool WaitForText(const QString &file, const QByteArray &text, int ms);
 
 // A peer program started for one test and stopped at the end of its scope.
 class PeerProcess

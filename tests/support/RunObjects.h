@@ -21,6 +21,14 @@ struct RunObjects : AppObjects
         AppObjects::addSalesItem(smtpPort);
         MakeSalesDatabase(path(QStringLiteral("sales.db")));
     }
+    // A stored value of the parameter `name` of item `reportID`.
+    void storeParameter(const QString &reportID, const QString &name, const QString &value)
+    {
+        schedule.ParmAddNew();
+        schedule.SetParmReportID(reportID);
+        schedule.SetParmName(name);
+        schedule.SetParmValue(value);
+    }
 
     clsConnect connections{appPath};
     clsMap tableMap{appPath};
