@@ -45,11 +45,14 @@ QVariant ReportContext::named(const NameRef &name) const
     switch (name.kind) {
     case NameRef::RecordField: return field(name.index);
     case NameRef::FormulaField: {
-        m_formulaValues.resize(std::max(m_formulaValues.size(), size_t(name.index) + 1));
-        std::optional<QVariant> &value = m_formulaValues[size_t(name.index)];
-        if (!value)
-            value = m_formulas.formulaField(name.index).evaluate(*this);
-        return *value;
+        const auto slot = size_t(name.index);
+        m_formulaValues.resize(std::max(m_formulaValues.size(), slot + 1));
+        // Indexed again after the evaluation: a formula that uses a later one grows the cache under it.
+        if (!m_formulaValues[slot]) {
+            QVariant value = m_formulas.formulaField(name.index).evaluate(*this);
+            m_formulaValues[slot] = std::move(value);
+        }
+        return *m_formulaValues[slot];
     }
     case NameRef::RunningTotal: return m_running ? m_running->value(name.index) : QVariant();
     case NameRef::Special: return special(name.index);
