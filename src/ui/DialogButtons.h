@@ -3,7 +3,9 @@
 
 #include <QDialog>
 #include <QDialogButtonBox>
+#include <QFormLayout>
 #include <QPushButton>
+#include <QVBoxLayout>
 #include <utility>
 
 template <typename Slot>
@@ -22,4 +24,15 @@ inline QPushButton *AddExitButton(QDialogButtonBox *buttons, QDialog *window)
     return AddButton(
         buttons, "cmdExit", QStringLiteral("E&xit"), [window] { window->reject(); },
         QDialogButtonBox::RejectRole);
+}
+
+// A settings window: its fields above a row of Save, which runs `save`, and Exit.
+template <typename Slot> void LayOutSettings(QDialog *window, QFormLayout *fields, Slot &&save)
+{
+    auto *buttons = new QDialogButtonBox(window);
+    AddButton(buttons, "cmdSave", QStringLiteral("&Save"), std::forward<Slot>(save));
+    AddExitButton(buttons, window);
+    auto *layout = new QVBoxLayout(window);
+    layout->addLayout(fields);
+    layout->addWidget(buttons);
 }

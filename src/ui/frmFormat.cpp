@@ -8,10 +8,8 @@
 #include "scheduler/QorloGlobals.h"
 
 #include <QComboBox>
-#include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLineEdit>
-#include <QVBoxLayout>
 
 frmFormat::frmFormat(QorloGlobals &globals, QWidget *parent) : QDialog(parent), m_globals(globals)
 {
@@ -27,12 +25,7 @@ frmFormat::frmFormat(QorloGlobals &globals, QWidget *parent) : QDialog(parent), 
     fields->addRow(QStringLiteral("Crystal Reports Export"), cmbCrystal);
     fields->addRow(QStringLiteral("Characters per Inch"), txtCPI);
     fields->addRow(QStringLiteral("Lines Per Page"), txtPage);
-    auto *buttons = new QDialogButtonBox(this);
-    AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    AddExitButton(buttons, this);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(fields);
-    layout->addWidget(buttons);
+    LayOutSettings(this, fields, [this] { cmdSave_Click(); });
     LoadSettings();
 }
 

@@ -10,10 +10,8 @@
 
 #include <QComboBox>
 #include <QDateEdit>
-#include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QLineEdit>
-#include <QVBoxLayout>
 
 frmLogSetting::frmLogSetting(QorloGlobals &globals, QWidget *parent) : QDialog(parent), m_globals(globals)
 {
@@ -32,12 +30,7 @@ frmLogSetting::frmLogSetting(QorloGlobals &globals, QWidget *parent) : QDialog(p
     fields->addRow(QStringLiteral("Next check Log File entries on "), dtDelete);
     fields->addRow(QStringLiteral("Review Log Entries"), cmbReview);
     fields->addRow(QStringLiteral("Display Web Log"), cmbWebLog);
-    auto *buttons = new QDialogButtonBox(this);
-    AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    AddExitButton(buttons, this);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(fields);
-    layout->addWidget(buttons);
+    LayOutSettings(this, fields, [this] { cmdSave_Click(); });
     LoadSettings();
 }
 

@@ -10,7 +10,6 @@
 #include <QButtonGroup>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -18,7 +17,6 @@
 #include <QLineEdit>
 #include <QRadioButton>
 #include <QSpinBox>
-#include <QVBoxLayout>
 
 namespace {
 
@@ -68,12 +66,7 @@ frmSettings::frmSettings(QorloGlobals &globals, QWidget *parent) : QDialog(paren
     // Wide enough for the address of a web host.
     txtKnowledgebase->setMinimumWidth(txtKnowledgebase->fontMetrics().averageCharWidth() * 50);
     fields->addRow(QStringLiteral("Knowledgebase host"), txtKnowledgebase);
-    auto *buttons = new QDialogButtonBox(this);
-    AddButton(buttons, "cmdSave", QStringLiteral("&Save"), [this] { cmdSave_Click(); });
-    AddExitButton(buttons, this);
-    auto *layout = new QVBoxLayout(this);
-    layout->addLayout(fields);
-    layout->addWidget(buttons);
+    LayOutSettings(this, fields, [this] { cmdSave_Click(); });
     LoadSettings();
 }
 
