@@ -44,6 +44,23 @@ template <class Window> QWidget *Settings(Stage &stage)
     return window;
 }
 
+// Two log-ons of the kinds the guide describes, the PostgreSQL one on show.
+QWidget *Connections(Stage &stage)
+{
+    clsConnect &connections = stage.globals.Connections;
+    const auto add = [&](const char *driver, const char *server, const char *database, const char *user) {
+        connections.AddNew();
+        connections.SetDLL(QLatin1String(driver));
+        connections.SetServer(QLatin1String(server));
+        connections.SetDatabase(QLatin1String(database));
+        connections.SetUser(QLatin1String(user));
+        connections.SetPassword(QStringLiteral("secret"));
+    };
+    add("psql", "db.example.com", "sales", "reports");
+    add("odbc", "SalesWarehouse", "sales", "reports");
+    return Settings<frmConnect>(stage);
+}
+
 QWidget *MainWindow(Stage &stage)
 {
     stage.Select(QStringLiteral("3"));
@@ -184,7 +201,7 @@ const QList<Shot> &Shots()
         {"frmFind", FindReplace},
         {"frmLog", RunLog},
         {"frmLogSetting", Settings<frmLogSetting>},
-        {"frmConnect", Settings<frmConnect>},
+        {"frmConnect", Connections},
         {"frmTableMap", TableMap},
         {"frmCrystal", Viewer},
         {"frmAlert10", Alerts},

@@ -8,6 +8,7 @@
 #include "ui/ItemWindows.h"
 #include "ui/frmMain.h"
 
+#include <QDir>
 #include <QTemporaryDir>
 
 struct Stage
@@ -17,7 +18,8 @@ struct Stage
     // The item's place in the schedule, with the cursor on it and its row selected in the main window.
     int Select(const QString &reportID);
 
-    QTemporaryDir folder;
+    // Named so that paths on show read as an application folder's.
+    QTemporaryDir folder{QDir::tempPath() + QStringLiteral("/QorloMANAGER-XXXXXX")};
     // Boxes and questions are answered Yes without being shown.
     TestSupport::TestPrompter prompter{true};
     QorloGlobals globals{folder.path(), prompter};
