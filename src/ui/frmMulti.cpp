@@ -2,7 +2,7 @@
 #include "frmMulti.h"
 
 #include "DialogButtons.h"
-#include "HelpPage.h"
+#include "DesktopOpen.h"
 #include "MultiRunCells.h"
 #include "ReportParameters.h"
 #include "TabOrder.h"
@@ -111,7 +111,7 @@ void frmMulti::BuildMenus(QMenuBar *menus)
     add(sort, "mnuSortDest", QStringLiteral("By &Destination"), [this] { SortRows(colDestination); });
     QMenu *help = menus->addMenu(QStringLiteral("&Help"));
     add(help, "mnuHelp", QStringLiteral("&Help"),
-        [this] { OpenHelpPage(m_globals.AppPath, QStringLiteral("multirun.htm")); });
+        [this] { OpenHelpPage(m_globals.prompter, m_globals.AppPath, QStringLiteral("multirun.htm")); });
 }
 
 void frmMulti::BuildFields(QVBoxLayout *layout)

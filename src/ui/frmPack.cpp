@@ -1,6 +1,6 @@
 #include "frmPack.h"
 
-#include "HelpPage.h"
+#include "DesktopOpen.h"
 #include "ItemWindows.h"
 #include "TabOrder.h"
 #include "WindowHandler.h"
@@ -92,8 +92,9 @@ void frmPack::BuildMenus(QMenuBar *menus)
     add(reports, "mnuMoveDown", QStringLiteral("Move &Down"), [this] { Move(1); });
     add(reports, "mnuSetDest", QStringLiteral("&Set Destination"), [this] { SetDestination(); });
     QMenu *help = menus->addMenu(QStringLiteral("&Help"));
-    add(help, "mnuHelp", QStringLiteral("&Help"),
-        [this] { OpenHelpPage(m_windows.globals.AppPath, QStringLiteral("collect.htm")); });
+    add(help, "mnuHelp", QStringLiteral("&Help"), [this] {
+        OpenHelpPage(m_windows.globals.prompter, m_windows.globals.AppPath, QStringLiteral("collect.htm"));
+    });
 }
 
 void frmPack::LoadForm(int position)

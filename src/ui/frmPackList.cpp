@@ -1,6 +1,6 @@
 #include "frmPackList.h"
 
-#include "HelpPage.h"
+#include "DesktopOpen.h"
 #include "ItemWindows.h"
 #include "WindowHandler.h"
 #include "frmPack.h"
@@ -92,7 +92,7 @@ void frmPackList::BuildMenus(QMenuBar *menus)
     }
     QMenu *help = menus->addMenu(QStringLiteral("&Help"));
     QAction *helpPage = help->addAction(QStringLiteral("&Help"), this, [this] {
-        OpenHelpPage(m_windows.globals.AppPath, QStringLiteral("collecta.htm"));
+        OpenHelpPage(m_windows.globals.prompter, m_windows.globals.AppPath, QStringLiteral("collecta.htm"));
     });
     helpPage->setObjectName(QStringLiteral("mnuHelp"));
 }

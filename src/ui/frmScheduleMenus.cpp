@@ -2,7 +2,7 @@
 // the schedule's cursor.
 #include "frmSchedule.h"
 
-#include "HelpPage.h"
+#include "DesktopOpen.h"
 #include "ItemWindows.h"
 #include "WindowHandler.h"
 #include "frmCrystal.h"
@@ -60,7 +60,7 @@ void frmSchedule::BuildMenus(QMenuBar *menus)
     });
 
     add(menus->addMenu(QStringLiteral("&Help")), "mnuHelp", QStringLiteral("&Help"),
-        [this] { OpenHelpPage(m_globals.AppPath, QStringLiteral("schedule.htm")); });
+        [this] { OpenHelpPage(m_globals.prompter, m_globals.AppPath, QStringLiteral("schedule.htm")); });
 }
 
 void frmSchedule::FindShown()

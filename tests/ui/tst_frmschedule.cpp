@@ -20,6 +20,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QDateEdit>
+#include <QDir>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -252,6 +253,8 @@ void TestFrmSchedule::reportMenu()
     QCOMPARE(Child<QTableWidget>(&f.windows.Parameters(), "fgPList")->item(0, 0)->text(), u"Region"_s);
 
     UrlReceiver pages;
+    QDir().mkpath(f.path(u"Help"_s));
+    WriteFile(f.path(u"Help/schedule.htm"_s), "<html></html>");
     trigger("mnuHelp");
     QCOMPARE(pages.opened, QList<QUrl>{QUrl::fromLocalFile(f.path(u"Help/schedule.htm"_s))});
     QVERIFY(f.prompter.messages.isEmpty());
