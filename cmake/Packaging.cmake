@@ -17,6 +17,8 @@ set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS
   "fonts-dejavu-core, fonts-liberation2, libqt6sql6-sqlite, libqt6sql6-psql, libqt6sql6-odbc")
+# The desktop program opens its help pages and exports through the desktop's xdg-open.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "xdg-utils")
 set(CPACK_DEBIAN_PACKAGE_SUGGESTS "cups, odbc-postgresql, libsqliteodbc")
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION "report scheduler with mail delivery, printing and status pages
 QorloMANAGER keeps a schedule of reports, programs and report collections,
