@@ -125,6 +125,28 @@ void TestLayoutFaults::groupsKeptTogether()
         QVERIFY2(body.first().startsWith(u"City: "_s + cities[i]), qPrintable(pages[i]));
         QVERIFY2(body.last().startsWith(u"Total "_s + cities[i]), qPrintable(pages[i]));
     }
+
+    // A sub-report in the group's footer counts: with it no two cities fit on a page, so each has
+    // one, which its sub-report ends.
+    const QStringList withSubreport = textPages(u"keep-together-subreport"_s);
+    QVERIFY2(withSubreport.size() == 3, qPrintable(withSubreport.join(u"\n----\n"_s)));
+    for (int i = 0; i < 3; ++i) {
+        const QStringList body = BodyLines(withSubreport[i]).mid(i == 0 ? 1 : 0);
+        QVERIFY2(body.first().startsWith(u"City: "_s + cities[i]), qPrintable(withSubreport[i]));
+        QVERIFY2(body.contains(u"Largest orders of the city"_s), qPrintable(withSubreport[i]));
+    }
+
+    // Without keeping groups together, the sub-report's title still never stands alone at the foot of a page.
+    const QString loose = m_dir.filePath(u"loose.rpt"_s);
+    TestSupport::WriteFile(
+        loose,
+        ReadBytes(m_dir.filePath(u"keep-together-subreport.rpt"_s)).replace(" keepTogether=\"true\"", ""));
+    const QStringList loosePages =
+        QString::fromUtf8(ReadBytes(exportReport(u"loose"_s, PaginatedTextFormat, u"txt"_s))).split(u'\f');
+    QVERIFY2(loosePages.size() >= 2, qPrintable(loosePages.join(u"\n----\n"_s)));
+    for (const QString &page : loosePages)
+        QVERIFY2(BodyLines(page).value(BodyLines(page).size() - 1) != u"Largest orders of the city"_s,
+                 qPrintable(page));
 }
 
 void TestLayoutFaults::totalInTheFirstColumn()

@@ -33,7 +33,7 @@ PageFont PageBuilder::font(bool bold, double grow) const
 
 double PageBuilder::bodyHeight() const
 {
-    const double captions = m_columns ? m_lineHeight * 1.2 : 0;
+    const double captions = m_columns ? captionHeight() : 0;
     return m_bottom - m_content.top() - m_headerHeight - captions;
 }
 
@@ -73,8 +73,11 @@ double PageBuilder::chainHeight() const
     double height = 0;
     for (const Band &band : m_chain)
         height += band.height;
-    if (m_columns && !m_captionsPlaced && m_chain.front().needsCaptions)
-        height += m_lineHeight * 1.2;
+    // The captions go in before the first band of the chain that needs them, a heading's follower say.
+    const bool captions =
+        std::any_of(m_chain.begin(), m_chain.end(), [](const Band &band) { return band.needsCaptions; });
+    if (m_columns && !m_captionsPlaced && captions)
+        height += captionHeight();
     return height;
 }
 
@@ -88,7 +91,7 @@ void PageBuilder::placeChain()
     if (m_open && m_bodyUsed && (lead.newPage || (height > 0 && !fits(height)) || keepGroup))
         endPage();
     for (const Band &band : m_chain) {
-        const double captions = band.needsCaptions && !m_captionsPlaced && m_columns ? m_lineHeight * 1.2 : 0;
+        const double captions = band.needsCaptions && !m_captionsPlaced && m_columns ? captionHeight() : 0;
         if (m_open && m_bodyUsed && band.height > 0 && !fits(band.height + captions))
             endPage();
         if (!m_open)

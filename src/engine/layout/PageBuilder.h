@@ -26,6 +26,8 @@ public:
     // 0 while measuring.
     int totalPages() const { return m_total; }
     double lineHeight() const { return m_lineHeight; }
+    // The line of column captions at the head of a page or a sub-report.
+    double captionHeight() const { return m_lineHeight * 1.2; }
     // The height a page offers to bands below the page header and captions.
     double bodyHeight() const;
     PageFont font(bool bold = false, double grow = 0) const;

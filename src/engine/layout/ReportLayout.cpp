@@ -29,14 +29,33 @@ ReportLayout::ReportLayout(const Report &report, PageBuilder &builder)
 void ReportLayout::walk(const QString &heading, bool gap)
 {
     m_builder.setColumns(&m_columns);
+    walkBands(heading, gap);
+    // Every band of this report is placed by now; the captions of its columns go with it.
+    m_builder.setColumns(nullptr);
+}
+
+double ReportLayout::measure(const QString &heading)
+{
+    double height = 0;
+    m_measured = &height;
+    walkBands(heading, true);
+    m_measured = nullptr;
+    return height;
+}
+
+void ReportLayout::walkBands(const QString &heading, bool gap)
+{
     if (gap) {
         Band blank;
         blank.height = m_builder.lineHeight();
         blank.needsCaptions = false;
         emit(blank);
     }
-    if (!heading.isEmpty())
-        emit(textBand(heading, true, 5, false));
+    if (!heading.isEmpty()) {
+        Band title = textBand(heading, true, 5, false);
+        title.keepWithNext = true; // never a title alone at the foot of a page
+        emit(title);
+    }
     const GroupNode &root = m_report.groups().root();
     enterGroup(root);
     emitSection(m_formulas.reportHeader(), m_layout.reportHeader);
@@ -44,8 +63,6 @@ void ReportLayout::walk(const QString &heading, bool gap)
     if (root.rowCount() == 0)
         emitSection(m_formulas.noData(), m_layout.noData);
     WalkGroups(m_report, *this);
-    // Every band of this report is placed by now; the captions of its columns go with it.
-    m_builder.setColumns(nullptr);
 }
 
 void ReportLayout::emit(const Band &band)
@@ -137,11 +154,10 @@ void ReportLayout::grandTotal(const GroupNode &root)
 }
 
 // Each sub-report of a section laid out in place under its title; one in a group's section reads its
-// records for that group first.
+// records for that group first. While a group is measured, the sub-reports count with their captions
+// and the main report's captions after them.
 void ReportLayout::placeSubreports(const QString &section, const GroupNode &node)
 {
-    if (m_measured)
-        return;
     for (SubreportObject *object : m_report.subreportsIn(section)) {
         if (node.level >= 0) {
             enterGroup(node);
@@ -154,8 +170,13 @@ void ReportLayout::placeSubreports(const QString &section, const GroupNode &node
         if (!subreport.hasRecords())
             continue;
         const QString heading = subreport.ReportTitle().isEmpty() ? object->Name() : subreport.ReportTitle();
+        ReportLayout inner(subreport, m_builder);
+        if (m_measured) {
+            *m_measured += inner.measure(heading) + 2 * m_builder.captionHeight();
+            continue;
+        }
         const PageBuilder::Nesting outer = m_builder.nest();
-        ReportLayout(subreport, m_builder).walk(heading, true);
+        inner.walk(heading, true);
         m_builder.unnest(outer);
     }
 }

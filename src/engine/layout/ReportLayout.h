@@ -17,6 +17,8 @@ public:
     // `heading`: a title above the report; `gap`: a blank line first, which sets a sub-report apart
     // from what stands above it.
     void walk(const QString &heading, bool gap);
+    // The height of the bands that walk() would place under `heading` after a gap; nothing is placed.
+    double measure(const QString &heading);
 
     void groupHeader(const GroupNode &group, bool first) override;
     void detail(const RecordStore::Row &row, const GroupNode &group, int position) override;
@@ -24,6 +26,7 @@ public:
     void grandTotal(const GroupNode &root) override;
 
 private:
+    void walkBands(const QString &heading, bool gap);
     void emit(const Band &band);
     void enterGroup(const GroupNode &group);
     double groupHeight(const GroupNode &group);
