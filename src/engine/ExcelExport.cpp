@@ -293,7 +293,7 @@ void WriteSubreportSheets(const Report &report, const ExportOptions &options, Xl
         if (!series)
             series = std::make_unique<XlsSheetSeries>(book, object.Name());
         ExcelWriter writer(subreport, options, book, *series);
-        const QString title = subreport.ReportTitle().isEmpty() ? object.Name() : subreport.ReportTitle();
+        const QString title = object.Heading();
         if (!group.isEmpty())
             writer.writeHeading(title + QStringLiteral(": ") + group);
         writer.write();

@@ -18,4 +18,10 @@ Report &SubreportObject::OpenSubreport()
     return *m_report;
 }
 
+QString SubreportObject::Heading()
+{
+    const QString title = OpenSubreport().ReportTitle();
+    return title.isEmpty() ? Name() : title;
+}
+
 } // namespace Engine

@@ -36,6 +36,8 @@ public:
 
     // The sub-report, opened on first use and kept, so that log-on settings made on it stay for the run.
     Report &OpenSubreport();
+    // What heads the sub-report in every output: its title, or its name when it has none.
+    QString Heading();
     const SubreportDefinition &definition() const { return m_definition; }
 
 private:

@@ -164,7 +164,7 @@ void WriteSubreport(SubreportObject &object, const QString &group, const Style &
     const Report &subreport = object.OpenSubreport();
     if (!subreport.hasRecords())
         return;
-    QString heading = subreport.ReportTitle().isEmpty() ? object.Name() : subreport.ReportTitle();
+    QString heading = object.Heading();
     if (!group.isEmpty())
         heading += QStringLiteral(": ") + group;
     lines.end();

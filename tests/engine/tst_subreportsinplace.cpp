@@ -9,6 +9,7 @@
 #include <QMap>
 #include <QRegularExpression>
 #include <QSqlQuery>
+#include <QXmlStreamReader>
 
 using namespace Engine;
 using namespace Qt::Literals::StringLiterals;
@@ -56,6 +57,7 @@ private Q_SLOTS:
     void eachRegionShowsItsOwnOrders();
     void separatedValuesHoldEachSubreport();
     void workbookHasASheetForEachSubreport();
+    void xmlAndRecordFormatHoldEachSubreport();
     void faultsNameTheSubreport();
 
 private:
@@ -187,6 +189,65 @@ void TestSubreportsInPlace::workbookHasASheetForEachSubreport()
         expected.append(largest.value(1).toString());
     }
     QCOMPARE(firstColumns[u"Largest1"_s], expected);
+}
+
+void TestSubreportsInPlace::xmlAndRecordFormatHoldEachSubreport()
+{
+    QSqlQuery count(u"SELECT COUNT(*) FROM sales"_s);
+    QVERIFY(count.next());
+    // Each sub-report as "name|group|records|first values", in the order of the file.
+    QStringList expected{u"Count||1|"_s + count.value(0).toString()};
+    QStringList recordLines{QString(), u"Orders in all"_s, count.value(0).toString()};
+    QSqlQuery largest(
+        u"SELECT region, group_concat(id) FROM (SELECT region, id FROM (SELECT *, ROW_NUMBER() OVER "
+        "(PARTITION BY region ORDER BY amount DESC, id) AS place FROM sales) WHERE place <= 3 "
+        "ORDER BY region, place) GROUP BY region ORDER BY region"_s);
+    while (largest.next()) {
+        const QString region = largest.value(0).toString();
+        const QStringList ids = largest.value(1).toString().split(u',');
+        expected.append(u"Largest|%1|%2|%3"_s.arg(region).arg(ids.size()).arg(ids.join(u',')));
+        recordLines << QString() << u"Largest orders: "_s + region << ids;
+    }
+
+    QXmlStreamReader xml(exportReport(Main.arg(Table), XmlFormat));
+    QStringList found;
+    QStringList firstValues;
+    bool inSubreport = false;
+    bool recordStarts = false;
+    while (!xml.atEnd()) {
+        xml.readNext();
+        const bool subreport = xml.name() == u"Subreport"_s;
+        if (xml.isStartElement() && subreport) {
+            const QXmlStreamAttributes at = xml.attributes();
+            found.append(
+                u"%1|%2|%3|"_s.arg(at.value(u"Name"_s), at.value(u"Group"_s), at.value(u"Records"_s)));
+            firstValues.clear();
+            inSubreport = true;
+        } else if (xml.isEndElement() && subreport) {
+            found.last() += firstValues.join(u',');
+            inSubreport = false;
+        } else if (xml.isStartElement() && xml.name() == u"Record"_s) {
+            recordStarts = true;
+        } else if (xml.isStartElement() && xml.name() == u"Value"_s && inSubreport && recordStarts) {
+            firstValues.append(xml.readElementText());
+            recordStarts = false;
+        }
+    }
+    QVERIFY2(!xml.hasError(), qPrintable(xml.errorString()));
+    QCOMPARE(found, expected);
+
+    // Record format: the main report's lines, then a section a sub-report.
+    QStringList lines = exportReport(Main.arg(Table), RecordFormat).split(u"\r\n"_s);
+    QSqlQuery mainRows(u"SELECT COUNT(DISTINCT region || product) FROM sales"_s);
+    QVERIFY(mainRows.next());
+    lines = lines.mid(mainRows.value(0).toInt());
+    // Headings whole, records by their first value.
+    for (QString &line : lines) {
+        line = line.simplified();
+        if (!line.isEmpty() && line.front().isDigit())
+            line = line.section(u' ', 0, 0);
+    }
+    QCOMPARE(lines, recordLines << QString());
 }
 
 void TestSubreportsInPlace::faultsNameTheSubreport()

@@ -169,7 +169,7 @@ void ReportLayout::placeSubreports(const QString &section, const GroupNode &node
         const Report &subreport = object->OpenSubreport();
         if (!subreport.hasRecords())
             continue;
-        const QString heading = subreport.ReportTitle().isEmpty() ? object->Name() : subreport.ReportTitle();
+        const QString heading = object->Heading();
         ReportLayout inner(subreport, m_builder);
         if (m_measured) {
             *m_measured += inner.measure(heading) + 2 * m_builder.captionHeight();
