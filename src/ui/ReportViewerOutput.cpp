@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QRegularExpression>
 
 namespace {
 
@@ -107,12 +108,21 @@ void ReportViewer::ExportWithDialog()
     QStringList filters;
     for (const ExportFormat &format : ExportFormats())
         filters.append(format.filter);
-    QString chosen;
-    const QString file = QFileDialog::getSaveFileName(this, QStringLiteral("Export Report"), QString(),
-                                                      filters.join(QStringLiteral(";;")), &chosen);
-    if (file.isEmpty())
+    QFileDialog dialog(this, QStringLiteral("Export Report"));
+    dialog.setObjectName(QStringLiteral("dlgExport"));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setNameFilters(filters);
+    // A name typed without an extension gets the one of the chosen format.
+    const auto useSuffixOf = [&dialog](const QString &filter) {
+        static const QRegularExpression extension(QStringLiteral("\\*\\.(\\w+)"));
+        dialog.setDefaultSuffix(extension.match(filter).captured(1));
+    };
+    connect(&dialog, &QFileDialog::filterSelected, &dialog, useSuffixOf);
+    useSuffixOf(filters.first());
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return;
-    const qsizetype index = filters.indexOf(chosen);
+    const QString file = dialog.selectedFiles().first();
+    const qsizetype index = filters.indexOf(dialog.selectedNameFilter());
     try {
         ExportTo(ExportFormats().at(index < 0 ? 0 : index).formatType, file);
         m_status->setText(QStringLiteral("Exported to %1").arg(file));

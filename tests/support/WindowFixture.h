@@ -9,8 +9,12 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QAction>
+#include <QApplication>
 #include <QComboBox>
+#include <QDialog>
 #include <QTemporaryDir>
+#include <QTimer>
+#include <functional>
 #include <memory>
 
 namespace TestSupport {
@@ -64,6 +68,28 @@ inline QStringList RowIDs(const ScheduleView &view)
 inline void SelectItem(ScheduleView &view, const QString &reportID)
 {
     view.SetSelectedRow(int(RowIDs(view).indexOf(reportID)) + 1);
+}
+
+// Calls `act` on the modal dialog that a command is about to open and wait for, once it shows (within 10
+// seconds). Call it before the command. A dialog that `act` leaves open is rejected, so that the test
+// goes on and fails on what the dialog did not do.
+inline void WhenDialogShows(const std::function<void(QDialog &)> &act)
+{
+    auto *poll = new QTimer;
+    auto tries = std::make_shared<int>(0);
+    QObject::connect(poll, &QTimer::timeout, [poll, tries, act] {
+        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+        if (!dialog && ++*tries < 500)
+            return;
+        poll->stop();
+        poll->deleteLater();
+        if (!dialog)
+            return;
+        act(*dialog);
+        if (dialog->isVisible())
+            dialog->reject();
+    });
+    poll->start(20);
 }
 
 struct GlobalsFixture

@@ -115,28 +115,16 @@ bool HasInk(const QImage &image)
     return false;
 }
 
-// Accepts the parameter dialog once it shows (within 10 seconds), after `fill` has set its fields.
+// Accepts the parameter dialog once it shows, after `fill` has set its fields.
 void AnswerParameters(const std::function<void(QDialog &)> &fill)
 {
-    auto *poll = new QTimer;
-    auto tries = std::make_shared<int>(0);
-    QObject::connect(poll, &QTimer::timeout, [poll, tries, fill] {
-        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-        if (!dialog && ++*tries < 500)
-            return;
-        poll->deleteLater();
-        poll->stop();
-        if (dialog) {
-            fill(*dialog);
-            if (dialog->isVisible())
-                dialog->accept();
-            if (dialog->isVisible()) {
-                qWarning() << dialog->findChild<QLabel *>(u"lblError"_s)->text();
-                dialog->reject();
-            }
-        }
+    TestSupport::WhenDialogShows([fill](QDialog &dialog) {
+        fill(dialog);
+        if (dialog.isVisible())
+            dialog.accept();
+        if (dialog.isVisible())
+            qWarning() << dialog.findChild<QLabel *>(u"lblError"_s)->text();
     });
-    poll->start(20);
 }
 
 QString CsvIds(frmCrystal &window, const QString &path)
