@@ -31,9 +31,17 @@ private Q_SLOTS:
     void printAndExportDialogs();
 
 private:
+    // The demo's sales report in a viewer window.
+    frmCrystal *viewSalesReport()
+    {
+        return frmCrystal::ViewFile(m_globals, QStringLiteral(QORLO_SOURCE_DIR "/demo/sales-by-region.rpt"));
+    }
+
     QTemporaryDir m_dir;
     TestSupport::PeerProcess m_cups;
     QString m_printed;
+    TestSupport::TestPrompter m_prompter;
+    QorloGlobals m_globals{m_dir.path(), m_prompter};
 };
 
 void TestViewerPrint::initTestCase()
@@ -44,10 +52,7 @@ void TestViewerPrint::initTestCase()
 // The viewer's print command goes to the CUPS printer by name, with the pages the window shows.
 void TestViewerPrint::printsTheViewersPages()
 {
-    TestSupport::TestPrompter prompter;
-    QorloGlobals globals(m_dir.path(), prompter);
-    frmCrystal *window =
-        frmCrystal::ViewFile(globals, QStringLiteral(QORLO_SOURCE_DIR "/demo/sales-by-region.rpt"));
+    frmCrystal *window = viewSalesReport();
     QVERIFY(window);
     ReportViewer &viewer = window->Viewer();
     const int pages = viewer.Pages().pageCount();
@@ -78,10 +83,7 @@ void TestViewerPrint::printsTheViewersPages()
 // The Print and Export commands of the window through their dialogs, as an operator uses them.
 void TestViewerPrint::printAndExportDialogs()
 {
-    TestSupport::TestPrompter prompter;
-    QorloGlobals globals(m_dir.path(), prompter);
-    frmCrystal *window =
-        frmCrystal::ViewFile(globals, QStringLiteral(QORLO_SOURCE_DIR "/demo/sales-by-region.rpt"));
+    frmCrystal *window = viewSalesReport();
     QVERIFY(window);
     ReportViewer &viewer = window->Viewer();
     const auto status = [&] { return TestSupport::Child<QLabel>(&viewer, "lblStatus")->text(); };
